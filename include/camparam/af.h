@@ -1,0 +1,77 @@
+/**
+ * @file af.h
+ * Focus and zoom: the module "af". Its members stand in af_members.def.
+ *
+ * The meaning and unit of every number belong to the lens driver; the limits and defaults come
+ * from "af_range.json" and "af_def.json" in the home directory. Any thread, once the store has
+ * started; there are no locks, each value is one 32-bit word.
+ */
+#ifndef CAMPARAM_AF_H
+#define CAMPARAM_AF_H
+
+#include <cjson/cJSON.h>
+#include <time.h>
+
+#include "camparam/api.h"
+
+PARA_BEGIN_DECLS
+
+struct timespec; /* which <time.h> keeps to itself in strict C99 */
+
+/** The values by slot; slot 0 is reserved. Hosts read them, and write through the setters. */
+PARA_API extern int para_af_def[7];   /**< default */
+PARA_API extern int para_af_min[7];   /**< lowest accepted value */
+PARA_API extern int para_af_max[7];   /**< highest accepted value */
+PARA_API extern int para_af_init[7];  /**< current value as start-up left it */
+PARA_API extern int para_af_cur[7];   /**< current value */
+PARA_API extern int para_af_exist[7]; /**< nonzero: named in the defaults file */
+
+/** Time (CLOCK_MONOTONIC) of the last accepted change. */
+PARA_API extern struct timespec af_item_start_time;
+
+/**
+ * For each member <m>:
+ *
+ * int para_get_af_<m>_def(void), _min, _max, _init, _cur: the member's value of that table,
+ * whether the member is present or not.
+ *
+ * int para_set_af_<m>_cur(int value): take a value within [min, max] that differs from the
+ * current one, mark the module changed and tell af_set_notify_hook. Returns 0 in every case; a
+ * value that is not taken changes nothing.
+ */
+#define AF_MEMBER(slot, name)                                                                      \
+    PARA_API int para_get_af_##name##_def(void);                                                   \
+    PARA_API int para_get_af_##name##_min(void);                                                   \
+    PARA_API int para_get_af_##name##_max(void);                                                   \
+    PARA_API int para_get_af_##name##_init(void);                                                  \
+    PARA_API int para_get_af_##name##_cur(void);                                                   \
+    PARA_API int para_set_af_##name##_cur(int value);
+#include "camparam/af_members.def"
+
+/**
+ * Look a member up by its exact name.
+ * @param[out] value  Its current value; untouched for an unknown name.
+ * @param text        Ignored; may be NULL.
+ * @return Its presence: nonzero when it is present, 0 when it is absent or unknown.
+ */
+PARA_API int para_get_af_member_json(const char *name, int *value, const char **text);
+
+/** Trace the table at level 6: current, default and range of each member. */
+PARA_API void af_page(void);
+
+/**
+ * The module's row functions, see module.h.
+ *
+ * para_init_af: 0, or -1 when the range or the defaults file is missing or not JSON.
+ * para_get_af_opt: the item is an array of member names, or one name that begins with "all".
+ * para_need_save_af: 1 when the last change is unsaved and at least 2000 ms old, else 0.
+ * para_save_af: writes "af_cur.json"; what fflush() returned, 0 when the file did not open.
+ */
+PARA_API int para_init_af(const char *name);
+PARA_API int para_get_af_opt(const char *key, const cJSON *item, cJSON **answer, const char *name);
+PARA_API int para_need_save_af(const char *name);
+PARA_API int para_save_af(const char *name);
+
+PARA_END_DECLS
+
+#endif

@@ -1,0 +1,15 @@
+/**
+ * @file camparam.h
+ * The whole interface of the parameter store.
+ */
+#ifndef CAMPARAM_CAMPARAM_H
+#define CAMPARAM_CAMPARAM_H
+
+#include "camparam/af.h"
+#include "camparam/command.h"
+#include "camparam/control.h"
+#include "camparam/json_util.h"
+#include "camparam/module.h"
+#include "camparam/platform.h"
+
+#endif

@@ -1,0 +1,192 @@
+/**
+ * @file platform.h
+ * What a host process must bring: trace, files, text, key/value configuration, work queue.
+ *
+ * libcamparam.so leaves these symbols undefined. A host takes them from libcamparam_platform.so,
+ * the reference platform, or defines its own. Where a comment says "the reference platform", a
+ * platform of your own may differ.
+ *
+ * Every function may be called from any thread.
+ */
+#ifndef CAMPARAM_PLATFORM_H
+#define CAMPARAM_PLATFORM_H
+
+#include <time.h>
+
+#include "camparam/api.h"
+
+PARA_BEGIN_DECLS
+
+struct timespec; /* which <time.h> keeps to itself in strict C99 */
+
+/* --- Trace ------------------------------------------------------------------------------------ */
+
+/**
+ * Trace control; the second word is the level: 0 silent, 3 errors, 6 progress, 7 request dumps.
+ * The store reads it before each trace and calls wnk_traceout() only for messages of that level
+ * or below. Any thread may write the level at any time, as one 32-bit store. Word 0 is unused.
+ * The reference platform starts with level 3.
+ */
+PARA_API extern int dbgout_profile[2];
+
+/**
+ * Emit one trace message. The store has already tested the level.
+ *
+ * @param level   Level of the message, 3, 6 or 7.
+ * @param format  printf format; it ends with a line break. Borrowed for the call.
+ *
+ * The reference platform writes the message to standard error as one write, so messages of
+ * several threads do not mix. It leaves errno as it was.
+ */
+PARA_API void wnk_traceout(int level, const char *format, ...)
+    __attribute__((format(printf, 2, 3)));
+
+/* --- Files and text --------------------------------------------------------------------------- */
+
+/**
+ * Join a directory and a file name.
+ *
+ * @param[out] path  128 bytes. A result that does not fit in 127 characters gives the empty text,
+ *                   never a cut path.
+ * @param dir        Directory; "/" is added unless it ends with one. NULL: the bare name.
+ * @param name       File name.
+ * @return @p path
+ */
+PARA_API char *cat_file_name(char *path, const char *dir, const char *name);
+
+/**
+ * Read a whole file.
+ * @return Heap text that the caller frees with free(); NULL when the file cannot be opened or
+ *         read, or memory runs out. A zero follows the last byte of the file; zero bytes in the
+ *         file are kept, and end the text for who reads it as one.
+ */
+PARA_API char *read_file_to_buf(const char *path);
+
+/** Heap copy of a text, freed with free(); NULL for NULL or when memory runs out. */
+PARA_API char *lib_strdup(const char *text);
+
+/**
+ * Decimal text of a number.
+ * @param[out] text  32 bytes.
+ * @return @p text
+ */
+PARA_API char *lib_itoa(int value, char *text);
+
+/** Run a shell command line and wait for it. @return What system(3) returns. */
+PARA_API int lib_system(const char *command);
+
+/** Milliseconds from @p from to @p to, negative when @p to is the earlier one. */
+PARA_API long long lib_common_diff_msec_timespec(const struct timespec *from,
+                                                 const struct timespec *to);
+
+/* --- Configure objects: ordered key/value stores, read from ".conf" files --------------------- */
+
+typedef struct configure configure;
+
+/** Called once per entry; key and value are borrowed for the call. The result is ignored. */
+typedef int (*conf_loop_callback)(void *argument, const char *key, const char *value);
+
+/** The operations of an object; a platform's private data follows behind them. */
+struct configure {
+    /** Copy a value with its zero. @return 0 copied; -1 absent or longer than size - 1. */
+    int (*conf_get)(configure *conf, const char *key, char *buffer, int size);
+    /**
+     * Call @p callback for every entry, in file order. @return 0
+     *
+     * The reference platform goes over the entries as they were at the call, so the callback may
+     * use the operations of the same object.
+     */
+    int (*conf_loop)(configure *conf, conf_loop_callback callback, void *argument);
+    /**
+     * Set a value; a new key is added behind the others. @return 1 changed, 0 same.
+     *
+     * The reference platform refuses what no line of a ".conf" file can hold, returns 0 and changes
+     * nothing: a value with a line feed, and a key that is empty, begins with "#", or has a "=" or
+     * a blank in it.
+     */
+    int (*conf_set)(configure *conf, const char *key, const char *value);
+    /**
+     * The entry of a key, whose value text begins 256 bytes into it, or NULL. The object owns it;
+     * the value text stays valid until that key is set again or the object is freed.
+     */
+    void *(*conf_find)(configure *conf, const char *key);
+};
+
+/** A new, empty object, freed with configure_free(); NULL when memory runs out. */
+PARA_API configure *configure_init(void);
+
+/**
+ * Read a ".conf" file into an object: entries are added, or overwrite those of the same key.
+ *
+ * The reference platform's text: one entry a line, `key = "value"` or `key=value`; blanks around
+ * "=" are free and quotes optional; blank lines, lines that begin with "#" and lines that are no
+ * entry are skipped: without "=" or a valid key, with a zero byte, with a first quote but no last
+ * one. Keys and values may have any length. A value may hold any bytes but line ends and quotes;
+ * the reference platform keeps quotes too, but other readers of the file may not.
+ *
+ * The reference platform waits until no writer has the file under an exclusive flock(), and the
+ * object's other users see either none or all of the file.
+ *
+ * @param flags  Always 0.
+ * @return 0, or -1 when the file cannot be read; the object is then unchanged.
+ */
+PARA_API int configure_parse(configure *conf, int flags, const char *path);
+
+/** Release an object. NULL is ignored. */
+PARA_API void configure_free(configure *conf);
+
+/**
+ * Make a key set for configure_key_IsChanged() from a list of @p count keys.
+ * @return Heap block that the caller frees with free(); NULL when memory runs out.
+ */
+PARA_API void *config_keys_format(const char *const *keys, int count);
+
+/**
+ * Ask whether a key of the set has changed: whether its value differs from the one that it had
+ * when it was last asked about, or, before the first question, after the object's first
+ * configure_parse(). To appear is a change too.
+ * @return Position (from 0) of the first changed key in the set, or a negative number. Every key
+ *         of the set counts as asked about.
+ */
+PARA_API int configure_key_IsChanged(configure *conf, const void *key_set);
+
+/**
+ * conf_loop callback that writes `key = "value"` and a line end to a FILE *. The reference platform
+ * writes nothing to a NULL file, and no entry that its conf_set refuses. @return 0
+ */
+PARA_API int loop_2_conf(void *file, const char *key, const char *value);
+
+/** State of a dump by loop_2_buf(). */
+typedef struct {
+    char *buffer; /**< where the text goes, always zero-terminated after a call */
+    int size;     /**< bytes at buffer, the zero included */
+    int used;     /**< bytes used so far, without the zero; start with 0 */
+    int overflow; /**< set to 1 when an entry did not fit; start with 0 */
+} conf_buffer_state;
+
+/**
+ * conf_loop callback that appends the line of loop_2_conf() to a conf_buffer_state. An entry that
+ * does not fit is left out whole and sets the overflow flag. @return 0
+ */
+PARA_API int loop_2_buf(void *state, const char *key, const char *value);
+
+/* --- Work queue ------------------------------------------------------------------------------- */
+
+/** One kind of work that can be posted by name. */
+typedef struct {
+    const char *name;
+    const char *type; /**< may be NULL */
+    int (*handler)(void *argument);
+    void *argument;
+} fifo_work;
+
+/**
+ * Register work items.
+ * @param works  Copied; the texts and arguments that it points to must stay alive.
+ * @return 0, or -1 when an item has no name or no handler, or memory runs out.
+ */
+PARA_API int add_fifo_work(const fifo_work *works, int count);
+
+PARA_END_DECLS
+
+#endif
