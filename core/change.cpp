@@ -1,0 +1,32 @@
+#include "core/change.h"
+
+#include "camparam/platform.h"
+#include "core/word.h"
+
+static timespec monotonic_now()
+{
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return now;
+}
+
+void stamp_change(const change_stamp &stamp)
+{
+    store_time(*stamp.time, monotonic_now());
+    store_word(*stamp.changed, 1);
+}
+
+bool change_due(const change_stamp &stamp, int delay_ms)
+{
+    if (load_word(*stamp.changed) != 1)
+        return false;
+
+    const timespec now = monotonic_now();
+    const timespec since = load_time(*stamp.time);
+    return lib_common_diff_msec_timespec(&since, &now) >= delay_ms;
+}
+
+void clear_change(const change_stamp &stamp)
+{
+    store_word(*stamp.changed, 0);
+}

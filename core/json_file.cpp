@@ -1,0 +1,41 @@
+#include "core/json_file.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "camparam/platform.h"
+#include "core/trace.h"
+
+file_path::file_path(const char *dir, const char *name)
+{
+    cat_file_name(text, dir, name);
+}
+
+json_file read_json_file(const char *path, const char *function, int level)
+{
+    const text_ptr text(read_file_to_buf(path));
+    if (!text)
+        return {false, nullptr};
+
+    json_ptr root(cJSON_Parse(text.get()));
+    if (!root)
+        PARA_TRACE_AS(function, level, "Error before: [%s]\n", cJSON_GetErrorPtr());
+    return {true, std::move(root)};
+}
+
+int write_json_file(const char *path, const cJSON *root)
+{
+    const printed_ptr text(cJSON_Print(root));
+    if (!text)
+        return 0;
+
+    FILE *const file = fopen(path, "wb");
+    if (file == nullptr)
+        return 0;
+
+    // The final zero byte belongs to the format (SavedFile.EndsWithOneZeroByte).
+    fwrite(text.get(), strlen(text.get()) + 1, 1, file);
+    const int flushed = fflush(file);
+    fclose(file);
+    return flushed;
+}

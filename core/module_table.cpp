@@ -1,0 +1,174 @@
+#include "core/module_table.h"
+
+#include <cstring>
+
+#include "camparam/af.h"
+#include "camparam/module.h"
+#include "camparam/platform.h"
+#include "core/json_file.h"
+#include "core/trace.h"
+
+// Row order is start-up order, save order and request-matching order.
+para_module module_para_handle[64] = {
+    {"odmInter", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"isp0", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"af", para_init_af, nullptr, nullptr, para_get_af_opt, para_need_save_af, para_save_af},
+    {"video0", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"video1", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"audio", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"json", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"conf", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"msg_type", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"msg_name", nullptr, nullptr, nullptr, para_get_msg_name_opt, nullptr, nullptr},
+    {"msg_id", nullptr, nullptr, nullptr, para_get_msg_id_opt, nullptr, nullptr},
+    {"video2", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"video3", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"video4", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"video5", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"video6", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    // Counted like the others: the rows that start-up appends stand behind it.
+    {"end", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+};
+
+int module_para_handle_num = 0;
+
+constexpr int module_capacity = sizeof module_para_handle / sizeof module_para_handle[0];
+
+const para_protocol module_para_protocol_handle[] = {
+    {"www", nullptr, nullptr, nullptr},
+};
+const int module_para_protocol_handle_num = 1;
+
+// What the module names of a web-name file's list, or of the built-in one, become.
+struct module_pattern {
+    const char *list;         // the list's key in the web-name file
+    const char *default_list; // the text to use when the file has none
+    const char *kind;         // of the row, in traces
+    para_module row;          // copied, and given its name
+};
+
+static const module_pattern json_pattern = {
+    "json_pattern_list",
+    R"({"json_pattern_list":["misc"]})",
+    "json_pattern",
+    {"json_pattern", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+};
+
+static const module_pattern conf_pattern = {
+    "conf_pattern_list",
+    R"({"conf_pattern_list":["netport","overlay","ndi_config"]})",
+    "conf_pattern",
+    {"conf_pattern", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+};
+
+constexpr int staged_capacity = 32;
+static para_module module_para_handle_extern_temp[staged_capacity];
+static int module_para_handle_num_extern_temp = 0;
+
+int count_static_modules()
+{
+    for (int i = 0; i < module_capacity; i++) {
+        const char *const name = module_para_handle[i].name;
+        if (name != nullptr && strcmp(name, "end") == 0)
+            return i + 1;
+    }
+    return 0;
+}
+
+static int append_module(const char *function, const char *kind, const para_module &row)
+{
+    if (module_para_handle_num >= module_capacity) {
+        PARA_TRACE_AS(function, PARA_ERROR, "err not enough module_para_handle");
+        return -1;
+    }
+    module_para_handle[module_para_handle_num] = row;
+    PARA_TRACE_AS(function, PARA_INFO, "add %s:%s", kind, row.name);
+    module_para_handle_num++;
+    return 0;
+}
+
+static int append_listed_modules(const char *function, const module_pattern &pattern,
+                                 const cJSON *list)
+{
+    const cJSON *name = nullptr;
+    cJSON_ArrayForEach(name, list)
+    {
+        para_module row = pattern.row;
+        row.name = lib_strdup(name->valuestring);
+        if (row.name == nullptr)
+            continue; // no text: a module without a name cannot be addressed
+        if (append_module(function, pattern.kind, row) != 0) {
+            free(const_cast<char *>(row.name));
+            return -1;
+        }
+    }
+    return 0;
+}
+
+static int append_pattern_modules(const char *function, const module_pattern &pattern)
+{
+    const cJSON *const list = cJSON_GetObjectItem(para_config, pattern.list);
+    if (list != nullptr)
+        return append_listed_modules(function, pattern, list);
+
+    const json_ptr built_in(cJSON_Parse(pattern.default_list));
+    if (!built_in)
+        PARA_TRACE_AS(function, PARA_ERROR, "%s error", pattern.list);
+    return append_listed_modules(function, pattern,
+                                 cJSON_GetObjectItem(built_in.get(), pattern.list));
+}
+
+int register_para_handle_json_pattern()
+{
+    return append_pattern_modules(__func__, json_pattern);
+}
+
+int register_para_handle_conf_pattern()
+{
+    return append_pattern_modules(__func__, conf_pattern);
+}
+
+int register_para_handle_extern_pattern()
+{
+    for (int i = 0; i < module_para_handle_num_extern_temp; i++) {
+        if (append_module(__func__, "extern_pattern", module_para_handle_extern_temp[i]) != 0)
+            return -1;
+    }
+    return 0;
+}
+
+static para_module *staged_module(const char *name)
+{
+    for (int i = 0; i < module_para_handle_num_extern_temp; i++) {
+        if (strcmp(module_para_handle_extern_temp[i].name, name) == 0)
+            return &module_para_handle_extern_temp[i];
+    }
+    return nullptr;
+}
+
+int register_para_handle_extern(const para_module *row)
+{
+    if (row == nullptr || row->name == nullptr)
+        return -1;
+    if (module_para_handle_num != 0) {
+        PARA_TRACE(PARA_ERROR, "err:call register_para_handle_extern before platformparam_init");
+        return -1;
+    }
+
+    para_module *const staged = staged_module(row->name);
+    if (staged != nullptr) {
+        staged->set_opt = row->set_opt;
+        staged->get_opt = row->get_opt;
+        PARA_TRACE(PARA_INFO, "%s ok,%p %p", row->name, reinterpret_cast<void *>(row->set_opt),
+                   reinterpret_cast<void *>(row->get_opt));
+        return 0;
+    }
+
+    if (module_para_handle_num_extern_temp >= staged_capacity) {
+        PARA_TRACE(PARA_ERROR, "err not enough module_para_handle_extern_temp");
+        return -1;
+    }
+    module_para_handle_extern_temp[module_para_handle_num_extern_temp++] = {
+        row->name, nullptr, nullptr, row->set_opt, row->get_opt, nullptr, nullptr};
+    return 0;
+}

@@ -1,0 +1,32 @@
+// The rows "msg_name" and "msg_id": a request's identifiers come back as if modules answered them.
+#include <cstring>
+
+#include "camparam/module.h"
+#include "core/trace.h"
+
+// Whether the row name and the member's key agree over the length of the key.
+static bool is_asked_for(const cJSON *item, const char *name)
+{
+    return item->string != nullptr && strncmp(name, item->string, strlen(item->string)) == 0;
+}
+
+int para_get_msg_name_opt(const char *, const cJSON *item, cJSON **answer, const char *name)
+{
+    PARA_TRACE(PARA_INFO, "inter");
+    if (is_asked_for(item, name))
+        *answer = cJSON_CreateString(item->valuestring);
+    return 0;
+}
+
+int para_get_msg_id_opt(const char *, const cJSON *item, cJSON **answer, const char *name)
+{
+    PARA_TRACE(PARA_INFO, "inter");
+    if (is_asked_for(item, name))
+        *answer = cJSON_CreateNumber(item->valueint);
+    return 0;
+}
+
+int para_free_msg_name_opt(void *)
+{
+    return 0;
+}

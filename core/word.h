@@ -1,0 +1,29 @@
+// Single words that several threads share without a lock: plain loads and stores that the compiler
+// may neither tear nor repeat.
+#pragma once
+
+#include <ctime>
+
+template <typename word> word load_word(const word &from)
+{
+    return __atomic_load_n(&from, __ATOMIC_RELAXED);
+}
+
+template <typename word> void store_word(word &to, word value)
+{
+    __atomic_store_n(&to, value, __ATOMIC_RELAXED);
+}
+
+inline timespec load_time(const timespec &from)
+{
+    timespec time = {};
+    time.tv_sec = load_word(from.tv_sec);
+    time.tv_nsec = load_word(from.tv_nsec);
+    return time;
+}
+
+inline void store_time(timespec &to, const timespec &time)
+{
+    store_word(to.tv_sec, time.tv_sec);
+    store_word(to.tv_nsec, time.tv_nsec);
+}

@@ -1,0 +1,163 @@
+// Get and set requests on the modules, and requests to the host's commands.
+#include <cstring>
+
+#include "camparam/command.h"
+#include "camparam/json_util.h"
+#include "camparam/module.h"
+#include "core/json_file.h"
+#include "core/module_table.h"
+#include "core/trace.h"
+
+static void reply_text(const para_message *message, const char *text)
+{
+    SendBuf2Client(message->socket, message->sender, text, static_cast<int>(strlen(text)));
+}
+
+// The converter for requests that come from there, or null.
+static const para_protocol *find_protocol(const char *msg_from)
+{
+    if (msg_from == nullptr)
+        return nullptr;
+    for (int i = 0; i < module_para_protocol_handle_num; i++) {
+        if (strcmp(module_para_protocol_handle[i].name, msg_from) == 0)
+            return &module_para_protocol_handle[i];
+    }
+    return nullptr;
+}
+
+// The first module whose name the key begins with, or null. A module without the function that a
+// request needs still ends the search (Requests.FirstPrefixMatchDecides).
+static const para_module *find_module(const char *key)
+{
+    for (int i = 0; key != nullptr && i < module_para_handle_num; i++) {
+        const char *const name = module_para_handle[i].name;
+        if (strncmp(key, name, strlen(name)) == 0)
+            return &module_para_handle[i];
+    }
+    return nullptr;
+}
+
+static void get_members(const cJSON *request, cJSON *reply)
+{
+    const cJSON *item = nullptr;
+    cJSON_ArrayForEach(item, request)
+    {
+        const para_module *const module = find_module(item->string);
+        if (module == nullptr || module->get_opt == nullptr)
+            continue;
+        cJSON *answer = nullptr;
+        module->get_opt(item->string, item, &answer, module->name);
+        if (answer != nullptr)
+            cJSON_AddItemToObject(reply, item->string, answer);
+    }
+}
+
+static void set_members(const cJSON *request)
+{
+    const cJSON *item = nullptr;
+    cJSON_ArrayForEach(item, request)
+    {
+        const para_module *const module = find_module(item->string);
+        if (module != nullptr && module->set_opt != nullptr)
+            module->set_opt(item->string, item, module->name);
+    }
+}
+
+static void echo_identifiers(const cJSON *request, cJSON *reply)
+{
+    const cJSON *const name = cJSON_GetObjectItem(request, "msg_name");
+    if (cJSON_IsString(name))
+        cJSON_AddStringToObject(reply, "msg_name", name->valuestring);
+    const cJSON *const id = cJSON_GetObjectItem(request, "msg_id");
+    if (cJSON_IsNumber(id))
+        cJSON_AddNumberToObject(reply, "msg_id", id->valueint);
+}
+
+// The request in the modules' own names, or null after an error reply, if the converter has one.
+static json_ptr converted(const para_message *message, const para_protocol &protocol)
+{
+    char error[1024] = "";
+    json_ptr request;
+    if (protocol.convert != nullptr)
+        request.reset(protocol.convert(message->text, error, sizeof error));
+    if (!request)
+        reply_text(message, error);
+    return request;
+}
+
+static bool dumps_requests()
+{
+    return para_traces(PARA_DUMP) && !para_traces(PARA_DUMP + 1);
+}
+
+static void send_reply(const char *function, const para_message *message,
+                       const para_protocol *protocol, cJSON *reply)
+{
+    if (protocol == nullptr) {
+        const printed_ptr text(cJSON_Print(reply));
+        if (text)
+            reply_text(message, text.get());
+        return;
+    }
+
+    if (dumps_requests()) {
+        const printed_ptr text(cJSON_Print(reply));
+        PARA_TRACE_AS(function, PARA_DUMP, "reverse_convert:%s", text ? text.get() : "");
+    }
+    const text_ptr text(protocol->reverse_convert(reply));
+    if (text)
+        reply_text(message, text.get());
+}
+
+int Recive_message_Process_gset(para_message *message, cJSON *request, int mode)
+{
+    json_ptr tree(request);
+    const para_protocol *const protocol =
+        find_protocol(json_object_get_string(cJSON_GetObjectItem(request, "msg_from")));
+    if (protocol != nullptr)
+        tree = converted(message, *protocol);
+    if (!tree) {
+        PARA_TRACE(PARA_ERROR, "ERROR : json null");
+        return -1;
+    }
+    if (dumps_requests())
+        cJSON_Print_safe(tree.get());
+
+    const json_ptr reply(cJSON_CreateObject());
+    if (mode == 0) {
+        get_members(tree.get(), reply.get());
+    } else {
+        set_members(tree.get());
+        echo_identifiers(tree.get(), reply.get());
+    }
+    send_reply(__func__, message, protocol, reply.get());
+    return 0;
+}
+
+static const char invalid_command[] = "{\"err\":\"Invalid API command\"}";
+
+int Recive_message_Process_api(para_message *message, cJSON *request, int mode)
+{
+    const json_ptr tree(request);
+    const char *const name = json_object_get_string(cJSON_GetObjectItem(request, "msg_name"));
+    if (name == nullptr) {
+        PARA_TRACE(PARA_ERROR, "msg_name is NULL");
+        reply_text(message, invalid_command);
+        return -1;
+    }
+
+    cJSON *stored = nullptr;
+    const int result = param_base_json_dispose(message, request, &stored, mode);
+    const json_ptr reply(stored);
+    if (result == -1) {
+        PARA_TRACE(PARA_ERROR, "not found api command: %s", name);
+        reply_text(message, invalid_command);
+        return 0;
+    }
+    if (reply) {
+        const printed_ptr text(cJSON_Print(reply.get()));
+        if (text)
+            reply_text(message, text.get());
+    }
+    return 0;
+}

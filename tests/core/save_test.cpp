@@ -1,0 +1,220 @@
+// The thread Para_Process, save passes and stopping.
+#include <dirent.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/store.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+// A module under test stands in the row "end" or another that has no functions of its own.
+std::atomic<int> asked{0}, saved{0}, save_result{0};
+std::atomic<bool> due{false};
+std::string order;
+
+int need_save(const char *name)
+{
+    EXPECT_STREQ(name, "end");
+    asked++;
+    return due ? 5 : 0;
+}
+
+int save(const char *name)
+{
+    order += std::string(name) + " ";
+    due = false;
+    saved++;
+    return save_result;
+}
+
+std::atomic<bool> save_may_end{false};
+std::atomic<int> saves_under_way{0}, most_at_once{0};
+
+int slow_save(const char *)
+{
+    most_at_once = std::max(most_at_once.load(), ++saves_under_way);
+    saved++;
+    wait_until([] { return save_may_end.load(); });
+    saves_under_way--;
+    due = false;
+    return 0;
+}
+
+// The kernel's id of Para_Process; -1 when it does not run.
+pid_t thread_id()
+{
+    pid_t found = -1;
+    DIR *const tasks = opendir("/proc/self/task");
+    for (const dirent *task = readdir(tasks); task != nullptr; task = readdir(tasks)) {
+        const auto name = read_file(std::string("/proc/self/task/") + task->d_name + "/comm");
+        if (name == "Para_Process\n")
+            found = static_cast<pid_t>(strtol(task->d_name, nullptr, 10));
+    }
+    closedir(tasks);
+    return found;
+}
+
+bool thread_runs()
+{
+    return thread_id() >= 0;
+}
+
+} // namespace
+
+class SaveThread : public Store {
+protected:
+    SaveThread()
+    {
+        row.need_save = need_save;
+        row.save = save;
+    }
+
+    para_module &row = module_para_handle[16];
+};
+
+TEST_F(SaveThread, HasItsName)
+{
+    start_store();
+    EXPECT_TRUE(wait_until(thread_runs));
+    stop_store();
+    EXPECT_FALSE(thread_runs());
+}
+
+TEST_F(SaveThread, AsksEveryTurnAndSavesWhatIsDue)
+{
+    start_store();
+    ASSERT_TRUE(wait_until([] { return asked >= 3; }));
+    EXPECT_EQ(saved, 0);
+    EXPECT_THAT(shell_commands(), IsEmpty());
+
+    due = true;
+    ASSERT_TRUE(wait_until([] { return !shell_commands().empty(); }));
+    EXPECT_EQ(saved, 1);
+    EXPECT_THAT(shell_commands(), ElementsAre("sync"));
+    EXPECT_EQ(count_traces("end save...", "save_param"), 1);
+    EXPECT_EQ(count_traces("end save err"), 0);
+}
+
+TEST_F(SaveThread, RunsItsPassesWithoutAServer)
+{
+    const int taken = socket(AF_INET, SOCK_DGRAM, 0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(6800);
+    ASSERT_EQ(bind(taken, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+
+    start_store();
+    EXPECT_EQ(count_traces("bind error ret = -1", "para_server_init"), 1);
+    due = true;
+    EXPECT_TRUE(wait_until([] { return saved == 1 && asked >= 3; }));
+    close(taken);
+}
+
+TEST_F(SaveThread, AFailedSaveIsTracedAndStillFollowedBySync)
+{
+    save_result = -1;
+    due = true;
+    start_store();
+    ASSERT_TRUE(wait_until([] { return !shell_commands().empty(); }));
+    EXPECT_THAT(shell_commands(), ElementsAre("sync"));
+    EXPECT_EQ(count_traces("end save err", "save_param"), 1);
+    const std::vector<trace_line> all = traces();
+    const auto error = std::find_if(all.begin(), all.end(), [](const trace_line &line) {
+        return line.text == "end save err\n";
+    });
+    ASSERT_NE(error, all.end());
+    EXPECT_EQ(error->level, 3);
+}
+
+TEST_F(SaveThread, AForcedPassSavesEveryModuleUnasked)
+{
+    row.need_save = nullptr;
+    module_para_handle[8].save = save;
+    start_store();
+    EXPECT_EQ(platformparam_save(), 0);
+    EXPECT_EQ(order, "msg_type end ");
+    EXPECT_THAT(shell_commands(), ElementsAre("sync"));
+}
+
+TEST_F(SaveThread, StopZeroLeavesTheThreadRunning)
+{
+    start_store();
+    ASSERT_TRUE(wait_until([] { return asked >= 1; }));
+    EXPECT_EQ(platformparam_stop(0), 0);
+    const int before = asked;
+    EXPECT_TRUE(wait_until([before] { return asked >= before + 2; }));
+    EXPECT_EQ(saved, 0);
+}
+
+TEST_F(SaveThread, StopSavesEveryModuleOnceMore)
+{
+    start_store();
+    EXPECT_EQ(platformparam_stop(1), 0);
+    EXPECT_EQ(saved, 1);
+    EXPECT_FALSE(thread_runs());
+    EXPECT_EQ(count_traces("platformparam_stop ok", "platformparam_stop"), 1);
+    EXPECT_EQ(traces().back().text, "platformparam_stop ok\n");
+
+    EXPECT_EQ(platformparam_stop(1), 0) << "nothing runs any more";
+    EXPECT_EQ(saved, 1);
+}
+
+TEST_F(SaveThread, AForcedPassWaitsForADuePass)
+{
+    row.save = slow_save;
+    due = true;
+    start_store();
+    ASSERT_TRUE(wait_until([] { return saves_under_way == 1; }));
+
+    std::atomic<bool> forced_ended{false};
+    std::thread host([&] {
+        platformparam_save();
+        forced_ended = true;
+    });
+    EXPECT_FALSE(forced_ended);
+    EXPECT_EQ(saved, 1);
+    save_may_end = true;
+    host.join();
+    EXPECT_EQ(saved, 2);
+    EXPECT_EQ(most_at_once, 1);
+}
+
+TEST_F(SaveThread, AnswersWhileItSaves)
+{
+    start_store();
+    due = true;
+    Client client;
+    EXPECT_EQ(client.ask("{'msg_type':'get','msg_id':1}"), "{'msg_id':1}");
+    EXPECT_TRUE(wait_until([] { return saved == 1; }));
+}
+
+TEST_F(SaveThread, EndsWhenItsWaitFails)
+{
+    struct sigaction handler = {};
+    handler.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &handler, nullptr);
+    start_store();
+    ASSERT_TRUE(wait_until([] { return asked >= 1; }));
+    ASSERT_TRUE(wait_until([] {
+        syscall(SYS_tgkill, getpid(), thread_id(), SIGUSR1);
+        return thread_id() < 0;
+    }));
+
+    due = true;
+    EXPECT_EQ(saved, 0);
+    EXPECT_EQ(platformparam_stop(1), 0);
+    EXPECT_EQ(saved, 1) << "a forced pass still works";
+}

@@ -1,0 +1,153 @@
+// The order of start-up, the web-name file, and the client role.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/store.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+std::vector<std::string> calls;
+
+int init_ok(const char *name)
+{
+    calls.push_back(std::string("init ") + name);
+    return 0;
+}
+
+int init_fails(const char *name)
+{
+    calls.push_back(std::string("init ") + name);
+    return 7;
+}
+
+int second_stage(const char *name)
+{
+    calls.push_back(std::string("stage2 ") + name);
+    return 7;
+}
+
+int conflict_old, conflict_new;
+std::string conflict_name;
+
+void conflict(const char *name, int old_value, int new_value)
+{
+    conflict_name = name;
+    conflict_old = old_value;
+    conflict_new = new_value;
+}
+
+} // namespace
+
+class StartUp : public Store {};
+
+TEST_F(StartUp, TracesTheContractsJsonVersionFirst)
+{
+    start_store();
+    const trace_line first = traces().front();
+    EXPECT_EQ(first.text, "cJson version:1 7 14\n");
+    EXPECT_EQ(first.function, "platformparam_init");
+    EXPECT_EQ(first.level, 6);
+}
+
+TEST_F(StartUp, CallsEveryInitInTableOrderAndThenEverySecondStage)
+{
+    for (const int row : {8, 11, 16}) {
+        module_para_handle[row].init = init_ok;
+        module_para_handle[row].init_stage2 = second_stage;
+    }
+    module_para_handle[11].init = init_fails;
+    start_store();
+    EXPECT_THAT(calls, ElementsAre("init msg_type", "init video2", "init end", "stage2 msg_type",
+                                   "stage2 video2", "stage2 end"));
+}
+
+TEST_F(StartUp, TracesAFailedModuleAndGoesOn)
+{
+    module_para_handle[8].init = init_fails;
+    module_para_handle[16].init = init_ok;
+    start_store();
+    EXPECT_EQ(count_traces("msg_type init err", "platformparam_init"), 1);
+    EXPECT_EQ(count_traces("end init err", "platformparam_init"), 0);
+    EXPECT_THAT(calls, ElementsAre("init msg_type", "init end"));
+}
+
+TEST_F(StartUp, ABrokenWebNameFileIsTracedAndIgnored)
+{
+    write_home("www2json.json", "{'json_pattern_list':['one']");
+    start_store();
+    EXPECT_EQ(module_para_handle_num, 21);
+    EXPECT_THAT(traces_of("platformparam_init")[1], HasSubstr("Error before: ["));
+}
+
+TEST_F(StartUp, AMissingWebNameFileIsTracedAndIgnored)
+{
+    start_store();
+    EXPECT_THAT(traces_of("platformparam_init")[1], HasSubstr("Error before: []"));
+    EXPECT_EQ(module_para_handle_num, 21);
+}
+
+TEST_F(StartUp, TheWebNameFileMayHaveAnotherName)
+{
+    write_home("www2json.json", "{'json_pattern_list':['wrong']}");
+    write_home("names.json", "{'json_pattern_list':['right'],'conf_pattern_list':[]}");
+    para_profile.www2json_name = "names.json";
+    start_store();
+    ASSERT_EQ(module_para_handle_num, 18);
+    EXPECT_STREQ(module_para_handle[17].name, "right");
+}
+
+TEST_F(StartUp, AWebNamePathOverTheLimitIsAFileThatIsNotThere)
+{
+    const std::string long_name(200, 'n');
+    para_profile.www2json_name = long_name.c_str();
+    start_store();
+    EXPECT_EQ(module_para_handle_num, 21);
+}
+
+TEST_F(StartUp, AClientProcessStartsNothing)
+{
+    para_profile.role = 1;
+    EXPECT_EQ(platformparam_init(), 0);
+    EXPECT_EQ(module_para_handle_num, 0);
+    EXPECT_THAT(traces_of("platformparam_init"), ElementsAre("cJson version:1 7 14\n"));
+    EXPECT_EQ(platformparam_stop(1), 0);
+    EXPECT_EQ(count_traces("platformparam_stop ok"), 0) << "no thread ran";
+    EXPECT_EQ(para_client_init(), 0);
+}
+
+TEST_F(StartUp, IsSilentAtLevelZero)
+{
+    dbgout_profile[1] = 0;
+    start_store();
+    EXPECT_THAT(traces(), IsEmpty());
+}
+
+TEST_F(StartUp, LeavesTheProfilesStaticValues)
+{
+    // The fixture has set the folders; everything else is as the library brings it.
+    EXPECT_EQ(para_profile.role, 0);
+    EXPECT_EQ(para_profile.www2json_name, nullptr);
+    EXPECT_EQ(para_profile.conflict_hook, nullptr);
+    EXPECT_EQ(para_profile.conf_save_hook, nullptr);
+    EXPECT_EQ(sizeof para_profile, 20 * sizeof(void *));
+    EXPECT_EQ(sizeof(para_module), 7 * sizeof(void *));
+}
+
+TEST_F(StartUp, AConflictIsTracedAndToldToTheHook)
+{
+    EXPECT_EQ(para_conflict_callback("odm", 0, 1), 0);
+    EXPECT_THAT(traces_of("para_conflict_callback"), ElementsAre("odm 0->1\n"));
+
+    para_profile.conflict_hook = conflict;
+    EXPECT_EQ(para_conflict_callback("odm", 2, 1), 0);
+    EXPECT_EQ(conflict_name, "odm");
+    EXPECT_EQ(conflict_old, 2);
+    EXPECT_EQ(conflict_new, 1);
+}

@@ -1,0 +1,37 @@
+// The device that a test runs on: a clock that the test moves, and a record of every trace, shell
+// command and work registration. A test program that links it brings these platform functions
+// itself; the files, texts and configure objects come from the reference platform.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "camparam/platform.h"
+
+struct trace_line {
+    int level;
+    std::string function; // as the prefix names it
+    std::string text;     // behind the prefix, line breaks included
+};
+
+// Moves CLOCK_MONOTONIC forward for the whole process.
+void move_clock(int milliseconds);
+
+// All traces so far, or those of one function, in order.
+std::vector<trace_line> traces();
+std::vector<std::string> traces_of(const std::string &function);
+void forget_traces();
+
+// How many traces have exactly this text (without its line break), by this function if one is
+// given.
+int count_traces(const std::string &text, const std::string &function = "");
+
+// Shell commands that were run by lib_system(), in order.
+std::vector<std::string> shell_commands();
+
+// Work items that were registered with add_fifo_work(), a list for each call.
+std::vector<std::vector<fifo_work>> registered_work();
+
+// Waits until the condition holds, 20 seconds at the most. Returns whether it holds.
+bool wait_until(const std::function<bool()> &condition);
