@@ -3,29 +3,43 @@
 #include <cstring>
 
 #include "camparam/af.h"
+#include "camparam/audio.h"
 #include "camparam/module.h"
 #include "camparam/platform.h"
+#include "camparam/video.h"
 #include "core/json_file.h"
 #include "core/trace.h"
+
+static constexpr para_module video_row(const char *name)
+{
+    return {name,
+            para_init_video,
+            nullptr,
+            para_set_video_opt,
+            para_get_video_opt,
+            para_need_save_video,
+            para_save_video};
+}
 
 // Row order is start-up order, save order and request-matching order.
 para_module module_para_handle[64] = {
     {"odmInter", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
     {"isp0", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
     {"af", para_init_af, nullptr, nullptr, para_get_af_opt, para_need_save_af, para_save_af},
-    {"video0", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"video1", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"audio", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    video_row("video0"),
+    video_row("video1"),
+    {"audio", para_init_audio, nullptr, para_set_audio_opt, para_get_audio_opt,
+     para_need_save_audio, para_save_audio},
     {"json", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
     {"conf", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
     {"msg_type", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
     {"msg_name", nullptr, nullptr, nullptr, para_get_msg_name_opt, nullptr, nullptr},
     {"msg_id", nullptr, nullptr, nullptr, para_get_msg_id_opt, nullptr, nullptr},
-    {"video2", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"video3", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"video4", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"video5", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"video6", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    video_row("video2"),
+    video_row("video3"),
+    video_row("video4"),
+    video_row("video5"),
+    video_row("video6"),
     // Counted like the others: the rows that start-up appends stand behind it.
     {"end", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
 };

@@ -5,10 +5,12 @@
 #include <sys/select.h>
 #include <sys/socket.h>
 
+#include "camparam/audio.h"
 #include "camparam/command.h"
 #include "camparam/control.h"
 #include "camparam/module.h"
 #include "camparam/platform.h"
+#include "camparam/video.h"
 #include "core/trace.h"
 #include "core/word.h"
 
@@ -129,8 +131,9 @@ int platformparam_stop(int stop)
     return 0;
 }
 
-// The audio and video modules keep their own delays.
-int platformparam_set_save_param_time(int, int)
+int platformparam_set_save_param_time(int audio_ms, int video_ms)
 {
+    para_set_audio_save_param_time(audio_ms);
+    para_set_video_save_param_time(video_ms);
     return 0;
 }

@@ -6,10 +6,12 @@
 #define CAMPARAM_CAMPARAM_H
 
 #include "camparam/af.h"
+#include "camparam/audio.h"
 #include "camparam/command.h"
 #include "camparam/control.h"
 #include "camparam/json_util.h"
 #include "camparam/module.h"
 #include "camparam/platform.h"
+#include "camparam/video.h"
 
 #endif

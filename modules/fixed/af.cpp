@@ -14,8 +14,8 @@ int para_af_init[7], para_af_cur[7], para_af_exist[7];
 timespec af_item_start_time;
 static int af_item_changed;
 
-static const param_member members[] = {
-#define AF_MEMBER(slot, name) {slot, #name},
+static constexpr param_member members[] = {
+#define AF_MEMBER(slot, name) {slot, #name, &null_names},
 #include "camparam/af_members.def"
 };
 
@@ -23,8 +23,9 @@ constexpr int member_count = sizeof members / sizeof members[0];
 constexpr int slots = sizeof para_af_cur / sizeof para_af_cur[0];
 static_assert(member_count == slots - 1, "slot 0 is reserved");
 
-static const param_table table = {
+static constexpr param_table table = {
     "af",
+    first_form,
     para_af_def,
     para_af_min,
     para_af_max,
@@ -34,6 +35,9 @@ static const param_table table = {
     slots,
     members,
     member_count,
+    nullptr,
+    0,
+    nullptr,
     {&af_item_start_time, &af_item_changed},
     &save_delay_ms,
     "AF",
@@ -82,7 +86,7 @@ int para_init_af(const char *)
 
 int para_get_af_member_json(const char *name, int *value, const char **)
 {
-    return param_get_member(table, name, value);
+    return param_get_member(table, 0, name, value, nullptr);
 }
 
 // Over the length of the key, so any prefix of "af" is answered (AfQuery.KeyMayBeCutShort).
@@ -96,10 +100,10 @@ int para_get_af_opt(const char *, const cJSON *item, cJSON **answer, const char 
     PARA_TRACE(PARA_INFO, "inter");
     if (is_addressed(item)) {
         if (asks_for_all(item)) {
-            *answer = param_answer_all(table);
+            *answer = param_answer_all(table, 0);
             return 0;
         }
-        *answer = param_answer_listed(table, item);
+        *answer = param_answer_listed(table, 0, item);
     }
     PARA_TRACE(PARA_INFO, "leave");
     return 0;

@@ -9,26 +9,70 @@
 #include <ctime>
 
 #include "core/change.h"
+#include "core/word.h"
+#include "modules/fixed/param_names.h"
 
-// The texts that stand for the values 0, 1, 2 ... of a member.
-struct param_names {
-    const char *const *names;
-    int count;
+// The presence of a member, 0 when the defaults file does not name it.
+enum {
+    PRESENT = 1,
+    PRESENT_AS_NUMBER = 0x80,
+    PRESENT_AS_NAME = 0x100,
 };
 
 struct param_member {
-    int slot;
+    int slot; // within its instance
     const char *key;
+    const param_names *names; // null_names when its values have none
+};
+
+// A member of the current file: which one is written, and whose presence decides that it is.
+struct param_written {
+    int slot;
+    int if_present;
+};
+
+// Where forms of the model differ.
+struct param_rules {
+    bool clears_presence;    // start-up forgets who was present
+    bool traces_unreadable;  // a file that cannot be read is traced
+    bool named_values;       // files may hold names for numbers
+    bool range_is_array;     // a range of another type with two elements is ignored
+    bool set_needs_presence; // setters refuse an absent member
+    bool get_needs_presence; // the current value of an absent member reads as -1
+    int number_bit;          // of the presence of a member that is exchanged as a number
+};
+
+constexpr param_rules first_form = {true, false, false, false, false, false, PRESENT};
+constexpr param_rules second_form = {false, true, true, true, true, true, PRESENT_AS_NUMBER};
+
+// A module whose members exist several times, in the files an object for each.
+struct param_instances {
+    const char *noun; // "video": the objects are "video0", "video1" ...
+    int capacity;
+    int stride; // slots from one instance to the next
+    int *count; // in use; fixed after start-up
+    const char *check_function;
+    const char *page_noun; // in the trace dump
+};
+
+// The key of an instance's object: the noun and the number.
+struct instance_key {
+    instance_key(const param_instances &instances, int instance);
+    char text[32];
 };
 
 struct param_table {
     const char *module; // as in its file names, "af" for "af_range.json"
+    param_rules rules;
 
     int *def, *min, *max, *init, *cur, *exist;
     int slots; // of each array
 
     const param_member *members; // in slot order
     int member_count;
+    const param_written *written; // null: the members in slot order
+    int written_count;
+    const param_instances *instances; // null: the members stand at the top of the files
 
     change_stamp stamp;
     const int *save_delay_ms;
@@ -42,18 +86,33 @@ struct param_table {
 // two is missing or not JSON.
 int param_start(const param_table &table);
 
-// Takes a value that is within the slot's range and differs from the current one. Returns whether
-// it did, and then has stamped the change.
-bool param_set(const param_table &table, int slot, int value);
+// How many of the objects "video0", "video1" ... the range file has, and traces it.
+int param_count_instances(const param_instances &instances, const cJSON *range_root);
 
-// Stores a member's current value by its exact name. Returns its presence, 0 for an unknown name.
-int param_get_member(const param_table &table, const char *name, int *value);
+// Stores an accepted value and stamps the change.
+void param_change(const param_table &table, int slot, int value);
+
+// Sets a member as a request does: from the number or from the text, whichever form its default
+// had. Returns whether the value changed.
+bool param_set_as_requested(const param_table &table, int instance, const param_member &member,
+                            int number, const char *text);
+
+// The member of exactly that name, or null.
+const param_member *param_find(const param_table &table, const char *name);
+
+// Stores a member's current value, and, where a place for it is given, the name of a named member's
+// value, null if it is exchanged as a number. Returns the member's presence.
+int param_get_member(const param_table &table, int instance, const char *name, int *value,
+                     const char **text);
 
 // The answers to a query, new objects: every present member, or those among the item's names.
-cJSON *param_answer_all(const param_table &table);
-cJSON *param_answer_listed(const param_table &table, const cJSON *item);
+cJSON *param_answer_all(const param_table &table, int instance);
+cJSON *param_answer_listed(const param_table &table, int instance, const cJSON *item);
 
 bool param_due(const param_table &table);
+
+// Saves at once when the last change is that old. Returns 0.
+int param_save_after(const param_table &table, int delay_ms);
 
 // Writes the current file and clears the changed flag, whether or not the file opened. Returns what
 // fflush returned; 0 when the file did not open.
@@ -61,3 +120,40 @@ int param_save(const param_table &table);
 
 // Traces the current value, default and range of every member.
 void param_page(const param_table &table);
+
+inline bool is_named(const param_member &member)
+{
+    return member.names != &null_names;
+}
+
+inline int param_slot(const param_table &table, int instance, const param_member &member)
+{
+    const int first = table.instances != nullptr ? instance * table.instances->stride : 0;
+    return first + member.slot;
+}
+
+inline bool param_accepts(const param_table &table, int slot, int value)
+{
+    if (table.rules.set_needs_presence && load_word(table.exist[slot]) == 0)
+        return false;
+    if (value < load_word(table.min[slot]) || value > load_word(table.max[slot]))
+        return false;
+    // Restamping would let a client that repeats itself hold off the save.
+    return value != load_word(table.cur[slot]);
+}
+
+// Takes a value that is within the slot's range and differs from the current one. Returns whether
+// it did.
+inline bool param_set(const param_table &table, int slot, int value)
+{
+    if (!param_accepts(table, slot, value))
+        return false;
+    param_change(table, slot, value);
+    return true;
+}
+
+// The value, or -1 when the member is absent.
+inline int value_if_present(const int *values, const int *exist, int slot)
+{
+    return load_word(exist[slot]) != 0 ? load_word(values[slot]) : -1;
+}

@@ -1,0 +1,120 @@
+/**
+ * @file audio.h
+ * Sound capture, encoding and output: the module "audio". Its members stand in audio_members.def.
+ *
+ * Limits and defaults come from "audio_range.json" and "audio_def.json" in the home directory. Any
+ * thread, once the store has started; there are no locks, each value is one 32-bit word.
+ *
+ * A member is exchanged in requests in the form that its default had: as a number, or, for the
+ * named members aeFormat, audioInput and audioOut, as a name.
+ */
+#ifndef CAMPARAM_AUDIO_H
+#define CAMPARAM_AUDIO_H
+
+#include <cjson/cJSON.h>
+#include <time.h>
+
+#include "camparam/api.h"
+
+PARA_BEGIN_DECLS
+
+struct timespec; /* which <time.h> keeps to itself in strict C99 */
+
+/** The values by slot. Hosts read them, and write through the setters. */
+PARA_API extern int para_audio_def[15];  /**< default */
+PARA_API extern int para_audio_min[15];  /**< lowest accepted value */
+PARA_API extern int para_audio_max[15];  /**< highest accepted value */
+PARA_API extern int para_audio_init[15]; /**< current value as start-up left it */
+PARA_API extern int para_audio_cur[15];  /**< current value */
+/** Presence: 0 absent; bit 0 named in the defaults file, with 0x80 as a number, 0x100 as a name. */
+PARA_API extern int para_audio_exist[15];
+
+/** Time (CLOCK_MONOTONIC) of the last accepted change. */
+PARA_API extern struct timespec audio_item_start_time;
+/** Save delay in milliseconds, 2000 until set with para_set_audio_save_param_time(). */
+PARA_API extern int audio_save_param_time;
+
+/**
+ * For each member <m>:
+ *
+ * int para_get_audio_<m>_def(void), _min, _max: the member's value of that table.
+ * int para_get_audio_<m>_init(void), _cur: the same; -1 when the member is absent.
+ *
+ * int para_set_audio_<m>_cur(int value): take a value within [min, max] that differs from the
+ * current one, mark the module changed and tell audio_set_notify_hook. Returns 0 in every case; an
+ * absent member, or a value that is not taken, changes nothing.
+ * int _para_set_audio_<m>_cur(int value): the same without the hook. Returns 1 when the value
+ * changed, else 0.
+ *
+ * int para_get_audio_<m>_num(const char *text): the value of the first name that begins with the
+ * text, else of the number that the text begins with (saturated to int), else -1000, also for
+ * NULL. Members without names know the one name "null", of value 0.
+ */
+#define AUDIO_MEMBER(slot, name)                                                                   \
+    PARA_API int para_get_audio_##name##_def(void);                                                \
+    PARA_API int para_get_audio_##name##_min(void);                                                \
+    PARA_API int para_get_audio_##name##_max(void);                                                \
+    PARA_API int para_get_audio_##name##_init(void);                                               \
+    PARA_API int para_get_audio_##name##_cur(void);                                                \
+    PARA_API int _para_set_audio_##name##_cur(int value);                                          \
+    PARA_API int para_set_audio_##name##_cur(int value);                                           \
+    PARA_API int para_get_audio_##name##_num(const char *text);
+#include "camparam/audio_members.def"
+
+/**
+ * For each named member <m>: const char *para_get_audio_<m>_str(int value), the name of a value,
+ * a constant text; NULL for a value without a name.
+ */
+#define AUDIO_NAMED_MEMBER(slot, name) PARA_API const char *para_get_audio_##name##_str(int value);
+#include "camparam/audio_members.def"
+
+/**
+ * Look a member up by its exact name.
+ * @param[out] value  Its current value, -1 when it is absent; untouched for an unknown name.
+ * @param[out] text   May be NULL. For a named member the name of the value when it is exchanged as
+ *                    a name, else NULL; untouched for the other members.
+ * @return Its presence as in para_audio_exist, 0 when it is absent or unknown.
+ */
+PARA_API int para_get_audio_member_json(const char *name, int *value, const char **text);
+
+/**
+ * Set a member by its exact name as a request does, without the notify hook: from @p value when it
+ * is exchanged as a number, from @p text (may be NULL: nothing changes) when as a name.
+ * @return 1 when the value changed, else 0.
+ */
+PARA_API int para_set_audio_member_json(const char *name, int value, const char *text);
+
+/**
+ * For hosts that drive saving themselves: save now if the last change is unsaved and older than
+ * the module's own delay.
+ * @param delay_ms  Plays no part.
+ * @return 0
+ */
+PARA_API int save_cur_audio_param_delay(int delay_ms);
+
+/** Set the save delay in milliseconds, without a test; it counts from the next check. @return 0 */
+PARA_API int para_set_audio_save_param_time(int delay_ms);
+
+/** Trace the table at level 6: current, default and range of each member. */
+PARA_API void audio_page(void);
+
+/**
+ * The module's row functions, see module.h.
+ *
+ * para_init_audio: 0, or -1 when the range or the defaults file is missing or not JSON (traced).
+ * para_set_audio_opt: the item is an object of members; audio_set_request_hook is told once when
+ * any changed.
+ * para_get_audio_opt: the item is an array of member names, or one name that begins with "all".
+ * para_need_save_audio: 1 when the last change is unsaved and as old as the save delay, else 0.
+ * para_save_audio: writes "audio_cur.json"; what fflush() returned, 0 when the file did not open.
+ */
+PARA_API int para_init_audio(const char *name);
+PARA_API int para_set_audio_opt(const char *key, const cJSON *item, const char *name);
+PARA_API int para_get_audio_opt(const char *key, const cJSON *item, cJSON **answer,
+                                const char *name);
+PARA_API int para_need_save_audio(const char *name);
+PARA_API int para_save_audio(const char *name);
+
+PARA_END_DECLS
+
+#endif

@@ -1,0 +1,47 @@
+#include "modules/fixed/param_names.h"
+
+#include <cstring>
+
+#include "core/number.h"
+
+static const char *const null_name[] = {"null"};
+const param_names null_names = names_of(null_name);
+
+static bool begins_with(const char *name, const char *text)
+{
+    return strncmp(name, text, strlen(text)) == 0;
+}
+
+int name_in_file(const param_names &names, const char *text)
+{
+    for (int i = names.count - 1; i >= 0; i--) {
+        if (begins_with(names.names[i], text))
+            return i;
+    }
+    return -1;
+}
+
+int number_of_text(const param_names &names, const char *text)
+{
+    if (text == nullptr)
+        return no_number;
+    for (int i = 0; i < names.count; i++) {
+        if (begins_with(names.names[i], text))
+            return i;
+    }
+    return text[0] >= '0' && text[0] <= '9' ? leading_number(text) : no_number;
+}
+
+int exact_name(const param_names &names, const char *text)
+{
+    for (int i = 0; text != nullptr && i < names.count; i++) {
+        if (strcmp(names.names[i], text) == 0)
+            return i;
+    }
+    return -1;
+}
+
+const char *name_of_number(const param_names &names, int value)
+{
+    return value >= 0 && value < names.count ? names.names[value] : nullptr;
+}
