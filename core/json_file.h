@@ -26,6 +26,7 @@ constexpr int path_size = 128;
 
 // A path that does not fit is empty, and so a file that cannot be opened.
 struct file_path {
+    file_path() : text{} {}
     file_path(const char *dir, const char *name);
     char text[path_size];
 };
@@ -35,9 +36,13 @@ struct json_file {
     json_ptr root; // null when it is not readable or not JSON
 };
 
-// Reads a JSON file; text that is not JSON is traced as the function's.
-json_file read_json_file(const char *path, const char *function, int level);
+// Reads a JSON file; text that is not JSON is traced as the function's. Some of them end that trace
+// with an empty line: their ending is a line break.
+json_file read_json_file(const char *path, const char *function, int level, const char *ending);
 
-// Writes the text that cJSON_Print makes of the tree, and its final zero byte. Returns what fflush
-// returned; 0 when the file cannot be opened, which leaves an existing file as it is.
+// Writes a text and its final zero byte. Returns what fflush returned; 0 when the file cannot be
+// opened, which leaves an existing file as it is.
+int write_text_file(const char *path, const char *text);
+
+// Writes the text that cJSON_Print makes of the tree in the same way.
 int write_json_file(const char *path, const cJSON *root);

@@ -4,7 +4,11 @@
 
 #include "camparam/af.h"
 #include "camparam/audio.h"
+#include "camparam/conf.h"
+#include "camparam/isp.h"
+#include "camparam/misc.h"
 #include "camparam/module.h"
+#include "camparam/odm.h"
 #include "camparam/platform.h"
 #include "camparam/video.h"
 #include "core/json_file.h"
@@ -23,15 +27,17 @@ static constexpr para_module video_row(const char *name)
 
 // Row order is start-up order, save order and request-matching order.
 para_module module_para_handle[64] = {
-    {"odmInter", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"isp0", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"odmInter", para_init_odm, para_init_stage2_odm, nullptr, nullptr, para_need_save_odm,
+     para_save_odm},
+    {"isp0", para_init_isp, nullptr, para_set_isp_opt, para_get_isp_opt, para_need_save_isp,
+     para_save_isp},
     {"af", para_init_af, nullptr, nullptr, para_get_af_opt, para_need_save_af, para_save_af},
     video_row("video0"),
     video_row("video1"),
     {"audio", para_init_audio, nullptr, para_set_audio_opt, para_get_audio_opt,
      para_need_save_audio, para_save_audio},
-    {"json", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"conf", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"json", para_init_misc, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"conf", para_init_conf, nullptr, nullptr, nullptr, nullptr, nullptr},
     {"msg_type", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
     {"msg_name", nullptr, nullptr, nullptr, para_get_msg_name_opt, nullptr, nullptr},
     {"msg_id", nullptr, nullptr, nullptr, para_get_msg_id_opt, nullptr, nullptr},
@@ -65,14 +71,16 @@ static const module_pattern json_pattern = {
     "json_pattern_list",
     R"({"json_pattern_list":["misc"]})",
     "json_pattern",
-    {"json_pattern", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"json_pattern", para_init_misc, nullptr, para_set_misc_opt, para_get_misc_opt,
+     para_need_save_misc, para_save_misc},
 };
 
 static const module_pattern conf_pattern = {
     "conf_pattern_list",
     R"({"conf_pattern_list":["netport","overlay","ndi_config"]})",
     "conf_pattern",
-    {"conf_pattern", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"conf_pattern", para_init_conf, nullptr, para_set_conf_opt, para_get_conf_opt,
+     para_need_save_conf, para_save_conf},
 };
 
 constexpr int staged_capacity = 32;
@@ -89,16 +97,19 @@ int count_static_modules()
     return 0;
 }
 
-static int append_module(const char *function, const char *kind, const para_module &row)
+static bool table_is_full(const char *function)
 {
-    if (module_para_handle_num >= module_capacity) {
-        PARA_TRACE_AS(function, PARA_ERROR, "err not enough module_para_handle");
-        return -1;
-    }
+    if (module_para_handle_num < module_capacity)
+        return false;
+    PARA_TRACE_AS(function, PARA_ERROR, "err not enough module_para_handle");
+    return true;
+}
+
+static void append_module(const char *function, const char *kind, const para_module &row)
+{
     module_para_handle[module_para_handle_num] = row;
     PARA_TRACE_AS(function, PARA_INFO, "add %s:%s", kind, row.name);
     module_para_handle_num++;
-    return 0;
 }
 
 static int append_listed_modules(const char *function, const module_pattern &pattern,
@@ -107,14 +118,12 @@ static int append_listed_modules(const char *function, const module_pattern &pat
     const cJSON *name = nullptr;
     cJSON_ArrayForEach(name, list)
     {
+        if (table_is_full(function))
+            return -1;
         para_module row = pattern.row;
         row.name = lib_strdup(name->valuestring);
-        if (row.name == nullptr)
-            continue; // no text: a module without a name cannot be addressed
-        if (append_module(function, pattern.kind, row) != 0) {
-            free(const_cast<char *>(row.name));
-            return -1;
-        }
+        if (row.name != nullptr) // what is no text cannot be addressed
+            append_module(function, pattern.kind, row);
     }
     return 0;
 }
@@ -145,8 +154,9 @@ int register_para_handle_conf_pattern()
 int register_para_handle_extern_pattern()
 {
     for (int i = 0; i < module_para_handle_num_extern_temp; i++) {
-        if (append_module(__func__, "extern_pattern", module_para_handle_extern_temp[i]) != 0)
+        if (table_is_full(__func__))
             return -1;
+        append_module(__func__, "extern_pattern", module_para_handle_extern_temp[i]);
     }
     return 0;
 }
@@ -162,12 +172,14 @@ static para_module *staged_module(const char *name)
 
 int register_para_handle_extern(const para_module *row)
 {
-    if (row == nullptr || row->name == nullptr)
+    if (row == nullptr)
         return -1;
     if (module_para_handle_num != 0) {
         PARA_TRACE(PARA_ERROR, "err:call register_para_handle_extern before platformparam_init");
         return -1;
     }
+    if (row->name == nullptr)
+        return -1;
 
     para_module *const staged = staged_module(row->name);
     if (staged != nullptr) {

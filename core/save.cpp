@@ -11,6 +11,7 @@
 #include "camparam/module.h"
 #include "camparam/platform.h"
 #include "camparam/video.h"
+#include "core/lock.h"
 #include "core/trace.h"
 #include "core/word.h"
 
@@ -45,7 +46,7 @@ static bool to_be_saved(const para_module &row, save_mode mode)
 
 static int save_param(save_mode mode)
 {
-    pthread_mutex_lock(&save_mutex);
+    const lock_guard guard(save_mutex);
     bool saved = false;
     for (int i = 0; i < module_para_handle_num; i++) {
         const para_module &row = module_para_handle[i];
@@ -56,7 +57,6 @@ static int save_param(save_mode mode)
     }
     if (saved)
         lib_system("sync");
-    pthread_mutex_unlock(&save_mutex);
     return 0;
 }
 
@@ -110,7 +110,11 @@ void *platformparam_Process(void *)
 int start_save_thread(int server_socket)
 {
     server = server_socket;
-    return pthread_create(&thread, nullptr, platformparam_Process, nullptr);
+    pthread_t started = no_thread;
+    const int result = pthread_create(&started, nullptr, platformparam_Process, nullptr);
+    if (result == 0) // else the handle is undefined
+        thread = started;
+    return result;
 }
 
 int platformparam_save()

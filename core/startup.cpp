@@ -20,9 +20,9 @@ static void load_web_names(const char *function)
 {
     const char *const name = para_profile.www2json_name;
     const file_path path(para_profile.home_dir, name != nullptr ? name : "www2json.json");
-    json_file file = read_json_file(path.text, function, PARA_ERROR);
+    json_file file = read_json_file(path.text, function, PARA_ERROR, "");
     if (!file.readable)
-        PARA_TRACE_AS(function, PARA_ERROR, "Error before: [%s]\n", "");
+        PARA_TRACE_AS(function, PARA_ERROR, "Error before: [%s]", "");
     para_config = file.root.release();
 }
 

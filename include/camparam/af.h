@@ -60,10 +60,12 @@ PARA_API int para_get_af_member_json(const char *name, int *value, const char **
 PARA_API void af_page(void);
 
 /**
- * The module's row functions, see module.h.
+ * The module's row functions, see module.h. The store calls them; a host saves with
+ * platformparam_save(). Saving clears the mark of change whether or not the file opened.
  *
  * para_init_af: 0, or -1 when the range or the defaults file is missing or not JSON.
- * para_get_af_opt: the item is an array of member names, or one name that begins with "all".
+ * para_get_af_opt: the item is an array of member names, or of one name that begins with "all"; an
+ * item whose own key is neither "af" nor a beginning of it is not answered.
  * para_need_save_af: 1 when the last change is unsaved and at least 2000 ms old, else 0.
  * para_save_af: writes "af_cur.json"; what fflush() returned, 0 when the file did not open.
  */

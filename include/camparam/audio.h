@@ -99,12 +99,13 @@ PARA_API int para_set_audio_save_param_time(int delay_ms);
 PARA_API void audio_page(void);
 
 /**
- * The module's row functions, see module.h.
+ * The module's row functions, see module.h. The store calls them; a host saves with
+ * platformparam_save(). Saving clears the mark of change whether or not the file opened.
  *
  * para_init_audio: 0, or -1 when the range or the defaults file is missing or not JSON (traced).
  * para_set_audio_opt: the item is an object of members; audio_set_request_hook is told once when
  * any changed.
- * para_get_audio_opt: the item is an array of member names, or one name that begins with "all".
+ * para_get_audio_opt: the item is an array of member names, or of one name that begins with "all".
  * para_need_save_audio: 1 when the last change is unsaved and as old as the save delay, else 0.
  * para_save_audio: writes "audio_cur.json"; what fflush() returned, 0 when the file did not open.
  */

@@ -8,9 +8,13 @@
 #include "camparam/af.h"
 #include "camparam/audio.h"
 #include "camparam/command.h"
+#include "camparam/conf.h"
 #include "camparam/control.h"
+#include "camparam/isp.h"
 #include "camparam/json_util.h"
+#include "camparam/misc.h"
 #include "camparam/module.h"
+#include "camparam/odm.h"
 #include "camparam/platform.h"
 #include "camparam/video.h"
 

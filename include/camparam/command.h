@@ -71,6 +71,7 @@ PARA_API int para_server_message_Process(para_message *message);
 
 /**
  * Send one datagram without blocking; a length of 0 sends nothing. Any thread.
+ * @param text  Zero-terminated, as it is traced too; @p length bytes of it are sent.
  * @return 0. A send that fails is not noticed.
  */
 PARA_API int SendBuf2Client(int socket, struct sockaddr_in client, const char *text, int length);
@@ -92,7 +93,8 @@ PARA_API int Recive_message_Process_api(para_message *message, cJSON *request, i
 /**
  * Find a request's command and run it.
  * @param request     Borrowed for the call.
- * @param[out] reply  What the command stored; the caller deletes it, whatever the result.
+ * @param[out] reply  NULL on entry. What the command stored; the caller deletes it, whatever the
+ *                    result.
  * @return 0; -1 when no command matches or the command failed.
  */
 PARA_API int param_base_json_dispose(para_message *message, cJSON *request, cJSON **reply,

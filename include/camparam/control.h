@@ -22,10 +22,12 @@ typedef void (*para_entry_point)(void);
  * keeps no copy: texts and functions must stay alive.
  *
  * Every hook is optional (NULL). A hook runs on the thread that made the change: a host thread for
- * a change by a setter, the store's thread "Para_Process" for a request. It may call setters.
+ * a change by a setter, the store's thread "Para_Process" for a request, the work queue's thread
+ * for a reload that was posted there. It may call setters.
  *
  * The notify hooks are told of an accepted change by a public setter: they get that setter and its
- * arguments. The request hooks are told once of a set request that changed something.
+ * arguments. The request hooks are told once of a set request that changed something; those of the
+ * ISP and of the video streams are never called.
  */
 typedef struct para_profile_t {
     const char *home_dir; /**< directory of the read-only files; "/home" */
@@ -68,6 +70,10 @@ PARA_API extern para_profile_t para_profile;
  * "Para_Process". A file that is missing, a module that fails and a port that is taken are traced,
  * and start-up goes on. In the client role it does nothing.
  *
+ * A signal that is handled on "Para_Process" interrupts its wait and so ends that thread for good.
+ * The thread takes over the signal mask of the caller: block the signals that the host handles
+ * around this call.
+ *
  * @return 0, or the error number of a thread that could not be started. 0 in the client role.
  */
 PARA_API int platformparam_init(void);
@@ -76,8 +82,8 @@ PARA_API int platformparam_init(void);
 PARA_API int para_client_init(void);
 
 /**
- * Write every module that can be saved, changed or not, and run "sync". Any thread; waits for a
- * save that is under way on another one.
+ * Write every module that can be saved, changed or not, and then run "sync". Any thread, but never
+ * from a module's need_save or save; waits for a save that is under way on another thread.
  * @return 0; a module that cannot be written is traced.
  */
 PARA_API int platformparam_save(void);
@@ -85,9 +91,9 @@ PARA_API int platformparam_save(void);
 /**
  * Stop the store.
  *
- * @param stop  Nonzero: end the thread "Para_Process" (at most 100 ms and the request it is
- *              serving), then save as platformparam_save() does. 0: clear a stop that has not been
- *              carried out yet.
+ * @param stop  Nonzero: end the thread "Para_Process" (which takes at most 100 ms, and the request
+ *              and the save that are under way), then save as platformparam_save() does; without a
+ *              running thread nothing is done. 0: clear a stop that has not been carried out yet.
  * @return 0. Host threads only, one at a time: never from a hook, command or module that
  *         "Para_Process" calls.
  */

@@ -36,8 +36,8 @@ PARA_API int json_object_load_number(const cJSON *object, const char *key, int *
 PARA_API int json_object_load_double(const cJSON *object, const char *key, double *value);
 
 /**
- * Read an array member into bytes: the low 8 bits of each element's integer form, 0 for an element
- * that is not a number.
+ * Read an array member into bytes: the low 8 bits of each element's integer form, which cJSON keeps
+ * as 1 for true and as 0 for everything else that is not a number.
  *
  * @param[out] values  Room for @p capacity bytes, and for one even when it is 0 or less.
  * @param capacity     Elements to read at the most; 0 or less still reads the first.

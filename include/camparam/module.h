@@ -75,8 +75,8 @@ PARA_API int register_para_handle_extern_pattern(void);
 
 /**
  * get_opt of the rows "msg_name" and "msg_id", which echo a request's identifiers: @p answer gets
- * a copy of the item's text, or of its integer, when the item's key is a prefix of @p name.
- * Any thread. @return 0
+ * a copy of the item's text (nothing if it is none), or of its integer, when the item's key is a
+ * prefix of @p name. Any thread. @return 0
  */
 PARA_API int para_get_msg_name_opt(const char *key, const cJSON *item, cJSON **answer,
                                    const char *name);

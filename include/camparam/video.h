@@ -150,14 +150,15 @@ PARA_API int para_video_enum(void *unused1, void *unused2);
 PARA_API int para_video_size_enum(void *unused1, void *unused2);
 
 /**
- * The module's row functions, see module.h.
+ * The module's row functions, see module.h. The store calls them; a host saves with
+ * platformparam_save(). Saving clears the mark of change whether or not the file opened.
  *
  * para_init_video: the first call starts all streams: 0, or -1 when the range or the defaults file
  * is missing or not JSON (traced). Later calls return 0 at once.
  * para_set_video_opt: the item's own key names the stream, its value is an object of members. No
  * hook is told of the change.
  * para_get_video_opt: the item's own key names the stream, its value is an array of member names,
- * or one name that begins with "all".
+ * or of one name that begins with "all".
  * para_need_save_video: 1 when the last change is unsaved and as old as the save delay, else 0.
  * para_save_video: writes "video_cur.json" with all streams; what fflush() returned, 0 when the
  * file did not open.

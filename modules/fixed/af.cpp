@@ -86,7 +86,7 @@ int para_init_af(const char *)
 
 int para_get_af_member_json(const char *name, int *value, const char **)
 {
-    return param_get_member(table, 0, name, value, nullptr);
+    return param_get_member(table, table.cur, 0, name, value, nullptr);
 }
 
 // Over the length of the key, so any prefix of "af" is answered (AfQuery.KeyMayBeCutShort).
@@ -100,10 +100,10 @@ int para_get_af_opt(const char *, const cJSON *item, cJSON **answer, const char 
     PARA_TRACE(PARA_INFO, "inter");
     if (is_addressed(item)) {
         if (asks_for_all(item)) {
-            *answer = param_answer_all(table, 0);
+            *answer = param_answer_all(table, table.cur, 0);
             return 0;
         }
-        *answer = param_answer_listed(table, 0, item);
+        *answer = param_answer_listed(table, table.cur, 0, item);
     }
     PARA_TRACE(PARA_INFO, "leave");
     return 0;

@@ -137,7 +137,7 @@ int para_init_audio(const char *)
 
 int para_get_audio_member_json(const char *name, int *value, const char **text)
 {
-    return param_get_member(table, 0, name, value, text);
+    return param_get_member(table, table.cur, 0, name, value, text);
 }
 
 int para_set_audio_member_json(const char *name, int value, const char *text)
@@ -152,10 +152,10 @@ int para_get_audio_opt(const char *, const cJSON *item, cJSON **answer, const ch
 {
     PARA_TRACE(PARA_INFO, "inter");
     if (asks_for_all(item)) {
-        *answer = param_answer_all(table, 0);
+        *answer = param_answer_all(table, table.cur, 0);
         return 0;
     }
-    *answer = param_answer_listed(table, 0, item);
+    *answer = param_answer_listed(table, table.cur, 0, item);
     PARA_TRACE(PARA_INFO, "leave");
     return 0;
 }

@@ -21,11 +21,6 @@ static file_path module_file(const char *dir, const param_table &table, const ch
     return {dir, name};
 }
 
-static file_path home_file(const param_table &table, const char *suffix)
-{
-    return module_file(para_profile.home_dir, table, suffix);
-}
-
 static file_path current_file(const param_table &table)
 {
     return module_file(para_profile.data_dir, table, "_cur.json");
@@ -71,26 +66,50 @@ static void get_def_param(const param_table &table, const param_member &member, 
         store_word(table.exist[slot], read_value(table, member, item, table.def[slot]));
 }
 
-static void get_cur_param(const param_table &table, const param_member &member, int slot,
-                          const cJSON *object)
+void param_read_range(const param_table &table, int instance, const cJSON *object)
 {
-    const cJSON *const item = cJSON_GetObjectItem(object, member.key);
-    if (item != nullptr)
-        read_value(table, member, item, table.cur[slot]);
+    for (int i = 0; i < table.member_count; i++) {
+        const param_member &member = table.members[i];
+        if (member.loaded)
+            get_range_param(table, member, param_slot(table, instance, member), object);
+    }
 }
 
-using member_reader = void (*)(const param_table &, const param_member &, int, const cJSON *);
-
-static void read_members(const param_table &table, const cJSON *root, member_reader reader)
+void param_read_defaults(const param_table &table, int instance, const cJSON *object)
 {
+    for (int i = 0; i < table.member_count; i++) {
+        const param_member &member = table.members[i];
+        if (member.loaded)
+            get_def_param(table, member, param_slot(table, instance, member), object);
+    }
+}
+
+void param_read_values(const param_table &table, int *values, const cJSON *object)
+{
+    for (int i = 0; i < table.member_count; i++) {
+        const param_member &member = table.members[i];
+        const cJSON *const item = cJSON_GetObjectItem(object, member.key);
+        if (member.loaded && item != nullptr)
+            read_value(table, member, item, values[member.slot]);
+    }
+}
+
+static void read_current(const param_table &table, int instance, const cJSON *object)
+{
+    param_read_values(table, table.cur + first_slot(table, instance), object);
+}
+
+using object_reader = void (*)(const param_table &, int, const cJSON *);
+
+static void read_instances(const param_table &table, const cJSON *root, object_reader reader)
+{
+    if (table.instances == nullptr) {
+        reader(table, 0, root);
+        return;
+    }
     for (int instance = 0; instance < instance_count(table); instance++) {
-        const cJSON *object = root;
-        if (table.instances != nullptr)
-            object = cJSON_GetObjectItem(root, instance_key(*table.instances, instance).text);
-        for (int i = 0; i < table.member_count; i++) {
-            const param_member &member = table.members[i];
-            reader(table, member, param_slot(table, instance, member), object);
-        }
+        const instance_key key(*table.instances, instance);
+        reader(table, instance, cJSON_GetObjectItem(root, key.text));
     }
 }
 
@@ -107,49 +126,62 @@ int param_count_instances(const param_instances &instances, const cJSON *range_r
     return count;
 }
 
-// The parsed file; null after the trace that its failure gets.
 static json_ptr load(const param_table &table, const file_path &path, const char *unreadable)
 {
-    json_file file = read_json_file(path.text, table.init_function, PARA_INFO);
+    json_file file = read_json_file(path.text, table.init_function, PARA_INFO, "\n");
     if (!file.readable && table.rules.traces_unreadable)
         PARA_TRACE_AS(table.init_function, PARA_INFO, "%s\n", unreadable);
     return std::move(file.root);
 }
 
+json_ptr param_load_home_file(const param_table &table, const char *suffix, const char *unreadable)
+{
+    return load(table, module_file(para_profile.home_dir, table, suffix), unreadable);
+}
+
+json_ptr param_load_current_file(const param_table &table)
+{
+    const file_path path = current_file(table);
+    if (access(path.text, F_OK) != 0)
+        return nullptr;
+    return load(table, path, "Error read cur buf");
+}
+
+void param_end_start(const param_table &table)
+{
+    for (int slot = 0; slot < table.slots; slot++)
+        store_word(table.init[slot], load_word(table.cur[slot]));
+    param_page(table);
+}
+
 static int load_range(const param_table &table)
 {
-    const json_ptr root = load(table, home_file(table, "_range.json"), "Error range def buf");
+    const json_ptr root = param_load_home_file(table, "_range.json", "Error range def buf");
     if (!root)
         return -1;
     if (table.instances != nullptr)
         *table.instances->count = param_count_instances(*table.instances, root.get());
-    read_members(table, root.get(), get_range_param);
+    read_instances(table, root.get(), param_read_range);
     return 0;
 }
 
 // Every member that the defaults file names starts with its default as current value.
 static int load_defaults(const param_table &table)
 {
-    const json_ptr root = load(table, home_file(table, "_def.json"), "Error read def buf");
+    const json_ptr root = param_load_home_file(table, "_def.json", "Error read def buf");
     if (!root)
         return -1;
-    read_members(table, root.get(), get_def_param);
-    read_members(table, root.get(), get_cur_param);
+    read_instances(table, root.get(), param_read_defaults);
+    read_instances(table, root.get(), read_current);
     return 0;
 }
 
 static void load_current(const param_table &table)
 {
-    const file_path path = current_file(table);
-    int parse_ok = 0;
-    if (access(path.text, F_OK) == 0) {
-        const json_ptr root = load(table, path, "Error read cur buf");
-        if (root) {
-            read_members(table, root.get(), get_cur_param);
-            parse_ok = 1;
-        }
-    }
-    PARA_TRACE_AS(table.init_function, PARA_INFO, "parse_ok:%d", parse_ok);
+    const json_ptr root = param_load_current_file(table);
+    if (root)
+        read_instances(table, root.get(), read_current);
+    PARA_TRACE_AS(table.init_function, PARA_INFO, "parse_ok:%d", root ? 1 : 0);
 }
 
 int param_start(const param_table &table)
@@ -160,10 +192,7 @@ int param_start(const param_table &table)
     if (load_range(table) != 0 || load_defaults(table) != 0)
         return -1;
     load_current(table);
-
-    for (int slot = 0; slot < table.slots; slot++)
-        store_word(table.init[slot], load_word(table.cur[slot]));
-    param_page(table);
+    param_end_start(table);
     return 0;
 }
 
@@ -196,22 +225,22 @@ const param_member *param_find(const param_table &table, const char *name)
     return nullptr;
 }
 
-static int current_value(const param_table &table, int slot)
+static int value_of(const param_table &table, const int *values, int slot)
 {
-    return table.rules.get_needs_presence ? value_if_present(table.cur, table.exist, slot)
-                                          : load_word(table.cur[slot]);
+    return table.rules.get_needs_presence ? value_if_present(values, table.exist, slot)
+                                          : load_word(values[slot]);
 }
 
-int param_get_member(const param_table &table, int instance, const char *name, int *value,
-                     const char **text)
+int param_get_member(const param_table &table, const int *values, int instance, const char *name,
+                     int *value, const char **text)
 {
     const param_member *const member = param_find(table, name);
-    if (member == nullptr)
+    if (member == nullptr || !member->queried)
         return 0;
 
     const int slot = param_slot(table, instance, *member);
     const int presence = load_word(table.exist[slot]);
-    *value = current_value(table, slot);
+    *value = value_of(table, values, slot);
     if (text != nullptr && is_named(*member)) {
         const bool as_name = (presence & PRESENT_AS_NAME) != 0;
         *text = as_name ? name_of_number(*member->names, *value) : nullptr;
@@ -219,12 +248,8 @@ int param_get_member(const param_table &table, int instance, const char *name, i
     return presence;
 }
 
-static void add_if_present(const param_table &table, int instance, const param_member &member,
-                           int presence_slot, cJSON *object)
+static void add_member(const param_member &member, int value, cJSON *object)
 {
-    if (load_word(table.exist[presence_slot]) == 0)
-        return;
-    const int value = load_word(table.cur[param_slot(table, instance, member)]);
     const char *const name = is_named(member) ? name_of_number(*member.names, value) : nullptr;
     if (name != nullptr)
         cJSON_AddStringToObject(object, member.key, name);
@@ -238,34 +263,41 @@ static const param_member &member_of_slot(const param_table &table, int slot)
     return table.members[slot - table.members[0].slot];
 }
 
-cJSON *param_answer_all(const param_table &table, int instance)
+// What is written in which place: the table's own order, or its members as they stand.
+static param_written written_at(const param_table &table, int place)
+{
+    if (table.written != nullptr)
+        return table.written[place];
+    return {table.members[place].slot, table.members[place].slot};
+}
+
+cJSON *param_answer_all(const param_table &table, const int *values, int instance)
 {
     cJSON *const object = cJSON_CreateObject();
-    if (table.written == nullptr) {
-        for (int i = 0; i < table.member_count; i++) {
-            const param_member &member = table.members[i];
-            add_if_present(table, instance, member, param_slot(table, instance, member), object);
-        }
-    }
-    for (int i = 0; i < table.written_count; i++) {
-        const param_member &member = member_of_slot(table, table.written[i].slot);
-        const param_member &decides = member_of_slot(table, table.written[i].if_present);
-        add_if_present(table, instance, member, param_slot(table, instance, decides), object);
+    const int first = first_slot(table, instance);
+    const int count = table.written != nullptr ? table.written_count : table.member_count;
+    for (int place = 0; place < count; place++) {
+        const param_written row = written_at(table, place);
+        if (load_word(table.exist[first + row.if_present]) != 0)
+            add_member(member_of_slot(table, row.slot), load_word(values[first + row.slot]),
+                       object);
     }
     return object;
 }
 
-cJSON *param_answer_listed(const param_table &table, int instance, const cJSON *item)
+cJSON *param_answer_listed(const param_table &table, const int *values, int instance,
+                           const cJSON *item)
 {
     cJSON *const object = cJSON_CreateObject();
     const cJSON *element = nullptr;
     cJSON_ArrayForEach(element, item)
     {
         const char *const name = element->valuestring;
+        if (name == nullptr)
+            continue;
         int value = 0;
         const char *text = nullptr;
-        const int presence =
-            name != nullptr ? param_get_member(table, instance, name, &value, &text) : 0;
+        const int presence = param_get_member(table, values, instance, name, &value, &text);
         if ((presence & PRESENT_AS_NAME) != 0)
             cJSON_AddStringToObject(object, name, text);
         else if ((presence & table.rules.number_bit) != 0)
@@ -293,12 +325,12 @@ int param_save_after(const param_table &table, int delay_ms)
 static json_ptr current_document(const param_table &table)
 {
     if (table.instances == nullptr)
-        return json_ptr(param_answer_all(table, 0));
+        return json_ptr(param_answer_all(table, table.cur, 0));
 
     json_ptr root(cJSON_CreateObject());
     for (int instance = 0; instance < instance_count(table); instance++) {
         cJSON_AddItemToObject(root.get(), instance_key(*table.instances, instance).text,
-                              param_answer_all(table, instance));
+                              param_answer_all(table, table.cur, instance));
     }
     return root;
 }
@@ -314,6 +346,8 @@ int param_save(const param_table &table)
 
 static void page_row(const param_table &table, const param_member &member, int slot)
 {
+    if (!member.queried || (table.rules.page_needs_presence && load_word(table.exist[slot]) == 0))
+        return;
     PARA_TRACE_AS(table.page_function, PARA_INFO, "%16s : cur:[%d],\tdef:[%d],\trange:[%d,%d]",
                   member.key, load_word(table.cur[slot]), load_word(table.def[slot]),
                   load_word(table.min[slot]), load_word(table.max[slot]));
@@ -325,7 +359,8 @@ void param_page(const param_table &table)
     PARA_TRACE_AS(function, PARA_INFO, "----------%s PARAM-----------\n", table.banner);
     for (int instance = 0; instance < instance_count(table); instance++) {
         if (table.instances != nullptr)
-            PARA_TRACE_AS(function, PARA_INFO, "%s%d param:", table.instances->page_noun, instance);
+            PARA_TRACE_AS(function, PARA_INFO, "%s%d param:%s", table.instances->page_noun,
+                          instance, table.instances->page_break);
         for (int i = 0; i < table.member_count; i++) {
             const param_member &member = table.members[i];
             page_row(table, member, param_slot(table, instance, member));

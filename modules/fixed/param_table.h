@@ -9,6 +9,7 @@
 #include <ctime>
 
 #include "core/change.h"
+#include "core/json_file.h"
 #include "core/word.h"
 #include "modules/fixed/param_names.h"
 
@@ -23,6 +24,8 @@ struct param_member {
     int slot; // within its instance
     const char *key;
     const param_names *names; // null_names when its values have none
+    bool loaded = true;       // from the files
+    bool queried = true;      // by its name, and dumped
 };
 
 // A member of the current file: which one is written, and whose presence decides that it is.
@@ -33,17 +36,18 @@ struct param_written {
 
 // Where forms of the model differ.
 struct param_rules {
-    bool clears_presence;    // start-up forgets who was present
-    bool traces_unreadable;  // a file that cannot be read is traced
-    bool named_values;       // files may hold names for numbers
-    bool range_is_array;     // a range of another type with two elements is ignored
-    bool set_needs_presence; // setters refuse an absent member
-    bool get_needs_presence; // the current value of an absent member reads as -1
-    int number_bit;          // of the presence of a member that is exchanged as a number
+    bool clears_presence;     // start-up forgets who was present
+    bool traces_unreadable;   // a file that cannot be read is traced
+    bool named_values;        // files may hold names for numbers
+    bool range_is_array;      // a range of another type with two elements is ignored
+    bool set_needs_presence;  // setters refuse an absent member
+    bool get_needs_presence;  // the current value of an absent member reads as -1
+    bool page_needs_presence; // the dump leaves absent members out
+    int number_bit;           // of the presence of a member that is exchanged as a number
 };
 
-constexpr param_rules first_form = {true, false, false, false, false, false, PRESENT};
-constexpr param_rules second_form = {false, true, true, true, true, true, PRESENT_AS_NUMBER};
+constexpr param_rules first_form = {true, false, false, false, false, false, false, PRESENT};
+constexpr param_rules second_form = {false, true, true, true, true, true, false, PRESENT_AS_NUMBER};
 
 // A module whose members exist several times, in the files an object for each.
 struct param_instances {
@@ -52,7 +56,8 @@ struct param_instances {
     int stride; // slots from one instance to the next
     int *count; // in use; fixed after start-up
     const char *check_function;
-    const char *page_noun; // in the trace dump
+    const char *page_noun;  // in the trace dump
+    const char *page_break; // there, behind its title
 };
 
 // The key of an instance's object: the noun and the number.
@@ -86,6 +91,17 @@ struct param_table {
 // two is missing or not JSON.
 int param_start(const param_table &table);
 
+// The parts of start-up, for modules with an order of their own. A missing or broken file gives
+// null, after the trace that its failure gets.
+json_ptr param_load_home_file(const param_table &table, const char *suffix, const char *unreadable);
+json_ptr param_load_current_file(const param_table &table);
+void param_read_range(const param_table &table, int instance, const cJSON *object);
+void param_read_defaults(const param_table &table, int instance, const cJSON *object);
+// Into the values of one instance.
+void param_read_values(const param_table &table, int *values, const cJSON *object);
+// Takes the current values as those of start-up, and dumps the table.
+void param_end_start(const param_table &table);
+
 // How many of the objects "video0", "video1" ... the range file has, and traces it.
 int param_count_instances(const param_instances &instances, const cJSON *range_root);
 
@@ -100,14 +116,16 @@ bool param_set_as_requested(const param_table &table, int instance, const param_
 // The member of exactly that name, or null.
 const param_member *param_find(const param_table &table, const char *name);
 
-// Stores a member's current value, and, where a place for it is given, the name of a named member's
-// value, null if it is exchanged as a number. Returns the member's presence.
-int param_get_member(const param_table &table, int instance, const char *name, int *value,
-                     const char **text);
+// Stores a member's value in one of the tables, and, where a place for it is given, the name of a
+// named member's value, null if it is exchanged as a number. Returns the member's presence.
+int param_get_member(const param_table &table, const int *values, int instance, const char *name,
+                     int *value, const char **text);
 
-// The answers to a query, new objects: every present member, or those among the item's names.
-cJSON *param_answer_all(const param_table &table, int instance);
-cJSON *param_answer_listed(const param_table &table, int instance, const cJSON *item);
+// The answers to a query, new objects: every present member, or those among the item's names, with
+// their values in one of the tables.
+cJSON *param_answer_all(const param_table &table, const int *values, int instance);
+cJSON *param_answer_listed(const param_table &table, const int *values, int instance,
+                           const cJSON *item);
 
 bool param_due(const param_table &table);
 
@@ -126,10 +144,14 @@ inline bool is_named(const param_member &member)
     return member.names != &null_names;
 }
 
+inline int first_slot(const param_table &table, int instance)
+{
+    return table.instances != nullptr ? instance * table.instances->stride : 0;
+}
+
 inline int param_slot(const param_table &table, int instance, const param_member &member)
 {
-    const int first = table.instances != nullptr ? instance * table.instances->stride : 0;
-    return first + member.slot;
+    return first_slot(table, instance) + member.slot;
 }
 
 inline bool param_accepts(const param_table &table, int slot, int value)

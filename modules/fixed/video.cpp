@@ -41,7 +41,7 @@ constexpr int slots = sizeof para_video_cur / sizeof para_video_cur[0];
 static_assert(slots == streams * stream_slots, "a slot for each member of each stream");
 
 static constexpr param_instances instances = {
-    "video", streams, stream_slots, &g_num_stream, "check_video_num", "stream_",
+    "video", streams, stream_slots, &g_num_stream, "check_video_num", "stream_", "",
 };
 
 static constexpr param_table table = {
@@ -211,14 +211,14 @@ cJSON *Create_Json_Video_Object(int stream)
 {
     if (stream < 0 || stream >= streams)
         return cJSON_CreateObject();
-    return param_answer_all(table, stream);
+    return param_answer_all(table, table.cur, stream);
 }
 
 int para_get_video_member(const char *name, int stream, int *value, const char **text)
 {
     if (stream < 0 || stream >= streams)
         return 0;
-    return param_get_member(table, stream, name, value, text);
+    return param_get_member(table, table.cur, stream, name, value, text);
 }
 
 // The first member whose key the name begins with, or null.
@@ -256,7 +256,7 @@ int para_get_video_opt(const char *, const cJSON *item, cJSON **answer, const ch
     const int stream = stream_of_key(item, g_num_stream);
     if (stream >= 0) {
         *answer = asks_for_all(item) ? Create_Json_Video_Object(stream)
-                                     : param_answer_listed(table, stream, item);
+                                     : param_answer_listed(table, table.cur, stream, item);
     }
     PARA_TRACE(PARA_DUMP, "leave");
     return 0;

@@ -1,0 +1,195 @@
+/**
+ * @file isp.h
+ * The image signal processor: exposure, white balance, colour, noise reduction, picture styles.
+ * The module "isp0"; its members stand in isp_members.def.
+ *
+ * Limits come from "isp_range.json" and defaults from the default style in "isp_def.json", both in
+ * the home directory. The meaning and unit of every number belong to the image processor. Two
+ * instances, 0 and 1; another one reads as 0 and cannot be set. Any thread, once the store has
+ * started; there are no locks, each value is one 32-bit word.
+ */
+#ifndef CAMPARAM_ISP_H
+#define CAMPARAM_ISP_H
+
+#include <cjson/cJSON.h>
+#include <time.h>
+
+#include "camparam/api.h"
+
+PARA_BEGIN_DECLS
+
+struct timespec; /* which <time.h> keeps to itself in strict C99 */
+
+/** The values of one instance: 39 words. */
+typedef struct isp_record {
+    int size; /**< bytes of the record, 156 */
+#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) int name;
+#include "camparam/isp_members.def"
+} isp_record;
+
+/** The values by instance. Hosts read them, and write through the setters. */
+PARA_API extern isp_record para_isp_def[2];   /**< default */
+PARA_API extern isp_record para_isp_min[2];   /**< lowest accepted value */
+PARA_API extern isp_record para_isp_max[2];   /**< highest accepted value */
+PARA_API extern isp_record para_isp_init[2];  /**< current value as start-up left it */
+PARA_API extern isp_record para_isp_cur[2];   /**< current value */
+PARA_API extern isp_record para_isp_exist[2]; /**< presence: 0 absent, 0x81 present */
+
+/** Instances in use, 0 to 2; fixed after start-up. */
+PARA_API extern int isp_num;
+/** Nonzero once start-up has begun. */
+PARA_API extern int isp_inited;
+/** Time (CLOCK_MONOTONIC) of the last accepted change. */
+PARA_API extern struct timespec isp_item_start_time;
+
+/**
+ * For each member <m> with accessors:
+ *
+ * int para_get_isp_<m>_def(int instance), _min, _max, _init, _cur: the member's value of that
+ * table, whether the member is present or not.
+ *
+ * int para_set_isp_<m>_cur(int instance, int value): take a value within [min, max] that differs
+ * from the current one, mark the module changed and tell isp_set_notify_hook. Returns 0 in every
+ * case; an absent member, or a value that is not taken, changes nothing.
+ * int _para_set_isp_<m>_cur(int instance, int value): the same without the hook. Returns 1 when
+ * the value changed, else 0.
+ *
+ * Setting the style changes that word alone: see para_get_isp_style_param().
+ */
+#define ISP_ACCESSORS_yes(name)                                                                    \
+    PARA_API int para_get_isp_##name##_def(int instance);                                          \
+    PARA_API int para_get_isp_##name##_min(int instance);                                          \
+    PARA_API int para_get_isp_##name##_max(int instance);                                          \
+    PARA_API int para_get_isp_##name##_init(int instance);                                         \
+    PARA_API int para_get_isp_##name##_cur(int instance);                                          \
+    PARA_API int _para_set_isp_##name##_cur(int instance, int value);                              \
+    PARA_API int para_set_isp_##name##_cur(int instance, int value);
+#define ISP_ACCESSORS_no(name)
+#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) ISP_ACCESSORS_##accessor(name)
+#include "camparam/isp_members.def"
+#undef ISP_ACCESSORS_yes
+#undef ISP_ACCESSORS_no
+
+/**
+ * For each member <m> that files hold: int para_get_isp_<m>_num(const char *text), 0 when "null"
+ * begins with the text (the empty one too), else the number that the text begins with (saturated
+ * to int), else -1000, also for NULL.
+ */
+#define ISP_NUM_yes(name) PARA_API int para_get_isp_##name##_num(const char *text);
+#define ISP_NUM_no(name)
+#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) ISP_NUM_##loaded(name)
+#include "camparam/isp_members.def"
+#undef ISP_NUM_yes
+#undef ISP_NUM_no
+
+/** Count the instances of a range document, "isp0" and "isp1". Traced. @return 0 to 2 */
+PARA_API int check_isp_num(const cJSON *root);
+
+/**
+ * Look a member with accessors up by its exact name: its current, or its default value.
+ * @param[out] value  Untouched for an unknown name or instance.
+ * @param text        Ignored; may be NULL.
+ * @return Its presence; 0 when it is absent or unknown.
+ */
+PARA_API int para_get_isp_cur_member(const char *name, int instance, int *value, const char **text);
+PARA_API int para_get_isp_def_member(const char *name, int instance, int *value, const char **text);
+
+/**
+ * The present members of an instance as an object, which the caller deletes.
+ * @param use_defaults  Nonzero: their defaults; 0: their current values.
+ */
+PARA_API cJSON *isp_param_to_json(int instance, int use_defaults);
+
+/**
+ * Set a member as a request does, without the notify hook.
+ * @param key   Chooses the first member whose name it begins with, in an order of its own:
+ *              "rgain_tuning" is "rgain".
+ * @param text  Ignored; may be NULL.
+ * @return 1 when the value changed, else 0.
+ */
+PARA_API int isp_set_member_by_name(const char *key, int instance, int number, const char *text);
+
+/**
+ * Make every default the current value, without range check or hook. The module counts as changed
+ * at the time of its last change, so it may be saved at once. @return 0
+ */
+PARA_API int para_isp_cur_restore_isp_def(void);
+
+/**
+ * Change the default of antiflicker, here and in the ODM store, if the value is within [min, max]
+ * and differs from the default. The current value stays. @return 0
+ */
+PARA_API int para_set_isp_antiflicker_def(int instance, int value);
+
+/** Trace the table at level 6: the present members of each instance. */
+PARA_API void isp_page(void);
+
+/* --- Picture styles: named sets of values, numbered from 0 in the order of the style file --------
+ */
+
+/** Load the style file, once. @return 0; -1 when it is missing, not JSON (traced) or has no list.
+ */
+PARA_API int para_init_isp_style(void);
+
+/** The style's object in the style document, owned by it; NULL when there is none. */
+PARA_API cJSON *get_isp_style_json(int index);
+
+/** The default style, one for all instances; the argument is ignored. */
+PARA_API int para_get_isp_style_def_index(int instance);
+
+/**
+ * Make a style the default one until the process ends, and load nothing. The instance is ignored.
+ * @return 0, or -1 when there is no such style.
+ */
+PARA_API int para_set_isp_style_def_index(int instance, int index);
+
+/**
+ * Make a style the default one for good (in the ODM store), and load its values into the
+ * instance's defaults. Current values stay: para_isp_cur_restore_isp_def() adopts the defaults.
+ * @return 0, or -1 when there is no such style or instance.
+ */
+PARA_API int para_set_isp_style_def(int instance, int index);
+
+/** A style's name, owned by the style document; NULL when there is none. */
+PARA_API const char *para_get_isp_style_string(int index);
+
+/** The first style of exactly that name, or -1. */
+PARA_API int para_get_isp_style_index(const char *name);
+
+/**
+ * A style's values, for a host that applies them through the setters: selecting a style with
+ * para_set_isp_style_cur() does not. antiflicker is the instance's current value, so a style never
+ * changes it; members that the style does not name are 0.
+ * @return The library's own record, which the next call for the same style changes; NULL when there
+ *         is no such style or instance.
+ */
+PARA_API isp_record *para_get_isp_style_param(int instance, int index);
+
+/** The style file's "style_excute_by_arm", for the host. */
+PARA_API int para_isp_style_excute_by_arm(void);
+
+/** Write the ODM store's default of antiflicker, as start-up found it, into a record. @return 0 */
+PARA_API int parse_isp_def_odm(isp_record *record);
+
+/**
+ * The module's row functions, see module.h. The store calls them; a host saves with
+ * platformparam_save(). Saving clears the mark of change whether or not the file opened.
+ *
+ * para_init_isp: the first call starts the module: 0, or -1 when the range file is missing or not
+ * JSON. Later calls return 0 at once.
+ * para_set_isp_opt: the item's own key names the instance, its value is an object of members. No
+ * hook is told of the change.
+ * para_get_isp_opt: the key "isp0" or "isp0_cur_all" asks for current values, "isp0_def" for
+ * defaults; the item is an array of member names, or of one name that begins with "all".
+ * para_need_save_isp: 1 when the last change is unsaved and at least 2000 ms old, else 0.
+ * para_save_isp: writes "isp_cur.json"; what fflush() returned, 0 when the file did not open.
+ */
+PARA_API int para_init_isp(const char *name);
+PARA_API int para_set_isp_opt(const char *key, const cJSON *item, const char *name);
+PARA_API int para_get_isp_opt(const char *key, const cJSON *item, cJSON **answer, const char *name);
+PARA_API int para_need_save_isp(const char *name);
+PARA_API int para_save_isp(const char *name);
+
+PARA_END_DECLS
+
+#endif

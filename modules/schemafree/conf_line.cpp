@@ -1,0 +1,139 @@
+// Rewriting single lines of ".conf" files that other programs own.
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "camparam/conf.h"
+#include "camparam/platform.h"
+#include "core/trace.h"
+
+// Text that grows as it is written.
+class text_buffer {
+public:
+    text_buffer() : stream(open_memstream(&text, &size)) {}
+    ~text_buffer()
+    {
+        close();
+        free(text);
+    }
+    text_buffer(const text_buffer &) = delete;
+    text_buffer &operator=(const text_buffer &) = delete;
+
+    FILE *file() const { return stream; }
+
+    // Ends writing. Returns whether all of it is there.
+    bool close()
+    {
+        const bool closed = stream != nullptr && fclose(stream) == 0;
+        stream = nullptr;
+        return closed;
+    }
+
+    const char *data() const { return text; }
+    size_t length() const { return size; }
+
+private:
+    char *text = nullptr;
+    size_t size = 0;
+    FILE *stream;
+};
+
+struct file_close {
+    void operator()(FILE *file) const { fclose(file); }
+};
+using file_ptr = std::unique_ptr<FILE, file_close>;
+
+static bool has_key(const char *line, const char *key)
+{
+    const size_t length = strlen(key);
+    return strncmp(line, key, length) == 0 && (line[length] == ' ' || line[length] == '=');
+}
+
+// Copies the lines, with the new one in place of those that have the key.
+static void replace_lines(FILE *from, const char *key, const char *new_line, FILE *to)
+{
+    char *line = nullptr;
+    size_t size = 0;
+    for (ssize_t length; (length = getline(&line, &size, from)) > 0;) {
+        if (line[0] == '\0')
+            continue;
+        if (has_key(line, key))
+            fprintf(to, "%s\n", new_line);
+        else
+            fwrite(line, 1, static_cast<size_t>(length), to);
+    }
+    free(line);
+}
+
+int update_conf(const char *path, const char *key, const char *line)
+{
+    if (path == nullptr || key == nullptr || line == nullptr)
+        return -1;
+    const file_ptr file(fopen(path, "r+e"));
+    text_buffer text;
+    if (!file || text.file() == nullptr)
+        return -1;
+
+    // Locked before it is read, so that nothing another program writes in between is lost.
+    const int descriptor = fileno(file.get());
+    flock(descriptor, LOCK_EX);
+    replace_lines(file.get(), key, line, text.file());
+    const bool rewritten = text.close() && ftruncate(descriptor, 0) == 0;
+    if (rewritten) {
+        rewind(file.get());
+        fwrite(text.data(), 1, text.length(), file.get());
+        fflush(file.get());
+    }
+    flock(descriptor, LOCK_UN);
+    return rewritten ? 0 : -1;
+}
+
+int update_line_conf(const char *path, const char *key, const char *line)
+{
+    return update_conf(path, key, line);
+}
+
+static bool is_format(const char *format, const char *known)
+{
+    return format != nullptr && strcmp(format, known) == 0;
+}
+
+// The line with the value in quotes or not, as the format has it, handed to update_conf.
+static int update_line(const char *function, const char *path, const char *key, const char *value,
+                       const char *format, const char *quoted, const char *plain)
+{
+    const bool in_quotes = is_format(format, quoted);
+    if (!in_quotes && !is_format(format, plain)) {
+        PARA_TRACE_AS(function, PARA_ERROR, "error: format is wrong");
+        return -1;
+    }
+    if (key == nullptr || value == nullptr)
+        return -1;
+
+    text_buffer line;
+    if (line.file() == nullptr)
+        return -1;
+    if (in_quotes)
+        fprintf(line.file(), "%s = \"%s\"", key, value);
+    else
+        fprintf(line.file(), "%s=%s", key, value);
+    return line.close() ? update_conf(path, key, line.data()) : -1;
+}
+
+int update_line_conf_str(const char *path, const char *key, const char *value, const char *format)
+{
+    return update_line(__func__, path, key, value, format, "%s = \"%s\"", "%s=%s");
+}
+
+int update_line_conf_int(const char *path, const char *key, int value, const char *format)
+{
+    char digits[32];
+    return update_line(__func__, path, key, lib_itoa(value, digits), format, "%s = \"%d\"",
+                       "%s=%d");
+}

@@ -1,0 +1,201 @@
+// The ODM store: a document of a device maker's own values.
+#include "camparam/odm.h"
+
+#include <pthread.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+
+#include "camparam/control.h"
+#include "core/change.h"
+#include "core/json_file.h"
+#include "core/lock.h"
+#include "core/trace.h"
+#include "core/word.h"
+
+// Never held while a hook runs: hooks may call the getters and setters.
+static pthread_mutex_t document_mutex = PTHREAD_MUTEX_INITIALIZER;
+static cJSON *json_odm_file; // null until a file is loaded or a value set; never deleted
+
+timespec odm_item_start_time;
+static int odm_item_changed;
+static constexpr change_stamp stamp = {&odm_item_start_time, &odm_item_changed};
+
+static int odm_persist_dir_missing;
+
+// Of the data directory; empty when there is none.
+static file_path persist_dir()
+{
+    if (para_profile.data_dir == nullptr)
+        return file_path();
+    return {para_profile.data_dir, "/persist/"};
+}
+
+static file_path store_path()
+{
+    if (para_profile.data_dir == nullptr)
+        return {nullptr, "odm.json"};
+    const file_path dir = persist_dir();
+    return dir.text[0] != '\0' ? file_path(dir.text, "odm.json") : file_path();
+}
+
+static void make_persist_dir_if_missing()
+{
+    if (load_word(odm_persist_dir_missing) == 0)
+        return;
+    store_word(odm_persist_dir_missing, 0);
+    mkdir(persist_dir().text, 0775);
+}
+
+static void move_legacy_file()
+{
+    if (para_profile.data_dir == nullptr)
+        return;
+    const file_path legacy(para_profile.data_dir, "isp_odm.json");
+    if (access(legacy.text, F_OK) != 0)
+        return;
+    make_persist_dir_if_missing();
+    rename(legacy.text, store_path().text);
+}
+
+int para_init_odm(const char *)
+{
+    if (access(persist_dir().text, F_OK) != 0)
+        store_word(odm_persist_dir_missing, 1);
+    move_legacy_file();
+
+    json_file file = read_json_file(store_path().text, __func__, PARA_INFO, "\n");
+    if (!file.readable)
+        return 0;
+    if (!file.root)
+        return -1;
+    if (!cJSON_IsObject(file.root.get())) {
+        PARA_TRACE(PARA_ERROR, "odm.json holds no object"); // and so would lose what is set
+        return -1;
+    }
+
+    const lock_guard guard(document_mutex);
+    cJSON_Delete(json_odm_file);
+    json_odm_file = file.root.release();
+    return 0;
+}
+
+constexpr int current_version = 1;
+
+int para_init_stage2_odm(const char *)
+{
+    int version = 0;
+    const int result = para_get_odm_int("version", &version);
+    if (result == -1 || version == current_version)
+        return result;
+    para_conflict_callback("odm", version, current_version);
+    return para_set_odm_int("version", current_version);
+}
+
+// Stores the key's item. Returns 0; -1 when there is no document; -2 when the key is absent.
+static int find_item(const char *key, const cJSON *&item)
+{
+    if (json_odm_file == nullptr)
+        return -1;
+    item = cJSON_GetObjectItem(json_odm_file, key);
+    return item != nullptr ? 0 : -2;
+}
+
+int para_get_odm_int(const char *key, int *value)
+{
+    const lock_guard guard(document_mutex);
+    const cJSON *item = nullptr;
+    const int result = find_item(key, item);
+    if (result == 0)
+        *value = item->valueint;
+    return result;
+}
+
+int para_get_odm_string(const char *key, char *text)
+{
+    const lock_guard guard(document_mutex);
+    const cJSON *item = nullptr;
+    const int result = find_item(key, item);
+    if (result == 0)
+        snprintf(text, PARA_ODM_TEXT_MAX, "%s", cJSON_IsString(item) ? item->valuestring : "");
+    return result;
+}
+
+// The key's item in a document that exists from now on, or null.
+static cJSON *item_to_set(const char *key)
+{
+    if (json_odm_file == nullptr) {
+        json_odm_file = cJSON_CreateObject();
+        cJSON_AddNumberToObject(json_odm_file, "version", current_version);
+    }
+    return cJSON_GetObjectItem(json_odm_file, key);
+}
+
+int _para_set_odm_int(const char *key, int value)
+{
+    const lock_guard guard(document_mutex);
+    cJSON *const item = item_to_set(key);
+    if (item == nullptr) {
+        cJSON_AddNumberToObject(json_odm_file, key, value);
+        return 1;
+    }
+    if (item->valueint == value)
+        return 0;
+    cJSON_SetNumberValue(item, value);
+    return 1;
+}
+
+int _para_set_odm_string(const char *key, const char *text)
+{
+    const lock_guard guard(document_mutex);
+    cJSON *const item = item_to_set(key);
+    if (item == nullptr) {
+        cJSON_AddStringToObject(json_odm_file, key, text);
+        return 1;
+    }
+    if (item->valuestring != nullptr && text != nullptr && strcmp(item->valuestring, text) == 0)
+        return 0;
+    if (text != nullptr)
+        cJSON_SetValuestring(item, text); // leaves an item that is no text as it is
+    return 1;
+}
+
+// The hook hears of a change before the store is stamped (OdmSetter.TellsTheHookBeforeTheStamp).
+static int tell_and_stamp(const char *key)
+{
+    if (para_profile.odm_set_notify_hook != nullptr)
+        para_profile.odm_set_notify_hook(key);
+    stamp_change(stamp);
+    return 0;
+}
+
+int para_set_odm_int(const char *key, int value)
+{
+    return _para_set_odm_int(key, value) != 0 ? tell_and_stamp(key) : 0;
+}
+
+int para_set_odm_string(const char *key, const char *text)
+{
+    return _para_set_odm_string(key, text) != 0 ? tell_and_stamp(key) : 0;
+}
+
+int para_need_save_odm(const char *)
+{
+    return change_due(stamp, save_delay_ms) ? 1 : 0;
+}
+
+static printed_ptr printed_document()
+{
+    const lock_guard guard(document_mutex);
+    return printed_ptr(json_odm_file != nullptr ? cJSON_Print(json_odm_file) : nullptr);
+}
+
+int para_save_odm(const char *)
+{
+    make_persist_dir_if_missing();
+    clear_change(stamp); // before the document is read: a change from now on is saved again
+    const printed_ptr text = printed_document();
+    return text ? write_text_file(store_path().text, text.get()) : 0;
+}
