@@ -1,0 +1,155 @@
+#include <pthread.h>
+
+#include <algorithm>
+#include <condition_variable>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <deque>
+#include <iterator>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "camparam/platform.h"
+#include "camparam/platform_queue.h"
+#include "platform/guard.h"
+
+namespace {
+
+// A thread that is started meanwhile never takes a signal: a host decides which of its own does.
+class signals_held_back {
+public:
+    signals_held_back()
+    {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &before);
+    }
+    ~signals_held_back() { pthread_sigmask(SIG_SETMASK, &before, nullptr); }
+    signals_held_back(const signals_held_back &) = delete;
+    signals_held_back &operator=(const signals_held_back &) = delete;
+
+private:
+    sigset_t before = {};
+};
+
+class work_queue {
+public:
+    void add(const fifo_work *works, int count);
+    int post(const char *name, const char *type);
+    void stop();
+
+private:
+    void start();
+    void run();
+
+    std::mutex lock;
+    std::condition_variable posted;
+    std::vector<fifo_work> registered;
+    std::deque<fifo_work> waiting;
+    std::thread worker; // none until the first post
+    bool stopping = false;
+};
+
+// Never destroyed: threads of the host may still post while the process ends.
+work_queue &queue()
+{
+    static work_queue *const only = new work_queue;
+    return *only;
+}
+
+bool usable(const fifo_work &work)
+{
+    return work.name != nullptr && work.handler != nullptr;
+}
+
+bool same_type(const char *one, const char *other)
+{
+    if (one == nullptr || other == nullptr)
+        return one == other;
+    return strcmp(one, other) == 0;
+}
+
+void work_queue::add(const fifo_work *works, int count)
+{
+    const std::lock_guard<std::mutex> guard(lock);
+    registered.insert(registered.end(), works, works + count);
+}
+
+int work_queue::post(const char *name, const char *type)
+{
+    const std::lock_guard<std::mutex> guard(lock);
+    std::vector<fifo_work> meant;
+    std::copy_if(registered.begin(), registered.end(), std::back_inserter(meant),
+                 [=](const fifo_work &work) {
+                     return strcmp(work.name, name) == 0 && same_type(work.type, type);
+                 });
+    if (meant.empty() || stopping)
+        return -1;
+
+    start();
+    waiting.insert(waiting.end(), meant.begin(), meant.end());
+    posted.notify_one();
+    return static_cast<int>(meant.size());
+}
+
+void work_queue::start()
+{
+    if (worker.joinable())
+        return;
+    const signals_held_back inherited;
+    worker = std::thread(&work_queue::run, this);
+    pthread_setname_np(worker.native_handle(), "fifo_work");
+    std::atexit([] { queue().stop(); });
+}
+
+void work_queue::run()
+{
+    std::unique_lock<std::mutex> guard(lock);
+    for (;;) {
+        posted.wait(guard, [this] { return stopping || !waiting.empty(); });
+        if (stopping)
+            return;
+        const fifo_work work = waiting.front();
+        waiting.pop_front();
+        guard.unlock();
+        work.handler(work.argument); // without the lock: it may post and add
+        guard.lock();
+    }
+}
+
+// Work that has not begun is dropped: its handlers may need what the process has already closed.
+void work_queue::stop()
+{
+    std::thread ending;
+    {
+        const std::lock_guard<std::mutex> guard(lock);
+        stopping = true;
+        ending.swap(worker);
+    }
+    posted.notify_all();
+    if (ending.get_id() == std::this_thread::get_id())
+        ending.detach(); // a handler ends the process
+    else
+        ending.join();
+}
+
+} // namespace
+
+int add_fifo_work(const fifo_work *works, int count)
+{
+    if (works == nullptr || count < 0 || !std::all_of(works, works + count, usable))
+        return -1;
+    return guarded(-1, [=] {
+        queue().add(works, count);
+        return 0;
+    });
+}
+
+int post_fifo_work(const char *name, const char *type)
+{
+    if (name == nullptr)
+        return -1;
+    return guarded(-1, [=] { return queue().post(name, type); });
+}

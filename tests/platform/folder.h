@@ -1,0 +1,59 @@
+// A folder of the test's own, and configure objects that end with it.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "camparam/platform.h"
+
+class Folder : public testing::Test {
+protected:
+    Folder();
+    ~Folder() override;
+
+    std::string path(const std::string &name) const { return folder + "/" + name; }
+    // Writes a file and returns its path.
+    std::string write(const std::string &name, const std::string &bytes) const;
+    std::string read(const std::string &name) const;
+
+private:
+    std::string folder;
+};
+
+struct heap_delete {
+    void operator()(void *block) const { free(block); }
+};
+using heap_text = std::unique_ptr<char, heap_delete>;
+using heap_block = std::unique_ptr<void, heap_delete>;
+
+// A configure object in the words of a test.
+class Conf {
+public:
+    Conf() : object(configure_init()) {}
+    ~Conf() { configure_free(object); }
+    Conf(const Conf &) = delete;
+    Conf &operator=(const Conf &) = delete;
+
+    int parse(const std::string &file) { return configure_parse(object, 0, file.c_str()); }
+    int set(const std::string &key, const std::string &value);
+    // The value, or "absent".
+    std::string get(const std::string &key);
+    // Key and value of each entry, in the order of conf_loop.
+    std::vector<std::pair<std::string, std::string>> entries();
+    // Where conf_find() has the value text; null when absent.
+    const char *found(const std::string &key);
+    int save(const std::string &file);
+    int changed(const std::vector<const char *> &keys);
+
+    configure *const object;
+};
+
+// Waits until the condition holds, 20 seconds at the most. Returns whether it holds.
+bool eventually(const std::function<bool()> &condition);

@@ -1,0 +1,107 @@
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <thread>
+
+#include "tests/platform/folder.h"
+
+// Standard error is a packet socket meanwhile: each write arrives as a packet of its own.
+class TraceOutput : public testing::Test {
+protected:
+    TraceOutput() : usual(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0))
+    {
+        int ends[2];
+        EXPECT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
+        dup2(ends[0], STDERR_FILENO);
+        close(ends[0]);
+        reader = ends[1];
+    }
+
+    ~TraceOutput() override
+    {
+        dup2(usual, STDERR_FILENO);
+        close(usual);
+        close(reader);
+    }
+
+    // The next write, or "none".
+    std::string next_write() const
+    {
+        std::string packet(1 << 20, '\0');
+        const ssize_t length = recv(reader, packet.data(), packet.size(), MSG_DONTWAIT);
+        if (length < 0)
+            return "none";
+        packet.resize(static_cast<size_t>(length));
+        return packet;
+    }
+
+private:
+    const int usual;
+    int reader = -1;
+};
+
+TEST_F(TraceOutput, IsTheFormattedMessageInOneWrite)
+{
+    wnk_traceout(6, "[para %s +%-4d]%s %d->%d\n", "save_param", 7, "odm", 0, 1);
+    EXPECT_EQ(next_write(), "[para save_param +7   ]odm 0->1\n");
+    EXPECT_EQ(next_write(), "none");
+}
+
+TEST_F(TraceOutput, HoldsMessagesOfAnyLength)
+{
+    const std::string text(100000, 't');
+    wnk_traceout(7, "%s\n", text.c_str());
+    EXPECT_EQ(next_write(), text + "\n");
+    EXPECT_EQ(next_write(), "none");
+}
+
+TEST_F(TraceOutput, IsNotFilteredAgain)
+{
+    dbgout_profile[1] = 0;
+    wnk_traceout(7, "dump\n");
+    EXPECT_EQ(next_write(), "dump\n");
+}
+
+TEST_F(TraceOutput, LeavesErrnoAlone)
+{
+    errno = ENOENT;
+    wnk_traceout(3, "open failed: %d\n", 1);
+    EXPECT_EQ(errno, ENOENT);
+
+    close(STDERR_FILENO);
+    errno = EACCES;
+    wnk_traceout(3, "nobody reads this\n");
+    EXPECT_EQ(errno, EACCES);
+}
+
+TEST_F(TraceOutput, OfSeveralThreadsDoesNotMix)
+{
+    const int each = 20;
+    std::vector<std::thread> threads;
+    threads.reserve(4);
+    for (char name : {'a', 'b', 'c', 'd'}) {
+        threads.emplace_back([name] {
+            for (int i = 0; i < each; i++)
+                wnk_traceout(6, "%s\n", std::string(100, name).c_str());
+        });
+    }
+    std::vector<std::string> seen;
+    EXPECT_TRUE(eventually([&] {
+        for (std::string line = next_write(); line != "none"; line = next_write())
+            seen.push_back(line);
+        return seen.size() == size_t{4} * each;
+    }));
+    for (std::thread &thread : threads)
+        thread.join();
+
+    for (char name : {'a', 'b', 'c', 'd'})
+        EXPECT_EQ(std::count(seen.begin(), seen.end(), std::string(100, name) + "\n"), each);
+}
+
+TEST(TraceLevel, ShowsErrorsUntilItIsSet)
+{
+    EXPECT_EQ(dbgout_profile[1], 3);
+}
