@@ -11,6 +11,7 @@
 #include "camparam/odm.h"
 #include "camparam/platform.h"
 #include "camparam/video.h"
+#include "camparam/www.h"
 #include "core/json_file.h"
 #include "core/trace.h"
 
@@ -55,7 +56,7 @@ int module_para_handle_num = 0;
 constexpr int module_capacity = sizeof module_para_handle / sizeof module_para_handle[0];
 
 const para_protocol module_para_protocol_handle[] = {
-    {"www", nullptr, nullptr, nullptr},
+    {"www", para_init_www, para_convert_www_opt, para_reverse_convert_www_opt},
 };
 const int module_para_protocol_handle_num = 1;
 

@@ -14,6 +14,7 @@
 #include "core/lock.h"
 #include "core/trace.h"
 #include "core/word.h"
+#include "share/datagram.h"
 
 // Held by a save pass, and by nothing else.
 static pthread_mutex_t save_mutex = PTHREAD_MUTEX_INITIALIZER;
@@ -65,7 +66,7 @@ static void serve_datagram(para_message &message, socklen_t &sender_size)
 {
     const ssize_t length = recvfrom(server, message.text, sizeof message.text - 1, MSG_DONTWAIT,
                                     reinterpret_cast<sockaddr *>(&message.sender), &sender_size);
-    if (length <= 0)
+    if (length <= 0 || take_share_datagram(message.text, length))
         return;
 
     message.text[length] = '\0';

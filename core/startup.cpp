@@ -50,7 +50,7 @@ static void init_modules(const char *function)
 static void init_first_protocol(const char *function)
 {
     const para_protocol &first = module_para_protocol_handle[0];
-    if (first.init != nullptr && first.init() != 0)
+    if (first.init() != 0)
         PARA_TRACE_AS(function, PARA_ERROR, "%s init err", first.name);
 }
 

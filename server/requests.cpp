@@ -77,9 +77,7 @@ static void echo_identifiers(const cJSON *request, cJSON *reply)
 static json_ptr converted(const para_message *message, const para_protocol &protocol)
 {
     char error[1024] = "";
-    json_ptr request;
-    if (protocol.convert != nullptr)
-        request.reset(protocol.convert(message->text, error, sizeof error));
+    json_ptr request(protocol.convert(message->text, error, sizeof error));
     if (!request)
         reply_text(message, error);
     return request;

@@ -16,6 +16,8 @@
 #include "camparam/module.h"
 #include "camparam/odm.h"
 #include "camparam/platform.h"
+#include "camparam/share.h"
 #include "camparam/video.h"
+#include "camparam/www.h"
 
 #endif

@@ -1,0 +1,54 @@
+// Publishing the memory of a share module.
+#include "share/share_map.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "camparam/share.h"
+#include "core/trace.h"
+
+share_map_name::share_map_name(int module)
+{
+    snprintf(text, sizeof text, "/camparam_share_%d", module);
+}
+
+constexpr long long largest_map = 1LL << 30; // a slip in the arguments shall not eat the memory
+
+static share_map *create_map(const char *name, size_t size)
+{
+    shm_unlink(name); // who is attached to an older one keeps it, at its size
+    const int descriptor = shm_open(name, O_CREAT | O_EXCL | O_RDWR, 0666);
+    if (descriptor < 0)
+        return nullptr;
+    void *map = MAP_FAILED;
+    if (ftruncate(descriptor, static_cast<off_t>(size)) == 0)
+        map = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+    close(descriptor);
+    if (map == MAP_FAILED)
+        shm_unlink(name);
+    return map != MAP_FAILED ? static_cast<share_map *>(map) : nullptr;
+}
+
+void *para_share_publish(int module, int entry_count, int entry_size)
+{
+    const long long size = static_cast<long long>(sizeof(share_map)) +
+                           static_cast<long long>(entry_count) * entry_size;
+    if (!is_share_module(module) || entry_count < 0 || entry_size < 0 || size > largest_map) {
+        PARA_TRACE(PARA_ERROR, "ERROR: share module %d of %d x %d bytes", module, entry_count,
+                   entry_size);
+        return nullptr;
+    }
+
+    share_map *const map = create_map(share_map_name(module).text, static_cast<size_t>(size));
+    if (map == nullptr) {
+        PARA_TRACE(PARA_ERROR, "ERROR: share module %d cannot be published", module);
+        return nullptr;
+    }
+    map->entry_count = entry_count;
+    map->entry_size = static_cast<uint32_t>(entry_size);
+    __atomic_store_n(&map->registered, 1U, __ATOMIC_RELEASE); // clients may look now
+    return map;
+}
