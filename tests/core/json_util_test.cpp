@@ -113,8 +113,9 @@ TEST_F(LoadU8Array, StoresOneElementWithoutCapacity)
 
 TEST_F(LoadU8Array, StoresZeroForWhatIsNoNumber)
 {
-    EXPECT_EQ(load("{'a':['7',null,[1],2]}", 8), 4);
-    EXPECT_THAT(bytes, ElementsAre(0, 0, 0, 2, 9, 9, 9, 9));
+    EXPECT_EQ(load("{'a':['7',null,[1],2,false,true]}", 8), 6);
+    EXPECT_THAT(bytes, ElementsAre(0, 0, 0, 2, 0, 1, 9, 9))
+        << "but for true, which cJSON keeps as 1";
 }
 
 TEST_F(LoadU8Array, AnEmptyArrayStoresNothing)
@@ -205,8 +206,11 @@ TEST_F(JsonUtil, PrintTracesANullNodeWithTheCaller)
     EXPECT_THAT(traces_of("cJSON_Print_safe"),
                 ElementsAre(MatchesRegex("ERROR : json null,return:0x[0-9a-f]+\n")));
     cJSON_Print2_safe(nullptr, "mark");
-    EXPECT_THAT(traces_of("cJSON_Print2_safe"),
-                ElementsAre(MatchesRegex("ERROR : json null,return:0x[0-9a-f]+\n")));
+    cJSON_Print2_safe(nullptr, nullptr);
+    const std::vector<std::string> tagged = traces_of("cJSON_Print2_safe");
+    EXPECT_THAT(tagged, testing::Each(MatchesRegex("ERROR : json null,return:0x[0-9a-f]+\n")));
+    ASSERT_EQ(tagged.size(), 2U);
+    EXPECT_NE(tagged[0], tagged[1]) << "each names its own caller";
 }
 
 TEST_F(JsonUtil, PrintTracesANodeThatCannotBePrinted)
@@ -215,4 +219,8 @@ TEST_F(JsonUtil, PrintTracesANodeThatCannotBePrinted)
     cJSON_Print_safe(&invalid);
     EXPECT_THAT(traces_of("cJSON_Print_safe"),
                 ElementsAre(MatchesRegex("ERROR : json format,return:0x[0-9a-f]+\n")));
+    cJSON_Print2_safe(&invalid, "mark");
+    EXPECT_THAT(traces_of("cJSON_Print2_safe"),
+                ElementsAre(MatchesRegex("ERROR : json format,return:0x[0-9a-f]+\n")));
+    EXPECT_EQ(traces().back().level, 6);
 }

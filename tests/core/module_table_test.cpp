@@ -137,6 +137,7 @@ TEST_F(ModuleTable, StopsAtSixtyFourRowsWithOneTraceForEachAppenderCutShort)
     EXPECT_STREQ(module_para_handle[63].name, "j46");
     const std::string full = "err not enough module_para_handle";
     EXPECT_EQ(count_traces(full, "register_para_handle_json_pattern"), 1);
+    EXPECT_THAT(levels_of(full, "register_para_handle_json_pattern"), ElementsAre(3));
     EXPECT_EQ(count_traces(full, "register_para_handle_conf_pattern"), 1);
     EXPECT_EQ(count_traces(full, "register_para_handle_extern_pattern"), 1);
 }
@@ -152,6 +153,20 @@ TEST_F(ModuleTable, AFullTableRefusesTheHostsModules)
     register_para_handle_extern(&host);
     module_para_handle_num = 64;
     EXPECT_EQ(register_para_handle_extern_pattern(), -1);
+}
+
+TEST_F(ModuleTable, ABuiltInListThatCannotBeParsedIsTraced)
+{
+    cJSON_Hooks no_memory = {[](size_t) -> void * { return nullptr; }, free};
+    cJSON_InitHooks(&no_memory);
+    EXPECT_EQ(register_para_handle_json_pattern(), 0);
+    EXPECT_EQ(register_para_handle_conf_pattern(), 0);
+    cJSON_InitHooks(nullptr);
+    EXPECT_EQ(module_para_handle_num, 0);
+    EXPECT_THAT(traces_of("register_para_handle_json_pattern"),
+                ElementsAre("json_pattern_list error\n"));
+    EXPECT_THAT(traces_of("register_para_handle_conf_pattern"),
+                ElementsAre("conf_pattern_list error\n"));
 }
 
 TEST_F(ModuleTable, AHostModuleBringsItsRequestFunctionsAlone)
@@ -201,9 +216,13 @@ TEST_F(ModuleTable, OfferingAfterStartUpIsRefused)
     const para_module host = {"host", nullptr, nullptr, host_set, host_get, nullptr, nullptr};
     EXPECT_EQ(register_para_handle_extern(&host), -1);
     EXPECT_EQ(module_para_handle_num, 21);
-    EXPECT_EQ(count_traces("err:call register_para_handle_extern before platformparam_init",
-                           "register_para_handle_extern"),
-              1);
+    const para_module nameless = {nullptr, nullptr, nullptr, host_set, host_get, nullptr, nullptr};
+    EXPECT_EQ(register_para_handle_extern(&nameless), -1);
+    const std::string late = "err:call register_para_handle_extern before platformparam_init";
+    EXPECT_EQ(count_traces(late, "register_para_handle_extern"), 2);
+    EXPECT_THAT(levels_of(late, "register_para_handle_extern"), ElementsAre(3));
+    EXPECT_EQ(register_para_handle_extern(nullptr), -1);
+    EXPECT_EQ(count_traces(late), 2) << "no row at all is ignored";
 }
 
 TEST_F(ModuleTable, OfferingNothingIsIgnored)

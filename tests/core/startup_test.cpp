@@ -8,7 +8,6 @@
 #include "support/store.h"
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
@@ -83,13 +82,20 @@ TEST_F(StartUp, ABrokenWebNameFileIsTracedAndIgnored)
     write_home("www2json.json", "{'json_pattern_list':['one']");
     start_store();
     EXPECT_EQ(module_para_handle_num, 21);
-    EXPECT_THAT(traces_of("platformparam_init")[1], HasSubstr("Error before: ["));
+    EXPECT_EQ(traces_of("platformparam_init")[1], "Error before: []\n") << "at the end of the text";
+}
+
+TEST_F(StartUp, ABrokenWebNameFileIsTracedWithThePosition)
+{
+    write_home("www2json.json", "{'json_pattern_list':rubbish}");
+    start_store();
+    EXPECT_EQ(traces_of("platformparam_init")[1], "Error before: [rubbish}]\n");
 }
 
 TEST_F(StartUp, AMissingWebNameFileIsTracedAndIgnored)
 {
     start_store();
-    EXPECT_THAT(traces_of("platformparam_init")[1], HasSubstr("Error before: []"));
+    EXPECT_EQ(traces_of("platformparam_init")[1], "Error before: []\n");
     EXPECT_EQ(module_para_handle_num, 21);
 }
 
@@ -120,6 +126,23 @@ TEST_F(StartUp, AClientProcessStartsNothing)
     EXPECT_EQ(platformparam_stop(1), 0);
     EXPECT_EQ(count_traces("platformparam_stop ok"), 0) << "no thread ran";
     EXPECT_EQ(para_client_init(), 0);
+}
+
+TEST_F(StartUp, TracesErrorsAtThreeAndProgressAtSix)
+{
+    module_para_handle[8].init = init_fails;
+    start_store();
+    const std::string self = "platformparam_init";
+    EXPECT_THAT(levels_of("Error before: []", self), ElementsAre(3));
+    EXPECT_THAT(levels_of("msg_type init err", self), ElementsAre(3));
+    EXPECT_THAT(levels_of("module_para_handle_num:21", self), ElementsAre(6));
+    EXPECT_THAT(levels_of("add json_pattern:misc", "register_para_handle_json_pattern"),
+                ElementsAre(6));
+    para_conflict_callback("odm", 0, 1);
+    EXPECT_THAT(levels_of("odm 0->1", "para_conflict_callback"), ElementsAre(6));
+    stop_store();
+    EXPECT_THAT(levels_of("platformparam_stop ok", "platformparam_stop"), ElementsAre(6));
+    EXPECT_THAT(levels_of("af save...", "save_param"), ElementsAre(6));
 }
 
 TEST_F(StartUp, IsSilentAtLevelZero)

@@ -27,6 +27,8 @@ record &seen()
 }
 
 std::atomic<long long> clock_moved_ms{0};
+std::atomic<bool> clock_stopped{false};
+timespec stopped_at;
 
 trace_line split(int level, const std::string &message)
 {
@@ -47,6 +49,8 @@ PARA_API int clock_gettime(clockid_t clock, timespec *now) noexcept
 {
     const long result = syscall(SYS_clock_gettime, clock, now);
     if (result == 0 && clock == CLOCK_MONOTONIC) {
+        if (clock_stopped)
+            *now = stopped_at;
         const long long moved = clock_moved_ms.load();
         const long long nanoseconds = now->tv_nsec + moved % 1000 * 1000000;
         now->tv_sec += static_cast<time_t>(moved / 1000 + nanoseconds / 1000000000);
@@ -89,6 +93,12 @@ void move_clock(int milliseconds)
     clock_moved_ms += milliseconds;
 }
 
+void stop_clock()
+{
+    syscall(SYS_clock_gettime, CLOCK_MONOTONIC, &stopped_at);
+    clock_stopped = true;
+}
+
 std::vector<trace_line> traces()
 {
     const std::lock_guard<std::mutex> guard(seen().lock);
@@ -117,6 +127,17 @@ int count_traces(const std::string &text, const std::string &function)
     return static_cast<int>(std::count_if(all.begin(), all.end(), [&](const trace_line &line) {
         return line.text == text + "\n" && (function.empty() || line.function == function);
     }));
+}
+
+std::vector<int> levels_of(const std::string &text, const std::string &function)
+{
+    std::vector<int> levels;
+    for (const trace_line &line : traces()) {
+        const bool counts = line.text == text + "\n" && line.function == function;
+        if (counts && std::find(levels.begin(), levels.end(), line.level) == levels.end())
+            levels.push_back(line.level);
+    }
+    return levels;
 }
 
 std::vector<std::string> shell_commands()

@@ -17,6 +17,8 @@ struct trace_line {
 
 // Moves CLOCK_MONOTONIC forward for the whole process.
 void move_clock(int milliseconds);
+// From now on it moves by move_clock() alone.
+void stop_clock();
 
 // All traces so far, or those of one function, in order.
 std::vector<trace_line> traces();
@@ -32,6 +34,9 @@ std::vector<std::string> shell_commands();
 
 // Work items that were registered with add_fifo_work(), a list for each call.
 std::vector<std::vector<fifo_work>> registered_work();
+
+// The levels at which a text was traced by a function, each once, in order of first use.
+std::vector<int> levels_of(const std::string &text, const std::string &function);
 
 // Waits until the condition holds, 20 seconds at the most. Returns whether it holds.
 bool wait_until(const std::function<bool()> &condition);

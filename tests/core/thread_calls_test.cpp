@@ -1,0 +1,207 @@
+// What the thread Para_Process asks of the system, call by call.
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/select.h>
+#include <sys/socket.h>
+
+#include <atomic>
+#include <cerrno>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/store.h"
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+std::atomic<bool> waits_fail{false}, threads_fail{false}, joining{false};
+std::atomic<int> waits{0}, passes{0};
+
+struct record {
+    std::mutex lock;
+    std::vector<std::pair<long, long>> timeouts; // seconds and microseconds of each wait
+    std::vector<int> receive_flags, send_flags;
+    std::vector<size_t> receive_sizes;
+    std::string order; // w a wait, r a receive, p a pass
+};
+
+record &seen()
+{
+    static record *const all = new record;
+    return *all;
+}
+
+void note(char event)
+{
+    const std::lock_guard<std::mutex> guard(seen().lock);
+    seen().order += event;
+}
+
+template <typename function> function *next(const char *name)
+{
+    return reinterpret_cast<function *>(dlsym(RTLD_NEXT, name));
+}
+
+int count_pass(const char *)
+{
+    note('p');
+    passes++;
+    return 0;
+}
+
+int wait_for_the_stop(const char *, const cJSON *, cJSON **answer, const char *)
+{
+    wait_until([] { return joining.load(); });
+    *answer = cJSON_CreateNumber(passes);
+    return 0;
+}
+
+} // namespace
+
+extern "C" {
+
+PARA_API int select(int count, fd_set *read, fd_set *write, fd_set *except, timeval *timeout)
+{
+    {
+        const std::lock_guard<std::mutex> guard(seen().lock);
+        seen().timeouts.emplace_back(timeout->tv_sec, timeout->tv_usec);
+    }
+    note('w');
+    waits++;
+    if (waits_fail) {
+        errno = EINTR;
+        return -1;
+    }
+    return next<decltype(select)>("select")(count, read, write, except, timeout);
+}
+
+PARA_API ssize_t recvfrom(int socket, void *bytes, size_t size, int flags, sockaddr *sender,
+                          socklen_t *sender_size)
+{
+    {
+        const std::lock_guard<std::mutex> guard(seen().lock);
+        seen().receive_flags.push_back(flags);
+        seen().receive_sizes.push_back(size);
+    }
+    note('r');
+    return next<decltype(recvfrom)>("recvfrom")(socket, bytes, size, flags, sender, sender_size);
+}
+
+PARA_API ssize_t sendto(int socket, const void *bytes, size_t size, int flags,
+                        const sockaddr *receiver, socklen_t receiver_size)
+{
+    {
+        const std::lock_guard<std::mutex> guard(seen().lock);
+        seen().send_flags.push_back(flags);
+    }
+    return next<decltype(sendto)>("sendto")(socket, bytes, size, flags, receiver, receiver_size);
+}
+
+PARA_API int pthread_join(pthread_t thread, void **result)
+{
+    joining = true;
+    return next<decltype(pthread_join)>("pthread_join")(thread, result);
+}
+
+PARA_API int pthread_create(pthread_t *thread, const pthread_attr_t *attributes,
+                            void *(*body)(void *), void *argument) noexcept
+{
+    if (threads_fail) {
+        *thread = static_cast<pthread_t>(1); // undefined, by the interface
+        return EAGAIN;
+    }
+    return next<decltype(pthread_create)>("pthread_create")(thread, attributes, body, argument);
+}
+
+} // extern "C"
+
+class ThreadCalls : public Store {
+protected:
+    ThreadCalls() { module_para_handle[8].need_save = count_pass; }
+};
+
+TEST_F(ThreadCalls, EveryWaitLastsAHundredMillisecondsAtMost)
+{
+    start_store();
+    Client client;
+    client.ask("{'msg_type':'get'}"); // a wait cut short must not shorten the next one
+    ASSERT_TRUE(wait_until([] { return waits >= 5; }));
+    stop_store();
+    EXPECT_THAT(seen().timeouts, Each(std::pair<long, long>(0, 100000)));
+}
+
+TEST_F(ThreadCalls, NothingBlocks)
+{
+    start_store();
+    Client client;
+    client.ask("{'msg_type':'get'}");
+    stop_store();
+    EXPECT_THAT(seen().receive_flags, ElementsAre(MSG_DONTWAIT));
+    EXPECT_THAT(seen().receive_sizes, ElementsAre(4096U));
+    EXPECT_THAT(seen().send_flags, ElementsAre(MSG_DONTWAIT));
+}
+
+TEST_F(ThreadCalls, ATurnServesOneDatagramAndRunsOnePass)
+{
+    start_store();
+    Client client;
+    for (int i = 0; i < 20; i++)
+        client.send("{\"msg_type\":\"get\"}");
+    for (int i = 0; i < 20; i++)
+        ASSERT_TRUE(client.receive());
+    stop_store();
+    const std::string &order = seen().order;
+    for (size_t at = 0; at + 2 < order.size(); at++) {
+        if (order[at] == 'r') {
+            EXPECT_EQ(order[at - 1], 'w') << order;
+            EXPECT_EQ(order[at + 1], 'p') << order;
+        }
+    }
+    EXPECT_NE(order.find("wrpwrpwrp"), std::string::npos) << order;
+    EXPECT_EQ(order.find("rr"), std::string::npos) << order;
+    EXPECT_EQ(order.find("pp"), std::string::npos) << order;
+}
+
+TEST_F(ThreadCalls, AStopEndsTheTurnWithoutADuePass)
+{
+    const para_module row = {"host",  nullptr, nullptr, nullptr, wait_for_the_stop,
+                             nullptr, nullptr};
+    register_para_handle_extern(&row);
+    start_store();
+    Client client;
+    client.send("{\"msg_type\":\"get\",\"host\":1}");
+    stop_store();
+    const std::string reply = client.receive().value_or("none");
+    EXPECT_EQ(reply, "{\n\t\"host\":\t" + std::to_string(passes) + "\n}")
+        << "the request is answered, and no pass asked after it";
+}
+
+TEST_F(ThreadCalls, AFailedWaitEndsTheThreadWithoutAPass)
+{
+    start_store();
+    ASSERT_TRUE(wait_until([] { return passes >= 1; }));
+    waits_fail = true;
+    const int failed_before = waits;
+    ASSERT_TRUE(wait_until([failed_before] { return waits > failed_before; }));
+    stop_store();
+    EXPECT_EQ(seen().order.back(), 'w') << "neither served nor passed";
+    EXPECT_EQ(count_traces("platformparam_stop ok", "platformparam_stop"), 1);
+    EXPECT_EQ(count_traces("af save...", "save_param"), 1) << "a forced pass still works";
+}
+
+TEST_F(ThreadCalls, AThreadThatCannotBeStartedIsNotStopped)
+{
+    threads_fail = true;
+    EXPECT_EQ(platformparam_init(), EAGAIN);
+    forget_traces();
+    EXPECT_EQ(platformparam_stop(1), 0);
+    EXPECT_FALSE(joining);
+    EXPECT_THAT(traces(), IsEmpty());
+}
