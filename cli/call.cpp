@@ -1,0 +1,41 @@
+#include <cstdio>
+
+#include "commands.h"
+#include "output.h"
+
+namespace {
+
+json_ptr data_of(const std::vector<std::string> &members, value_form form)
+{
+    json_ptr data(cJSON_CreateObject());
+    for (const std::string &text : members)
+        add_value(data.get(), parse_assignment(text, form));
+    return data;
+}
+
+// Commands that change settings name what they took and what they did not.
+exit_code judge(const cJSON *answer)
+{
+    if (cJSON_GetArraySize(member_of(answer, "refused")) == 0)
+        return DONE;
+    return cJSON_GetArraySize(member_of(answer, "accepted")) > 0 ? PARTLY_DONE : REFUSED;
+}
+
+} // namespace
+
+exit_code call_command(client &host, const std::string &command, const char *type,
+                       const std::vector<std::string> &members, value_form form, bool as_json)
+{
+    const json_ptr answer =
+        host.call(type, command, members.empty() ? nullptr : data_of(members, form));
+    if (!answer)
+        throw failure(REFUSED, "the host does not know the command \"" + command +
+                                   "\", or refused it; it was sent as " + type +
+                                   ", see --set and --get");
+
+    cJSON_DeleteItemFromObjectCaseSensitive(answer.get(), "msg_name");
+    cJSON_DeleteItemFromObjectCaseSensitive(answer.get(), "msg_id");
+    if (as_json || cJSON_GetArraySize(answer.get()) > 0)
+        puts(as_json ? print_line(answer.get()).c_str() : print_pretty(answer.get()).c_str());
+    return judge(answer.get());
+}

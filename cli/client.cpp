@@ -1,0 +1,145 @@
+#include "client.h"
+
+#include <algorithm>
+#include <random>
+
+#include "failure.h"
+
+namespace {
+
+int random_id()
+{
+    std::random_device source;
+    return std::uniform_int_distribution<int>(1, 1000000000)(source);
+}
+
+// Whether an answer belongs to the request with this identifier. Commands of other hosts, and the
+// error answer, carry none.
+bool has_id(const cJSON *answer, int id, bool may_lack)
+{
+    const cJSON *const found = member_of(answer, "msg_id");
+    if (found == nullptr)
+        return may_lack && cJSON_IsObject(answer);
+    return cJSON_IsNumber(found) && found->valueint == id;
+}
+
+// Sends items as one request, or each half on its own when they are too long for a datagram.
+// build(first, count) makes the request, send(request) sends it.
+template <typename item, typename builder, typename sender>
+void send_in_parts(const item *first, size_t count, const builder &build, const sender &send)
+{
+    const json_ptr request = build(first, count);
+    if (count > 1 && print_line(request.get()).size() > max_request) {
+        send_in_parts(first, count / 2, build, send);
+        send_in_parts(first + count / 2, count - count / 2, build, send);
+        return;
+    }
+    send(request.get());
+}
+
+void copy_members(const cJSON *from, cJSON *to)
+{
+    const cJSON *member = nullptr;
+    cJSON_ArrayForEach(member, from)
+    {
+        cJSON_DeleteItemFromObjectCaseSensitive(to, member->string);
+        cJSON_AddItemToObject(to, member->string, cJSON_Duplicate(member, 1));
+    }
+}
+
+} // namespace
+
+void add_value(cJSON *object, const assignment &value)
+{
+    if (value.number)
+        cJSON_AddNumberToObject(object, value.member.c_str(), parse_int(value.value).value_or(0));
+    else
+        cJSON_AddStringToObject(object, value.member.c_str(), value.value.c_str());
+}
+
+json_ptr client::start_request(const char *type, const std::string &name)
+{
+    last_id = last_id == 0 ? random_id() : last_id + 1;
+    json_ptr request(cJSON_CreateObject());
+    cJSON_AddStringToObject(request.get(), "msg_type", type);
+    cJSON_AddStringToObject(request.get(), "msg_name", name.c_str());
+    cJSON_AddNumberToObject(request.get(), "msg_id", last_id);
+    return request;
+}
+
+json_ptr client::request_answer(const cJSON *request, bool id_may_lack)
+{
+    const int id = member_of(request, "msg_id")->valueint;
+    json_ptr answer;
+    exchange(server, print_line(request), [&](const std::string &text) {
+        answer = parse_json(text);
+        return has_id(answer.get(), id, id_may_lack);
+    });
+    return answer;
+}
+
+bool client::get(const std::string &module, const std::vector<std::string> &members, cJSON *found)
+{
+    const auto build = [&](const std::string *first, size_t count) {
+        json_ptr request = start_request("get", "camparam");
+        cJSON *const names = cJSON_AddArrayToObject(request.get(), module.c_str());
+        std::for_each(first, first + count, [&](const std::string &name) {
+            cJSON_AddItemToArray(names, cJSON_CreateString(name.c_str()));
+        });
+        return request;
+    };
+
+    bool answered = false;
+    const auto send = [&](const cJSON *request) {
+        const json_ptr answer = request_answer(request, false);
+        const cJSON *const values = member_of(answer.get(), module.c_str());
+        if (values == nullptr)
+            return;
+        if (!cJSON_IsObject(values))
+            throw failure(OTHER, "the host's answer for \"" + module + "\" is not understood");
+        answered = true;
+        copy_members(values, found);
+    };
+    send_in_parts(members.data(), members.size(), build, send);
+    return answered;
+}
+
+void client::set(const std::string &module, const std::string &command,
+                 const std::vector<assignment> &values)
+{
+    const bool plain = command.empty();
+    const auto build = [&](const assignment *first, size_t count) {
+        json_ptr request =
+            plain ? start_request("set", "camparam") : start_request("api_set", command);
+        cJSON *const object =
+            cJSON_AddObjectToObject(request.get(), plain ? module.c_str() : "data");
+        std::for_each(first, first + count,
+                      [&](const assignment &value) { add_value(object, value); });
+        return request;
+    };
+    send_in_parts(values.data(), values.size(), build,
+                  [&](const cJSON *request) { request_answer(request, !plain); });
+}
+
+json_ptr client::call(const char *type, const std::string &command, json_ptr data)
+{
+    const json_ptr request = start_request(type, command);
+    if (data)
+        cJSON_AddItemToObject(request.get(), "data", data.release());
+    json_ptr answer = request_answer(request.get(), true);
+    if (member_of(answer.get(), "err") != nullptr)
+        return nullptr;
+    return answer;
+}
+
+std::string client::raw(const std::string &request)
+{
+    const json_ptr tree = parse_json(request);
+    const cJSON *const id = member_of(tree.get(), "msg_id");
+    return exchange(server, request, [&](const std::string &text) {
+        const json_ptr answer = parse_json(text);
+        const bool is_other = cJSON_IsNumber(id) && cJSON_IsObject(answer.get()) &&
+                              !has_id(answer.get(), id->valueint, true);
+        return !text.empty() && !is_other;
+    });
+}

@@ -1,0 +1,46 @@
+// The requests that the store understands.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "connection.h"
+#include "json.h"
+
+// A member and the value that it is to get.
+struct assignment {
+    std::string member;
+    std::string value;
+    bool number; // how the value travels; a number's text has passed parse_int()
+};
+
+class client {
+public:
+    explicit client(server_address address) : server(std::move(address)) {}
+
+    // Asks a module for members, or for all with the one name "all", and adds what it answers to
+    // the object. Returns whether the module answered at all.
+    bool get(const std::string &module, const std::vector<std::string> &members, cJSON *found);
+
+    // Sets members of a module, through a command when one is named. The answer to a set request
+    // does not tell what was taken.
+    void set(const std::string &module, const std::string &command,
+             const std::vector<assignment> &values);
+
+    // Calls a command with "msg_type" "api_get" or "api_set"; no data when it is null. Returns the
+    // answer, or null when the host does not know the command or the command failed.
+    json_ptr call(const char *type, const std::string &command, json_ptr data);
+
+    // Sends any JSON text and returns the answer as it came.
+    std::string raw(const std::string &request);
+
+private:
+    json_ptr start_request(const char *type, const std::string &name);
+    json_ptr request_answer(const cJSON *request, bool id_may_lack);
+
+    server_address server;
+    int last_id = 0;
+};
+
+// Adds a value to an object in the form in which it travels.
+void add_value(cJSON *object, const assignment &value);

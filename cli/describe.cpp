@@ -1,0 +1,117 @@
+#include "describe.h"
+
+#include <algorithm>
+
+#include "failure.h"
+#include "suggest.h"
+
+namespace {
+
+template <typename row>
+const row *find_by_name(const std::vector<row> &rows, const std::string &name)
+{
+    const auto found =
+        std::find_if(rows.begin(), rows.end(), [&](const row &one) { return one.name == name; });
+    return found != rows.end() ? &*found : nullptr;
+}
+
+template <typename row>
+std::string suggest(const std::string &word, const std::vector<row> &rows,
+                    const std::string &before)
+{
+    std::vector<std::string> names;
+    for (const row &one : rows)
+        names.push_back(one.name);
+    const std::string name = most_similar(word, names);
+    return name.empty() ? "" : "; did you mean \"" + before + name + "\"?";
+}
+
+member_description read_member(const cJSON *node)
+{
+    member_description member = {};
+    member.name = node->string;
+    member.kind = string_of(member_of(node, "kind"));
+    member.min = value_text(member_of(node, "min"));
+    member.max = value_text(member_of(node, "max"));
+    member.default_value = value_text(member_of(node, "default"));
+    member.current = value_text(member_of(node, "current"));
+    const cJSON *name = nullptr;
+    cJSON_ArrayForEach(name, member_of(node, "names"))
+    {
+        member.names.push_back(value_text(name));
+    }
+    member.node = node;
+    return member;
+}
+
+module_description read_module(const cJSON *node)
+{
+    module_description module = {node->string, string_of(member_of(node, "set")), {}};
+    const cJSON *const members = member_of(node, "members");
+    const cJSON *member = nullptr;
+    cJSON_ArrayForEach(member, members)
+    {
+        if (cJSON_IsObject(members) && cJSON_IsObject(member))
+            module.members.push_back(read_member(member));
+    }
+    return module;
+}
+
+} // namespace
+
+std::string member_description::limits() const
+{
+    if (!names.empty()) {
+        std::string text = "one of";
+        for (const std::string &one : names)
+            text += (&one == &names.front() ? " " : ", ") + one;
+        return text;
+    }
+    return min.empty() || max.empty() ? kind : kind + ", " + min + " to " + max;
+}
+
+const member_description *module_description::find(const std::string &member) const
+{
+    return find_by_name(members, member);
+}
+
+const module_description *description::find(const std::string &module) const
+{
+    return find_by_name(modules, module);
+}
+
+std::optional<description> describe(client &host, const std::vector<std::string> &modules)
+{
+    json_ptr data;
+    if (!modules.empty()) {
+        data.reset(cJSON_CreateObject());
+        cJSON *const names = cJSON_AddArrayToObject(data.get(), "modules");
+        for (const std::string &module : modules)
+            cJSON_AddItemToArray(names, cJSON_CreateString(module.c_str()));
+    }
+
+    description described;
+    described.answer = host.call("api_get", "describe", std::move(data));
+    const cJSON *const found = member_of(described.answer.get(), "modules");
+    if (!cJSON_IsObject(found))
+        return std::nullopt; // also another command, whose name begins with "describe"
+    const cJSON *module = nullptr;
+    cJSON_ArrayForEach(module, found)
+    {
+        described.modules.push_back(read_module(module));
+    }
+    return described;
+}
+
+std::string no_such_setting(client &host, const setting_name &name)
+{
+    const std::optional<description> all = describe(host, {});
+    const module_description *const module = all ? all->find(name.module) : nullptr;
+    if (all && module == nullptr)
+        return "no module \"" + name.module + "\"" + suggest(name.module, all->modules, "");
+
+    std::string text = "no setting \"" + name.text() + "\"";
+    if (module == nullptr)
+        return text;
+    return text + suggest(name.member, module->members, module->name + ".");
+}

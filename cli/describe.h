@@ -1,0 +1,42 @@
+// What the host tells of its settings, by the command "describe".
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "client.h"
+#include "setting.h"
+
+struct member_description {
+    std::string name;
+    std::string kind; // "number", "enum", "text", or what a later host calls it
+    std::string min, max, default_value, current;
+    std::vector<std::string> names; // of an enum
+    const cJSON *node;              // as the host sent it
+
+    // Such as "number, 0 to 100" or "one of AAC, G711A".
+    std::string limits() const;
+};
+
+struct module_description {
+    std::string name;
+    std::string command; // which sets members; empty: a set request does
+    std::vector<member_description> members;
+
+    const member_description *find(const std::string &member) const;
+};
+
+struct description {
+    std::vector<module_description> modules;
+    json_ptr answer; // owns the nodes
+
+    const module_description *find(const std::string &module) const;
+};
+
+// Asks for the description of some modules, or of all with an empty list. Nothing when the host
+// does not describe its settings.
+std::optional<description> describe(client &host, const std::vector<std::string> &modules);
+
+// "no module ..." or "no setting ...", with a similar name where the host describes one.
+std::string no_such_setting(client &host, const setting_name &name);

@@ -1,0 +1,26 @@
+// How a command ends.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+// Exit statuses of the program.
+enum exit_code {
+    DONE = 0,
+    OTHER = 1,
+    USAGE = 2,
+    NO_ANSWER = 3,
+    REFUSED = 4,
+    NO_SUCH_SETTING = 5,
+    PARTLY_DONE = 6,
+};
+
+// Ends the program with a message and an exit status.
+struct failure : std::runtime_error {
+    failure(exit_code status, const std::string &message)
+        : std::runtime_error(message), code(status)
+    {
+    }
+
+    exit_code code;
+};

@@ -1,0 +1,80 @@
+#include <algorithm>
+#include <cstdio>
+
+#include "commands.h"
+#include "describe.h"
+#include "output.h"
+
+namespace {
+
+// The members to ask a module for; "all" alone when the module itself is named.
+std::vector<std::string> members_of(const std::vector<setting_name> &names,
+                                    const std::string &module)
+{
+    std::vector<std::string> members;
+    for (const setting_name &name : names) {
+        if (name.module == module && name.member.empty())
+            return {"all"};
+        if (name.module == module)
+            members.push_back(name.member);
+    }
+    return members;
+}
+
+// Asks each module once. The tree holds an object for every module that answered.
+json_ptr ask(client &host, const std::vector<setting_name> &names)
+{
+    json_ptr values(cJSON_CreateObject());
+    std::vector<std::string> asked;
+    for (const setting_name &name : names) {
+        if (std::find(asked.begin(), asked.end(), name.module) != asked.end())
+            continue;
+        asked.push_back(name.module);
+        json_ptr found(cJSON_CreateObject());
+        if (host.get(name.module, members_of(names, name.module), found.get()))
+            cJSON_AddItemToObject(values.get(), name.module.c_str(), found.release());
+    }
+    return values;
+}
+
+void print_values(const setting_name &name, const cJSON *found)
+{
+    if (!name.member.empty()) {
+        print_value(name.text(), found);
+        return;
+    }
+    const cJSON *member = nullptr;
+    cJSON_ArrayForEach(member, found)
+    {
+        print_value(setting_name{name.module, member->string}.text(), member);
+    }
+}
+
+} // namespace
+
+exit_code get_settings(client &host, const std::vector<std::string> &texts, bool as_json)
+{
+    std::vector<setting_name> names;
+    for (const std::string &text : texts)
+        names.push_back(parse_setting_name(text));
+
+    const json_ptr values = ask(host, names);
+    std::vector<setting_name> missing;
+    for (const setting_name &name : names) {
+        const cJSON *const module = member_of(values.get(), name.module.c_str());
+        const cJSON *const found =
+            name.member.empty() ? module : member_of(module, name.member.c_str());
+        if (found == nullptr)
+            missing.push_back(name);
+        else if (!as_json)
+            print_values(name, found);
+    }
+    if (as_json)
+        puts(print_pretty(values.get()).c_str());
+
+    for (const setting_name &name : missing)
+        print_message(no_such_setting(host, name));
+    if (missing.empty())
+        return DONE;
+    return missing.size() < names.size() ? PARTLY_DONE : NO_SUCH_SETTING;
+}

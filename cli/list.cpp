@@ -1,0 +1,100 @@
+#include <cstdio>
+
+#include "commands.h"
+#include "describe.h"
+#include "output.h"
+
+namespace {
+
+using table_rows = std::vector<std::vector<std::string>>;
+
+const std::vector<std::string> header = {"NAME", "KIND", "MIN", "MAX", "DEFAULT", "VALUE", ""};
+
+// A cell is never empty, so that columns can be told apart.
+std::string cell(const std::string &text)
+{
+    return text.empty() ? "-" : visible(text);
+}
+
+// An empty text is a value, not the absence of one.
+std::string value_cell(const member_description &member, const char *key, const std::string &text)
+{
+    return member_of(member.node, key) != nullptr && text.empty() ? "\"\"" : cell(text);
+}
+
+std::vector<std::string> row_of(const std::string &name, const member_description &member)
+{
+    return {visible(name),
+            cell(member.kind),
+            cell(member.min),
+            cell(member.max),
+            value_cell(member, "default", member.default_value),
+            value_cell(member, "current", member.current),
+            member.current != member.default_value ? "*" : ""};
+}
+
+struct listing {
+    table_rows rows = {header};
+    json_ptr tree{cJSON_CreateObject()};
+    std::string names; // that the last member may have, if it is an enum
+};
+
+// Adds the module's members, or the one that is wanted.
+void add_module(listing &list, const module_description &module, const std::string &wanted)
+{
+    cJSON *const object = cJSON_AddObjectToObject(list.tree.get(), module.name.c_str());
+    for (const member_description &member : module.members) {
+        if (!wanted.empty() && wanted != member.name)
+            continue;
+        list.rows.push_back(row_of(setting_name{module.name, member.name}.text(), member));
+        cJSON_AddItemToObject(object, member.name.c_str(), cJSON_Duplicate(member.node, 1));
+        list.names = member.names.empty() ? "" : member.limits();
+    }
+}
+
+void print_list(const listing &list, const setting_name &wanted, bool as_json)
+{
+    if (as_json) {
+        puts(print_pretty(list.tree.get()).c_str());
+        return;
+    }
+    print_table(list.rows);
+    if (!wanted.member.empty() && !list.names.empty())
+        printf("%s\n", visible(list.names).c_str());
+}
+
+// A host without descriptions still tells the values of a module.
+exit_code list_values(client &host, const setting_name &wanted, bool as_json)
+{
+    if (wanted.module.empty())
+        throw failure(OTHER, "the host does not describe its settings; name a module, such as "
+                             "\"camparam list af\"");
+    return get_settings(host, {wanted.text()}, as_json);
+}
+
+} // namespace
+
+exit_code list_settings(client &host, const std::string &filter, bool as_json)
+{
+    const setting_name wanted = filter.empty() ? setting_name{} : parse_setting_name(filter);
+    std::vector<std::string> modules;
+    if (!filter.empty())
+        modules.push_back(wanted.module);
+    const std::optional<description> described = describe(host, modules);
+    if (!described)
+        return list_values(host, wanted, as_json);
+
+    const module_description *const found = described->find(wanted.module);
+    const bool is_known =
+        found != nullptr && (wanted.member.empty() || found->find(wanted.member) != nullptr);
+    if (!filter.empty() && !is_known)
+        throw failure(NO_SUCH_SETTING, no_such_setting(host, wanted));
+
+    listing list;
+    for (const module_description &module : described->modules) {
+        if (wanted.module.empty() || wanted.module == module.name)
+            add_module(list, module, wanted.member);
+    }
+    print_list(list, wanted, as_json);
+    return DONE;
+}

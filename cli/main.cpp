@@ -1,0 +1,164 @@
+// camparam: reads and changes the camera's settings from the command line.
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+
+#include "commands.h"
+#include "output.h"
+
+namespace {
+
+const char *const examples = R"(Examples:
+  camparam list                           every setting with its range
+  camparam list af.zoom_value             one setting
+  camparam get af                         every value of a module
+  camparam get af.zoom_value af.focus_mode
+  camparam set af.zoom_value=1200         set, and read back
+  camparam call save                      run a command of the host
+  echo '{"msg_type":"get","msg_id":1,"af":["all"]}' | camparam raw
+
+Exit status: 0 done, 1 other failure, 2 wrong usage, 3 no answer, 4 refused,
+5 no such setting, 6 partly done.)";
+
+struct arguments {
+    server_address server;
+    bool as_json = false;
+    bool as_number = false, as_text = false;
+    bool api_get = false, api_set = false;
+    std::string filter;              // of list
+    std::vector<std::string> names;  // of get
+    std::vector<std::string> values; // of set
+    std::string command;             // of call
+    std::vector<std::string> members;
+
+    value_form form() const
+    {
+        if (as_number)
+            return value_form::number;
+        return as_text ? value_form::text : value_form::automatic;
+    }
+
+    // A command that gets members most likely changes something.
+    const char *api_type() const
+    {
+        return api_set || (!api_get && !members.empty()) ? "api_set" : "api_get";
+    }
+};
+
+void add_options(CLI::App &app, arguments &given)
+{
+    app.add_option("--host", given.server.host, "Name or address of the camera")
+        ->type_name("HOST")
+        ->capture_default_str();
+    app.add_option("--port", given.server.port, "UDP port of its message server")
+        ->type_name("PORT")
+        ->check(CLI::Range(1, 65535))
+        ->capture_default_str();
+    app.add_option("--timeout", given.server.timeout_s, "Seconds to wait for each answer")
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    app.add_option("--retries", given.server.retries, "Further requests when no answer comes")
+        ->type_name("COUNT")
+        ->check(CLI::Range(0, 1000))
+        ->capture_default_str();
+    app.add_flag("--json", given.as_json, "Print results as JSON");
+    app.set_version_flag("--version", "camparam " CAMPARAM_VERSION);
+}
+
+void add_form_options(CLI::App *command, arguments &given)
+{
+    CLI::Option *const number =
+        command->add_flag("--number", given.as_number, "Send every value as a number");
+    command->add_flag("--text", given.as_text, "Send every value as a text")->excludes(number);
+}
+
+void add_list(CLI::App &app, arguments &given)
+{
+    CLI::App *const list = app.add_subcommand(
+        "list", "Show settings: kind, range, default and value; * marks a changed one");
+    list->add_option("setting", given.filter, "Only this module or setting")
+        ->type_name("MODULE[.MEMBER]");
+}
+
+void add_get(CLI::App &app, arguments &given)
+{
+    CLI::App *const get = app.add_subcommand("get", "Print values, a line each");
+    get->add_option("settings", given.names, "Modules or settings")
+        ->type_name("MODULE[.MEMBER]")
+        ->required();
+}
+
+void add_set(CLI::App &app, arguments &given)
+{
+    CLI::App *const set = app.add_subcommand("set", "Change settings and read them back");
+    set->add_option("values", given.values, "Settings and their new values")
+        ->type_name("MODULE.MEMBER=VALUE")
+        ->required();
+    add_form_options(set, given);
+}
+
+void add_call(CLI::App &app, arguments &given)
+{
+    CLI::App *const call = app.add_subcommand("call", "Run a command that the host offers");
+    call->add_option("command", given.command, "Name of the command")
+        ->type_name("COMMAND")
+        ->required();
+    call->add_option("members", given.members, "What to tell it; integers travel as numbers")
+        ->type_name("MEMBER=VALUE");
+    CLI::Option *const set =
+        call->add_flag("--set", given.api_set, "Call it to change [when members are given]");
+    call->add_flag("--get", given.api_get, "Call it to ask [when none are given]")->excludes(set);
+    add_form_options(call, given);
+}
+
+exit_code run(const CLI::App &app, const arguments &given)
+{
+    const double longest_s = 3600;
+    if (!(given.server.timeout_s > 0 && given.server.timeout_s <= longest_s)) // also not a number
+        throw failure(USAGE, "--timeout takes seconds, more than 0 and at most 3600");
+
+    client host(given.server);
+    if (app.got_subcommand("list"))
+        return list_settings(host, given.filter, given.as_json);
+    if (app.got_subcommand("get"))
+        return get_settings(host, given.names, given.as_json);
+    if (app.got_subcommand("set"))
+        return set_settings(host, given.values, given.form(), given.as_json);
+    if (app.got_subcommand("call"))
+        return call_command(host, given.command, given.api_type(), given.members, given.form(),
+                            given.as_json);
+    return send_raw(host);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    arguments given;
+    CLI::App app("Reads and changes the settings of a camera.", "camparam");
+    app.footer(examples);
+    app.require_subcommand(1);
+    app.fallthrough(); // the options below also stand behind the command
+    add_options(app, given);
+    add_list(app, given);
+    add_get(app, given);
+    add_set(app, given);
+    add_call(app, given);
+    app.add_subcommand("raw", "Send the JSON request on standard input, print the answer");
+
+    try {
+        app.parse(argc, argv);
+        const exit_code status = run(app, given);
+        if (fflush(stdout) != 0 || ferror(stdout))
+            throw failure(OTHER, "cannot write the result");
+        return status;
+    } catch (const CLI::ParseError &error) {
+        return app.exit(error) == 0 ? DONE : USAGE;
+    } catch (const failure &error) {
+        print_message(error.what());
+        return error.code;
+    } catch (const std::exception &error) {
+        print_message(error.what());
+        return OTHER;
+    }
+}

@@ -1,0 +1,20 @@
+// What the commands print.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "json.h"
+
+// The text with its control characters as escapes, so that a value stays on its line and cannot
+// steer the terminal.
+std::string visible(const std::string &text);
+
+// Prints rows with aligned columns, two blanks between them.
+void print_table(const std::vector<std::vector<std::string>> &rows);
+
+// Prints NAME=VALUE.
+void print_value(const std::string &name, const cJSON *value);
+
+// Prints a message for the user on standard error.
+void print_message(const std::string &text);

@@ -1,0 +1,21 @@
+#include <cstdio>
+#include <iostream>
+#include <iterator>
+
+#include "commands.h"
+
+exit_code send_raw(client &host)
+{
+    const std::string request(std::istreambuf_iterator<char>(std::cin), {});
+    const json_ptr tree = parse_json(request);
+    // The store is silent about both, and waiting for its answer would say less.
+    if (!cJSON_IsObject(tree.get()))
+        throw failure(USAGE, "standard input holds no JSON object");
+    if (!cJSON_IsString(cJSON_GetObjectItem(tree.get(), "msg_type")))
+        throw failure(USAGE, "the request lacks \"msg_type\", such as \"get\" or \"set\"");
+
+    const std::string answer = host.raw(request);
+    fwrite(answer.data(), 1, answer.size(), stdout);
+    putchar('\n');
+    return member_of(parse_json(answer).get(), "err") != nullptr ? REFUSED : DONE;
+}

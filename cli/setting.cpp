@@ -1,0 +1,60 @@
+#include "setting.h"
+
+#include <algorithm>
+#include <array>
+
+#include "failure.h"
+
+namespace {
+
+// They belong to every message and cannot be asked for.
+bool is_message_field(const std::string &module)
+{
+    const std::array<const char *, 4> fields = {"msg_type", "msg_from", "msg_name", "msg_id"};
+    return std::find(fields.begin(), fields.end(), module) != fields.end();
+}
+
+// The place of the "=", behind at least one character.
+size_t find_equals(const std::string &text, const char *shape)
+{
+    const size_t equals = text.find('=');
+    if (equals == std::string::npos || equals == 0)
+        throw failure(USAGE, "\"" + text + "\" is not of the form " + shape);
+    return equals;
+}
+
+} // namespace
+
+setting_name parse_setting_name(const std::string &text)
+{
+    const size_t dot = text.find('.');
+    setting_name name = {text.substr(0, dot), ""};
+    if (dot != std::string::npos)
+        name.member = text.substr(dot + 1);
+    if (name.module.empty() || (dot != std::string::npos && name.member.empty()))
+        throw failure(USAGE, "\"" + text + "\" is not of the form MODULE or MODULE.MEMBER");
+    if (is_message_field(name.module))
+        throw failure(NO_SUCH_SETTING, "no module \"" + name.module + "\"");
+    return name;
+}
+
+setting_value parse_setting_value(const std::string &text)
+{
+    const char *const shape = "MODULE.MEMBER=VALUE";
+    const size_t equals = find_equals(text, shape);
+    const setting_name name = parse_setting_name(text.substr(0, equals));
+    if (name.member.empty())
+        throw failure(USAGE, "\"" + text + "\" is not of the form " + shape);
+    return {name, text.substr(equals + 1)};
+}
+
+assignment parse_assignment(const std::string &text, value_form form)
+{
+    const size_t equals = find_equals(text, "MEMBER=VALUE");
+    assignment parsed = {text.substr(0, equals), text.substr(equals + 1), false};
+    const bool is_int = parse_int(parsed.value).has_value();
+    if (form == value_form::number && !is_int)
+        throw failure(REFUSED, parsed.member + ": \"" + parsed.value + "\" is no 32-bit integer");
+    parsed.number = is_int && form != value_form::text;
+    return parsed;
+}

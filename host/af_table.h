@@ -1,0 +1,21 @@
+// The AF members as a table.
+#pragma once
+
+#include "camparam/af.h"
+
+struct af_member {
+    const char *name;
+    int slot;
+    int (*set)(int value);
+};
+
+inline constexpr af_member af_members[] = {
+#define AF_MEMBER(slot, name) {#name, slot, para_set_af_##name##_cur},
+#include "camparam/af_members.def"
+};
+
+// Whether the device has the member: its defaults file names it.
+inline bool is_present(const af_member &member)
+{
+    return para_af_exist[member.slot] != 0;
+}

@@ -1,0 +1,6 @@
+// The hooks by which the store tells the host of changes.
+#pragma once
+
+// Puts a hook into every field of para_profile that takes one; each logs a line when it is called.
+// A camera's own host would drive the lens, the encoders and the image processor from here.
+void install_hooks();

@@ -1,0 +1,67 @@
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <string>
+
+#include "af_table.h"
+#include "commands.h"
+#include "request.h"
+
+namespace {
+
+const af_member *find_present(const char *name)
+{
+    const auto member =
+        std::find_if(std::begin(af_members), std::end(af_members), [&](const af_member &row) {
+            return strcmp(row.name, name) == 0 && is_present(row);
+        });
+    return member != std::end(af_members) ? member : nullptr;
+}
+
+// A number that valueint holds unchanged. Larger ones are saturated there, fractions cut.
+bool is_int(const cJSON *node)
+{
+    return cJSON_IsNumber(node) && node->valuedouble == static_cast<double>(node->valueint);
+}
+
+// Sets one member. Returns an empty text, or why it was refused.
+std::string set(const cJSON *item)
+{
+    const af_member *const member = find_present(item->string);
+    if (member == nullptr)
+        return "no such member";
+    if (!is_int(item))
+        return "not a 32-bit integer";
+
+    // The setter is silent about a value that it does not take, so the current value tells.
+    member->set(item->valueint);
+    if (para_af_cur[member->slot] != item->valueint)
+        return "out of range, " + std::to_string(para_af_min[member->slot]) + " to " +
+               std::to_string(para_af_max[member->slot]);
+    return "";
+}
+
+} // namespace
+
+int lens_command(int mode, para_message *message, cJSON **reply)
+{
+    const json_ptr request = parse_request(*message);
+    const cJSON *const data = data_of(request);
+    if (mode != API_SET || data == nullptr)
+        return -1;
+
+    json_ptr answer = start_reply(request);
+    cJSON *const accepted = cJSON_AddArrayToObject(answer.get(), "accepted");
+    cJSON *const refused = cJSON_AddObjectToObject(answer.get(), "refused");
+    const cJSON *item = nullptr;
+    cJSON_ArrayForEach(item, data)
+    {
+        const std::string reason = set(item);
+        if (reason.empty())
+            cJSON_AddItemToArray(accepted, cJSON_CreateString(item->string));
+        else
+            cJSON_AddStringToObject(refused, item->string, reason.c_str());
+    }
+    *reply = answer.release();
+    return 0;
+}

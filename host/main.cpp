@@ -1,0 +1,107 @@
+// camparamd: a host process of the parameter store.
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "camparam/control.h"
+#include "camparam/platform.h"
+#include "commands.h"
+#include "hooks.h"
+#include "log.h"
+#include "options.h"
+#include "port.h"
+
+namespace {
+
+// Called before any thread exists, so every thread leaves these signals to the main thread: a wait
+// that one of them interrupted would end the store's thread.
+sigset_t block_ending_signals()
+{
+    sigset_t ending;
+    sigemptyset(&ending);
+    sigaddset(&ending, SIGTERM);
+    sigaddset(&ending, SIGINT);
+    sigprocmask(SIG_BLOCK, &ending, nullptr);
+    return ending;
+}
+
+void fill_profile(const options &chosen)
+{
+    para_profile.home_dir = chosen.home.c_str();
+    para_profile.data_dir = chosen.data.c_str();
+    para_profile.role = chosen.client ? 1 : 0;
+    if (!chosen.www2json.empty())
+        para_profile.www2json_name = chosen.www2json.c_str();
+    dbgout_profile[1] = chosen.trace_level;
+    install_hooks();
+}
+
+bool make_data_folder(const std::string &data)
+{
+    std::error_code error;
+    std::filesystem::create_directories(data, error);
+    if (!error && !std::filesystem::is_directory(data, error) && !error)
+        error = std::make_error_code(std::errc::not_a_directory);
+    if (error)
+        log_line("cannot make the data folder \"%s\": %s", data.c_str(), error.message().c_str());
+    return !error;
+}
+
+bool port_is_free()
+{
+    const int error = probe_server_port();
+    if (error == EADDRINUSE)
+        log_line("UDP port %d is taken; does another host process run?", server_port);
+    else if (error != 0)
+        log_line("cannot bind UDP port %d: %s", server_port, strerror(error));
+    return error == 0;
+}
+
+bool start_server(const options &chosen)
+{
+    if (!port_is_free() || !make_data_folder(chosen.data))
+        return false;
+    if (register_commands() != 0) {
+        log_line("cannot register the commands");
+        return false;
+    }
+    if (const int error = platformparam_init(); error != 0) {
+        log_line("cannot start the store: %s", strerror(error));
+        return false;
+    }
+    log_line("ready on UDP port %d, home %s, data %s", server_port, chosen.home.c_str(),
+             chosen.data.c_str());
+    return true;
+}
+
+bool start_client()
+{
+    if (platformparam_init() != 0)
+        return false;
+    log_line("ready in the client role");
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    options chosen;
+    int exit_status = 0;
+    if (!read_options(argc, argv, chosen, exit_status))
+        return exit_status;
+
+    const sigset_t ending = block_ending_signals();
+    signal(SIGPIPE, SIG_IGN); // whoever reads the traces may leave; the settings still get saved
+    fill_profile(chosen);
+    if (!(chosen.client ? start_client() : start_server(chosen)))
+        return 1;
+
+    int received = 0;
+    sigwait(&ending, &received);
+    log_line("%s: saving and stopping", received == SIGTERM ? "SIGTERM" : "SIGINT");
+    platformparam_stop(1);
+    return 0;
+}

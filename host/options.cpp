@@ -1,0 +1,41 @@
+#include "options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "camparam/control.h"
+
+bool read_options(int argc, char **argv, options &chosen, int &exit_status)
+{
+    const int usage_error = 2;
+
+    chosen.home = para_profile.home_dir;
+    chosen.data = para_profile.data_dir;
+
+    CLI::App app("The camera's parameter store: serves settings on UDP port 6800 and saves them.\n"
+                 "SIGTERM and SIGINT save every setting and end it.",
+                 "camparamd");
+    app.set_version_flag("--version", "camparamd " CAMPARAM_VERSION);
+    app.add_option("--home", chosen.home, "Folder of the read-only files: ranges, defaults")
+        ->type_name("DIR")
+        ->capture_default_str();
+    app.add_option("--data", chosen.data, "Folder of the saved settings; made when missing")
+        ->type_name("DIR")
+        ->capture_default_str();
+    app.add_option("--trace", chosen.trace_level,
+                   "0 silent, 3 errors, 6 progress, 7 request dumps; on standard error")
+        ->type_name("LEVEL")
+        ->check(CLI::Range(0, 7))
+        ->capture_default_str();
+    app.add_option("--www2json", chosen.www2json,
+                   "Web-name file inside the home folder [www2json.json]")
+        ->type_name("NAME");
+    app.add_flag("--client", chosen.client, "Run in the client role: no settings, no server");
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        exit_status = app.exit(error) == 0 ? 0 : usage_error;
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,24 @@
+// The text of a request to a command, and the reply that echoes its identifiers.
+#pragma once
+
+#include <cjson/cJSON.h>
+
+#include <memory>
+
+#include "camparam/command.h"
+
+// How the store tells a command what kind of request it got.
+enum { API_GET = 0, API_SET = 1 };
+
+struct json_delete {
+    void operator()(cJSON *node) const { cJSON_Delete(node); }
+};
+using json_ptr = std::unique_ptr<cJSON, json_delete>;
+
+json_ptr parse_request(const para_message &message);
+
+// The request's "data", or null when it is absent or not an object.
+const cJSON *data_of(const json_ptr &request);
+
+// An object that holds the request's "msg_name" and "msg_id", where it had them.
+json_ptr start_reply(const json_ptr &request);

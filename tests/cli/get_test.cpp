@@ -1,0 +1,100 @@
+#include "cli/run.h"
+#include "host/host_process.h"
+
+namespace {
+
+class GetCommand : public HostProcess {};
+
+TEST_F(GetCommand, PrintsOneValue)
+{
+    start_host();
+
+    const run_result got = run({"get", "af.zoom_value"});
+
+    EXPECT_EQ(got.status, 0);
+    EXPECT_EQ(got.output, "af.zoom_value=0\n");
+    EXPECT_EQ(got.errors, "");
+}
+
+TEST_F(GetCommand, PrintsValuesInTheOrderAsked)
+{
+    start_host();
+
+    EXPECT_EQ(run({"get", "af.zoom_value", "af.focus_mode", "af.zoom_value"}).output,
+              "af.zoom_value=0\naf.focus_mode=1\naf.zoom_value=0\n");
+}
+
+TEST_F(GetCommand, PrintsAWholeModule)
+{
+    start_host();
+
+    EXPECT_EQ(run({"get", "af"}).output, "af.focus_mode=1\naf.zoom_value=0\n");
+    EXPECT_EQ(run({"get", "af.zoom_value", "af"}).output,
+              "af.zoom_value=0\naf.focus_mode=1\naf.zoom_value=0\n");
+}
+
+TEST_F(GetCommand, PrintsJson)
+{
+    start_host();
+
+    EXPECT_EQ(squeeze(run({"get", "--json", "af"}).output),
+              "{'af':{'focus_mode':1,'zoom_value':0}}");
+    EXPECT_EQ(squeeze(run({"--json", "get", "af.zoom_value"}).output), "{'af':{'zoom_value':0}}");
+}
+
+TEST_F(GetCommand, TellsWhatIsMissing)
+{
+    start_host();
+
+    const run_result member = run({"get", "af.focus_lock"});
+    EXPECT_EQ(member.status, 5);
+    EXPECT_EQ(member.output, "");
+    EXPECT_EQ(member.errors, "camparam: no setting \"af.focus_lock\"; did you mean "
+                             "\"af.focus_mode\"?\n");
+
+    const run_result module = run({"get", "lens.zoom_value"});
+    EXPECT_EQ(module.status, 5);
+    EXPECT_EQ(module.errors, "camparam: no module \"lens\"\n");
+
+    const run_result some = run({"get", "nosuch", "af.zoom_value"});
+    EXPECT_EQ(some.status, 6);
+    EXPECT_EQ(some.output, "af.zoom_value=0\n");
+    EXPECT_EQ(some.errors, "camparam: no module \"nosuch\"\n");
+}
+
+TEST_F(GetCommand, MessageFieldsAreNoSettings)
+{
+    start_host();
+
+    for (const char *field : {"msg_id", "msg_name.x", "msg_type", "msg_from"}) {
+        const run_result got = run({"get", field});
+        EXPECT_EQ(got.status, 5) << field;
+        EXPECT_EQ(got.output, "");
+    }
+}
+
+TEST_F(GetCommand, WorksWithAHostThatDescribesNothing)
+{
+    start_store();
+
+    EXPECT_EQ(run({"get", "af"}).output, "af.focus_mode=1\naf.zoom_value=0\n");
+    const run_result missing = run({"get", "af.nosuch"});
+    EXPECT_EQ(missing.status, 5);
+    EXPECT_EQ(missing.errors, "camparam: no setting \"af.nosuch\"\n");
+}
+
+TEST_F(GetCommand, AsksForMoreNamesThanADatagramHolds)
+{
+    start_host();
+    std::vector<std::string> words = {"get"};
+    for (int i = 0; i < 900; i++)
+        words.push_back(i == 0 || i == 899 ? "af.zoom_value" : "af.focus_mode");
+
+    const run_result got = run(words);
+
+    EXPECT_EQ(got.status, 0) << got.errors;
+    EXPECT_EQ(std::count(got.output.begin(), got.output.end(), '\n'), 900);
+    EXPECT_EQ(got.output.rfind("\naf.zoom_value=0\n"), got.output.size() - 17);
+}
+
+} // namespace

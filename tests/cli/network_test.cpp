@@ -1,0 +1,120 @@
+#include <chrono>
+
+#include "cli/run.h"
+#include "host/host_process.h"
+
+namespace {
+
+using std::chrono::steady_clock;
+
+class ClientNetwork : public HostProcess {};
+
+std::vector<std::string> silence(const std::string &)
+{
+    return {};
+}
+
+TEST_F(ClientNetwork, AsksAgainUntilTheRetriesAreUsedUp)
+{
+    const fake_server camera(silence);
+
+    const run_result got = run({"get", "af", "--timeout", "0.05", "--retries", "3"});
+
+    EXPECT_EQ(got.status, 3);
+    EXPECT_EQ(got.output, "");
+    EXPECT_EQ(got.errors, "camparam: no answer from 127.0.0.1 port 6800 to 4 requests; --timeout "
+                          "and --retries wait longer\n");
+    const std::vector<std::string> requests = camera.requests();
+    ASSERT_EQ(requests.size(), 4u);
+    EXPECT_EQ(requests[0], requests[3]);
+}
+
+TEST_F(ClientNetwork, RetriesTwiceUnlessToldOtherwise)
+{
+    const fake_server camera(silence);
+
+    EXPECT_EQ(run({"get", "af", "--timeout", "0.05"}).status, 3);
+    EXPECT_EQ(camera.requests().size(), 3u);
+    EXPECT_EQ(run({"get", "af", "--timeout", "0.05", "--retries", "0"}).status, 3);
+    EXPECT_EQ(camera.requests().size(), 4u);
+}
+
+TEST_F(ClientNetwork, WaitsForTheWholeTimeout)
+{
+    const fake_server camera(silence);
+
+    const steady_clock::time_point begin = steady_clock::now();
+    EXPECT_EQ(run({"get", "af", "--timeout", "0.6", "--retries", "0"}).status, 3);
+
+    EXPECT_GE(steady_clock::now() - begin, std::chrono::milliseconds(600));
+}
+
+TEST_F(ClientNetwork, AnAnswerToARetryCounts)
+{
+    int asked = 0;
+    const fake_server camera([&](const std::string &request) {
+        std::vector<std::string> replies;
+        if (++asked == 3)
+            replies.push_back(reply_to(request, "'af':{'zoom_value':4}"));
+        return replies;
+    });
+
+    EXPECT_EQ(run({"get", "af.zoom_value", "--timeout", "0.1"}).output, "af.zoom_value=4\n");
+}
+
+TEST_F(ClientNetwork, AnswersToOtherRequestsAreSkipped)
+{
+    const fake_server camera([](const std::string &request) {
+        return std::vector<std::string>{
+            quoted("{'msg_id':0,'af':{'zoom_value':1}}"), quoted("{'af':{'zoom_value':2}}"),
+            quoted("{'msg_id':'" + id_of(request) + "','af':{'zoom_value':3}}"),
+            reply_to(request, "'af':{'zoom_value':4}")};
+    });
+
+    EXPECT_EQ(run({"get", "af.zoom_value"}).output, "af.zoom_value=4\n");
+}
+
+TEST_F(ClientNetwork, ARepeatedAnswerIsNotTakenForTheNext)
+{
+    // Each answer comes twice, as after a retry whose first answer was only late.
+    const fake_server camera([](const std::string &request) {
+        std::string answer = reply_to(request, "'af':{'zoom_value':9}");
+        if (is_for(request, "describe"))
+            answer = quoted("{'err':'Invalid API command'}");
+        return std::vector<std::string>{answer, answer};
+    });
+
+    EXPECT_EQ(run({"set", "--number", "af.zoom_value=9"}).output, "af.zoom_value=9\n");
+}
+
+TEST_F(ClientNetwork, AClosedPortIsReportedAtOnce)
+{
+    const run_result got = run({"get", "af", "--timeout", "15"});
+
+    EXPECT_EQ(got.status, 3);
+    EXPECT_EQ(got.errors, "camparam: nothing listens on 127.0.0.1 port 6800; is the host process "
+                          "running, is --host right?\n");
+}
+
+TEST_F(ClientNetwork, PortAndHostAreOptions)
+{
+    start_host();
+
+    EXPECT_EQ(run({"--host", "localhost", "--port", "6800", "get", "af.zoom_value"}).output,
+              "af.zoom_value=0\n");
+    EXPECT_EQ(run({"get", "af.zoom_value", "--host", "127.0.0.1"}).output, "af.zoom_value=0\n");
+    const run_result other = run({"get", "af", "--port", "6801"});
+    EXPECT_EQ(other.status, 3);
+    EXPECT_NE(other.errors.find("port 6801"), std::string::npos) << other.errors;
+}
+
+TEST_F(ClientNetwork, AnUnknownHostIsReported)
+{
+    const run_result got = run({"get", "af", "--host", "no such host"});
+
+    EXPECT_EQ(got.status, 1);
+    EXPECT_EQ(got.errors.find("camparam: cannot find the host \"no such host\": "), 0u)
+        << got.errors;
+}
+
+} // namespace

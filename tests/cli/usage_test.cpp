@@ -1,0 +1,82 @@
+#include "cli/run.h"
+
+namespace {
+
+TEST(ClientUsage, HelpShowsCommandsOptionsAndExamples)
+{
+    const run_result help = run({"--help"});
+
+    EXPECT_EQ(help.status, 0);
+    for (const char *text :
+         {"list", "get", "set", "call", "raw", "--host", "--port", "--timeout", "--retries",
+          "--json", "camparam set af.zoom_value=1200", "Exit status"})
+        EXPECT_NE(help.output.find(text), std::string::npos) << text;
+}
+
+TEST(ClientUsage, EachCommandHasHelp)
+{
+    for (const char *command : {"list", "get", "set", "call", "raw"}) {
+        const run_result help = run({command, "--help"});
+        EXPECT_EQ(help.status, 0) << command;
+        EXPECT_NE(help.output.find("Usage: camparam " + std::string(command)), std::string::npos)
+            << help.output;
+    }
+}
+
+TEST(ClientUsage, VersionIsPrinted)
+{
+    const run_result version = run({"--version"});
+
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.output, "camparam 1.0.0\n");
+}
+
+TEST(ClientUsage, MistakesAreUsageErrors)
+{
+    for (const std::vector<std::string> &words : std::vector<std::vector<std::string>>{
+             {},
+             {"nosuch"},
+             {"get"},
+             {"set"},
+             {"call"},
+             {"get", "af", "--nosuch"},
+             {"get", ""},
+             {"get", "af."},
+             {"get", ".zoom_value"},
+             {"list", "af."},
+             {"list", "af", "af"},
+             {"set", "af.zoom_value"},
+             {"set", "af=5"},
+             {"set", "=5"},
+             {"set", "af.=5"},
+             {"set", "--number", "--text", "af.zoom_value=5"},
+             {"call", "save", "--get", "--set"},
+             {"call", "save", "=5"},
+             {"get", "af", "--port", "0"},
+             {"get", "af", "--port", "65536"},
+             {"get", "af", "--timeout", "0"},
+             {"get", "af", "--timeout", "-1"},
+             {"get", "af", "--timeout", "nan"},
+             {"get", "af", "--timeout", "soon"},
+             {"get", "af", "--retries", "-1"},
+         }) {
+        const run_result got = run(words);
+        EXPECT_EQ(got.status, 2) << testing::PrintToString(words);
+        EXPECT_EQ(got.output, "") << testing::PrintToString(words);
+        EXPECT_NE(got.errors, "") << testing::PrintToString(words);
+    }
+}
+
+TEST(ClientUsage, AResultThatCannotBeWrittenIsAFailure)
+{
+    const fake_server camera([](const std::string &request) {
+        return std::vector<std::string>{reply_to(request, "'af':{'zoom_value':4}")};
+    });
+
+    process client({"sh", "-c", CAMPARAM " get af >/dev/full"});
+
+    EXPECT_EQ(client.wait_for_end(), 1);
+    EXPECT_EQ(client.errors(), "camparam: cannot write the result\n");
+}
+
+} // namespace

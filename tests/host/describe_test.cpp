@@ -1,0 +1,114 @@
+#include "host/host_process.h"
+
+namespace {
+
+class DescribeCommand : public HostProcess {
+protected:
+    Client client;
+};
+
+const char *const af = "'af':{'set':'lens','members':{"
+                       "'focus_mode':{'kind':'number','min':0,'max':3,'default':1,'current':1},"
+                       "'zoom_value':{'kind':'number','min':-100,'max':1000,'default':0,"
+                       "'current':0}}}";
+
+std::string reply_with(const std::string &modules)
+{
+    return "{'msg_name':'describe','msg_id':7,'modules':{" + modules + "}}";
+}
+
+const char *const error = "{'err':'Invalid API command'}";
+
+TEST_F(DescribeCommand, ListsEveryPresentMember)
+{
+    start_host();
+
+    EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7}"),
+              reply_with(af));
+}
+
+TEST_F(DescribeCommand, TellsCurrentAndDefaultApart)
+{
+    write_data("af_cur.json", "{'zoom_value':640}");
+    start_host();
+
+    const std::string reply = client.ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7}");
+
+    EXPECT_NE(reply.find("'default':0,'current':640}"), std::string::npos) << reply;
+}
+
+TEST_F(DescribeCommand, ListLimitsTheAnswer)
+{
+    start_host();
+
+    const std::string request =
+        "{'msg_type':'api_get','msg_name':'describe','msg_id':7,'data':{'modules':";
+    EXPECT_EQ(client.ask(request + "['af']}}"), reply_with(af));
+    EXPECT_EQ(client.ask(request + "['nosuch',3,null,'af']}}"), reply_with(af));
+    EXPECT_EQ(client.ask(request + "['nosuch']}}"), reply_with(""));
+    EXPECT_EQ(client.ask(request + "['a','AF','af_']}}"), reply_with(""));
+    EXPECT_EQ(client.ask(request + "[]}}"), reply_with(""));
+}
+
+TEST_F(DescribeCommand, RefusesAListOfAnotherType)
+{
+    start_host();
+
+    for (const char *list : {"'af'", "{'af':1}", "5", "null"})
+        EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'describe','data':{'modules':" +
+                             std::string(list) + "}}"),
+                  error)
+            << list;
+}
+
+TEST_F(DescribeCommand, IgnoresDataThatIsNoObject)
+{
+    start_host();
+
+    for (const char *ignored : {"5", "'af'", "['af']", "null"})
+        EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7,'data':" +
+                             std::string(ignored) + "}"),
+                  reply_with(af))
+            << ignored;
+}
+
+TEST_F(DescribeCommand, CannotBeSet)
+{
+    start_host();
+
+    EXPECT_EQ(client.ask("{'msg_type':'api_set','msg_name':'describe'}"), error);
+}
+
+TEST_F(DescribeCommand, EchoesIdentifiersAsTheyCame)
+{
+    start_host();
+
+    const std::string reply = client.ask("{'msg_type':'api_get','msg_name':'desc','msg_id':'x'}");
+
+    EXPECT_EQ(reply.find("{'msg_name':'desc','modules':"), 0u) << reply;
+}
+
+TEST_F(DescribeCommand, DescribesTheSampleDevice)
+{
+    home = SAMPLE_HOME;
+    start_host();
+
+    const json reply(
+        cJSON_Parse(client.request("{'msg_type':'api_get','msg_name':'describe'}")->c_str()));
+
+    const cJSON *const modules = cJSON_GetObjectItem(reply.get(), "modules");
+    const cJSON *const members = cJSON_GetObjectItem(cJSON_GetObjectItem(modules, "af"), "members");
+    ASSERT_EQ(cJSON_GetArraySize(members), 6);
+    const cJSON *member = nullptr;
+    cJSON_ArrayForEach(member, members)
+    {
+        const double minimum = cJSON_GetObjectItem(member, "min")->valuedouble;
+        const double maximum = cJSON_GetObjectItem(member, "max")->valuedouble;
+        const double usual = cJSON_GetObjectItem(member, "default")->valuedouble;
+        EXPECT_LT(minimum, maximum) << member->string;
+        EXPECT_LE(minimum, usual) << member->string;
+        EXPECT_LE(usual, maximum) << member->string;
+    }
+}
+
+} // namespace

@@ -1,0 +1,37 @@
+// Something that answers on UDP port 6800 as the test likes.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+class fake_server {
+public:
+    // Gives the datagrams to send back for a request; called on the server's thread.
+    using answerer = std::function<std::vector<std::string>(const std::string &request)>;
+
+    explicit fake_server(answerer answers);
+    ~fake_server();
+
+    fake_server(const fake_server &) = delete;
+    fake_server &operator=(const fake_server &) = delete;
+
+    // All requests so far, in order.
+    std::vector<std::string> requests() const;
+
+private:
+    void serve();
+
+    answerer answer;
+    int descriptor;
+    std::atomic<bool> stopping{false};
+    mutable std::mutex lock;
+    std::vector<std::string> received;
+    std::thread thread;
+};
+
+// The number behind "msg_id" in a request, as text.
+std::string id_of(const std::string &request);

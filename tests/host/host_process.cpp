@@ -1,0 +1,38 @@
+#include "host/host_process.h"
+
+#include <algorithm>
+
+HostProcess::HostProcess()
+{
+    write_home("af_range.json", "{'focus_mode':[0,3],'zoom_value':[-100,1000]}");
+    write_home("af_def.json", "{'focus_mode':1,'zoom_value':0}");
+}
+
+void HostProcess::start_host(const std::vector<std::string> &options)
+{
+    std::vector<std::string> command = {CAMPARAMD, "--home", home, "--data", data};
+    command.insert(command.end(), options.begin(), options.end());
+    host = std::make_unique<process>(command);
+    ASSERT_TRUE(
+        wait_until([&] { return host_has_logged("camparamd: ready") || host->has_ended(); }));
+    ASSERT_FALSE(host->has_ended()) << host->errors();
+}
+
+int HostProcess::end_host(int number)
+{
+    host->send_signal(number);
+    return host->wait_for_end();
+}
+
+bool HostProcess::host_has_logged(const std::string &text) const
+{
+    return host->errors().find(text) != std::string::npos;
+}
+
+bool HostProcess::saves(const std::string &name, const std::string &text)
+{
+    std::string expected = text;
+    std::replace(expected.begin(), expected.end(), '\'', '"');
+    expected += '\0';
+    return wait_until([&] { return read_data(name) == expected; });
+}

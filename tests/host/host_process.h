@@ -1,0 +1,29 @@
+// A camparamd on folders of its own, with a lens of its own.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/process.h"
+#include "support/store.h"
+
+class HostProcess : public Store {
+protected:
+    // Writes the files of a lens: focus_mode 0 to 3, default 1; zoom_value -100 to 1000, default 0.
+    // The other members are absent.
+    HostProcess();
+
+    // Starts camparamd on the fixture's folders and waits until it is ready.
+    void start_host(const std::vector<std::string> &options = {});
+    // Ends it by a signal and returns its exit status.
+    int end_host(int number);
+
+    bool host_has_logged(const std::string &text) const;
+
+    // Waits until the saved file has exactly these bytes and the zero byte behind them; an
+    // apostrophe stands for a quote.
+    bool saves(const std::string &name, const std::string &text);
+
+    std::unique_ptr<process> host;
+};

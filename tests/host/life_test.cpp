@@ -1,0 +1,125 @@
+#include <csignal>
+#include <fstream>
+
+#include "host/fake_server.h"
+#include "host/host_process.h"
+
+namespace {
+
+class HostLife : public HostProcess {
+protected:
+    std::string set_zoom(int value)
+    {
+        return Client().ask("{'msg_type':'api_set','msg_name':'lens','data':{'zoom_value':" +
+                            std::to_string(value) + "}}");
+    }
+};
+
+const char *const taken = "{'msg_name':'lens','accepted':['zoom_value'],'refused':{}}";
+
+TEST_F(HostLife, TellsWhenItIsReady)
+{
+    start_host();
+
+    EXPECT_TRUE(host_has_logged("camparamd: ready on UDP port 6800, home " + home + ", data " +
+                                data + "\n"))
+        << host->errors();
+    EXPECT_EQ(Client().ask("{'msg_type':'get','msg_id':1,'af':['zoom_value']}"),
+              "{'msg_id':1,'af':{'zoom_value':0}}");
+}
+
+TEST_F(HostLife, SavesAChangeByItself)
+{
+    start_host();
+
+    EXPECT_EQ(set_zoom(300), taken);
+
+    EXPECT_TRUE(saves("af_cur.json", "{\n\t'focus_mode':\t1,\n\t'zoom_value':\t300\n}"));
+}
+
+TEST_F(HostLife, SavesEverythingAtTheEnd)
+{
+    for (const int number : {SIGTERM, SIGINT}) {
+        start_host();
+        ASSERT_EQ(read_data("af_cur.json"), std::nullopt);
+
+        EXPECT_EQ(end_host(number), 0);
+
+        EXPECT_TRUE(saves("af_cur.json", "{\n\t'focus_mode':\t1,\n\t'zoom_value':\t0\n}"));
+        EXPECT_TRUE(
+            host_has_logged(number == SIGTERM ? "camparamd: SIGTERM" : "camparamd: SIGINT"));
+        remove((data + "/af_cur.json").c_str());
+    }
+}
+
+TEST_F(HostLife, KeepsASettingOverARestart)
+{
+    start_host();
+    EXPECT_EQ(set_zoom(-42), taken);
+    EXPECT_EQ(end_host(SIGTERM), 0);
+
+    start_host();
+
+    EXPECT_EQ(Client().ask("{'msg_type':'get','af':['zoom_value']}"), "{'af':{'zoom_value':-42}}");
+}
+
+TEST_F(HostLife, RefusesToStartOnATakenPort)
+{
+    const fake_server other([](const std::string &) { return std::vector<std::string>(); });
+
+    host = std::make_unique<process>(
+        std::vector<std::string>{CAMPARAMD, "--home", home, "--data", data});
+
+    EXPECT_EQ(host->wait_for_end(), 1);
+    EXPECT_EQ(host->errors(),
+              "camparamd: UDP port 6800 is taken; does another host process run?\n");
+}
+
+TEST_F(HostLife, MakesTheDataFolderWithItsParents)
+{
+    data += "/some/where";
+    start_host();
+
+    EXPECT_EQ(end_host(SIGTERM), 0);
+
+    EXPECT_NE(read_data("af_cur.json"), std::nullopt);
+}
+
+TEST_F(HostLife, RefusesADataFolderThatCannotBe)
+{
+    write_data("file", "");
+    for (const char *below : {"/file", "/file/below"}) {
+        host = std::make_unique<process>(
+            std::vector<std::string>{CAMPARAMD, "--home", home, "--data", data + below});
+
+        EXPECT_EQ(host->wait_for_end(), 1);
+        EXPECT_EQ(host->errors(), "camparamd: cannot make the data folder \"" + data + below +
+                                      "\": Not a directory\n");
+    }
+}
+
+TEST_F(HostLife, StartsWithoutHomeFiles)
+{
+    home += "/nosuch";
+    start_host();
+
+    EXPECT_TRUE(host_has_logged("af init err")) << host->errors();
+    EXPECT_EQ(Client().ask("{'msg_type':'api_get','msg_name':'describe'}"),
+              "{'msg_name':'describe','modules':{'af':{'set':'lens','members':{}}}}");
+}
+
+TEST_F(HostLife, GoesOnWhenNobodyReadsItsMessages)
+{
+    const std::string id_file = data + "/id";
+    const process shell({"sh", "-c",
+                         "sh -c 'echo $$ >" + id_file + "; exec " CAMPARAMD " --home " + home +
+                             " --data " + data + " --trace 7' 2>&1 | head -n 1"});
+    ASSERT_TRUE(wait_until([&] { return set_zoom(1) == taken; }));
+
+    EXPECT_EQ(set_zoom(2), taken);
+    kill(std::stoi(*read_file(id_file)), SIGTERM);
+
+    EXPECT_TRUE(saves("af_cur.json", "{\n\t'focus_mode':\t1,\n\t'zoom_value':\t2\n}"));
+}
+
+} // namespace

@@ -1,0 +1,107 @@
+#include "host/host_process.h"
+
+namespace {
+
+class HostOptions : public HostProcess {
+protected:
+    // Runs camparamd to its end.
+    int run(const std::vector<std::string> &options)
+    {
+        std::vector<std::string> command = {CAMPARAMD};
+        command.insert(command.end(), options.begin(), options.end());
+        host = std::make_unique<process>(command);
+        return host->wait_for_end();
+    }
+};
+
+TEST_F(HostOptions, HelpNamesEachOptionAndTheDefaultFolders)
+{
+    EXPECT_EQ(run({"--help"}), 0);
+
+    for (const char *text : {"--home DIR=/home ", "--data DIR=/data ", "--trace LEVEL",
+                             "--www2json NAME", "--client", "--version"})
+        EXPECT_NE(host->output().find(text), std::string::npos) << text;
+}
+
+TEST_F(HostOptions, VersionIsPrinted)
+{
+    EXPECT_EQ(run({"--version"}), 0);
+    EXPECT_EQ(host->output(), "camparamd 1.0.0\n");
+}
+
+TEST_F(HostOptions, MistakesAreUsageErrors)
+{
+    for (const std::vector<std::string> &options :
+         std::vector<std::vector<std::string>>{{"--nosuch"},
+                                               {"--trace", "8"},
+                                               {"--trace", "-1"},
+                                               {"--trace", "loud"},
+                                               {"--home"},
+                                               {"word"}}) {
+        EXPECT_EQ(run(options), 2) << options.front();
+        EXPECT_FALSE(host->errors().empty());
+    }
+}
+
+TEST_F(HostOptions, TraceLevelDecidesWhatIsTraced)
+{
+    start_host({"--trace", "0"});
+    EXPECT_EQ(host->errors().find("[para "), std::string::npos) << host->errors();
+    end_host(SIGTERM);
+
+    start_host({"--trace", "6"});
+    EXPECT_TRUE(host_has_logged("AF PARAM")) << host->errors();
+    end_host(SIGTERM);
+}
+
+TEST_F(HostOptions, TraceLevelIsErrorsUnlessGiven)
+{
+    start_host();
+    Client client;
+    EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'nosuch'}"),
+              "{'err':'Invalid API command'}");
+
+    EXPECT_TRUE(wait_until([&] { return host_has_logged("not found api command: nosuch"); }));
+    EXPECT_FALSE(host_has_logged("AF PARAM")) << host->errors();
+}
+
+TEST_F(HostOptions, WebNameFileIsReadFromTheHomeFolder)
+{
+    write_home("names.json", "{'conf_pattern_list':['weather']}");
+    start_host({"--www2json", "names.json", "--trace", "6"});
+
+    EXPECT_TRUE(host_has_logged("add conf_pattern:weather")) << host->errors();
+    EXPECT_FALSE(host_has_logged("add conf_pattern:netport"));
+}
+
+TEST_F(HostOptions, WebNameFileHasADefaultName)
+{
+    write_home("www2json.json", "{'conf_pattern_list':['weather']}");
+    start_host({"--trace", "6"});
+
+    EXPECT_TRUE(host_has_logged("add conf_pattern:weather")) << host->errors();
+}
+
+TEST_F(HostOptions, ClientRoleServesAndSavesNothing)
+{
+    start_host({"--client"});
+
+    Client client;
+    client.send("{\"msg_type\":\"get\",\"msg_id\":1}");
+    EXPECT_EQ(client.receive(300), std::nullopt);
+    EXPECT_EQ(end_host(SIGTERM), 0);
+    EXPECT_EQ(read_data("af_cur.json"), std::nullopt);
+}
+
+TEST_F(HostOptions, ClientRoleRunsBesideAServer)
+{
+    start_host();
+    const std::unique_ptr<process> server = std::move(host);
+
+    start_host({"--client"});
+
+    EXPECT_FALSE(server->has_ended());
+    EXPECT_EQ(end_host(SIGINT), 0);
+}
+
+} // namespace
