@@ -45,9 +45,10 @@ static constexpr param_table table = {
     "af_page",
 };
 
-static int set_member(int slot, int value, int (*setter)(int))
+static int take(int slot, int value, int (*setter)(int))
 {
-    if (param_set(table, slot, value) && para_profile.af_set_notify_hook != nullptr)
+    param_change(table, slot, value);
+    if (para_profile.af_set_notify_hook != nullptr)
         para_profile.af_set_notify_hook(setter, value);
     return 0;
 }
@@ -75,7 +76,8 @@ static int set_member(int slot, int value, int (*setter)(int))
     }                                                                                              \
     int para_set_af_##name##_cur(int value)                                                        \
     {                                                                                              \
-        return set_member(slot, value, para_set_af_##name##_cur);                                  \
+        return param_accepts(table, slot, value) ? take(slot, value, para_set_af_##name##_cur)     \
+                                                 : 0;                                              \
     }
 #include "camparam/af_members.def"
 

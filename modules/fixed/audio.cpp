@@ -76,9 +76,10 @@ static constexpr param_table table = {
     "audio_page",
 };
 
-static int set_member(int slot, int value, int (*setter)(int))
+static int take(int slot, int value, int (*setter)(int))
 {
-    if (param_set(table, slot, value) && para_profile.audio_set_notify_hook != nullptr)
+    param_change(table, slot, value);
+    if (para_profile.audio_set_notify_hook != nullptr)
         para_profile.audio_set_notify_hook(setter, value);
     return 0;
 }
@@ -111,11 +112,12 @@ static int if_present(const int *values, int slot)
     }                                                                                              \
     int _para_set_audio_##name##_cur(int value)                                                    \
     {                                                                                              \
-        return param_set(table, slot, value) ? 1 : 0;                                              \
+        return param_accepts(table, slot, value) ? param_change(table, slot, value) : 0;           \
     }                                                                                              \
     int para_set_audio_##name##_cur(int value)                                                     \
     {                                                                                              \
-        return set_member(slot, value, para_set_audio_##name##_cur);                               \
+        return param_accepts(table, slot, value) ? take(slot, value, para_set_audio_##name##_cur)  \
+                                                 : 0;                                              \
     }                                                                                              \
     int para_get_audio_##name##_num(const char *text)                                              \
     {                                                                                              \

@@ -165,7 +165,7 @@ static constexpr param_rules rules = {
     false, false, false, true, true, false, true, PRESENT_AS_NUMBER,
 };
 
-static const param_table table = {
+static constexpr param_table table = {
     "isp",
     rules,
     &para_isp_def[0].size,
@@ -204,14 +204,15 @@ static int read_word(const isp_record *records, int instance, int isp_record::*m
     return is_isp_instance(instance) ? load_word(records[instance].*member) : 0;
 }
 
-static bool set_word(int instance, int word, int value)
+[[gnu::always_inline]] static inline bool accepts(int instance, int word, int value)
 {
-    return is_isp_instance(instance) && param_set(table, instance * record_words + word, value);
+    return is_isp_instance(instance) && param_accepts(table, instance * record_words + word, value);
 }
 
-static int set_member(int instance, int word, int value, int (*setter)(int, int))
+static int take(int instance, int word, int value, int (*setter)(int, int))
 {
-    if (set_word(instance, word, value) && para_profile.isp_set_notify_hook != nullptr)
+    param_change(table, instance * record_words + word, value);
+    if (para_profile.isp_set_notify_hook != nullptr)
         para_profile.isp_set_notify_hook(setter, instance, value);
     return 0;
 }
@@ -229,11 +230,15 @@ static int set_member(int instance, int word, int value, int (*setter)(int, int)
     ISP_GETTER(name, cur)                                                                          \
     int _para_set_isp_##name##_cur(int instance, int value)                                        \
     {                                                                                              \
-        return set_word(instance, word_##name, value) ? 1 : 0;                                     \
+        if (!accepts(instance, word_##name, value))                                                \
+            return 0;                                                                              \
+        return param_change(table, instance * record_words + word_##name, value);                  \
     }                                                                                              \
     int para_set_isp_##name##_cur(int instance, int value)                                         \
     {                                                                                              \
-        return set_member(instance, word_##name, value, para_set_isp_##name##_cur);                \
+        if (!accepts(instance, word_##name, value))                                                \
+            return 0;                                                                              \
+        return take(instance, word_##name, value, para_set_isp_##name##_cur);                      \
     }
 #define ISP_ACCESSORS_no(name)
 #define ISP_MEMBER(word, name, loaded, accessor, by_name, written) ISP_ACCESSORS_##accessor(name)

@@ -198,10 +198,11 @@ int param_start(const param_table &table)
 
 // --- Changes ---
 
-void param_change(const param_table &table, int slot, int value)
+int param_change(const param_table &table, int slot, int value)
 {
     stamp_change(table.stamp);
     store_word(table.cur[slot], value);
+    return 1;
 }
 
 bool param_set_as_requested(const param_table &table, int instance, const param_member &member,
@@ -211,7 +212,8 @@ bool param_set_as_requested(const param_table &table, int instance, const param_
     const int needed = is_named(member) ? PRESENT_AS_NAME : PRESENT_AS_NUMBER;
     if ((load_word(table.exist[slot]) & needed) == 0)
         return false;
-    return param_set(table, slot, is_named(member) ? number_of_text(*member.names, text) : number);
+    const int value = is_named(member) ? number_of_text(*member.names, text) : number;
+    return param_accepts(table, slot, value) && param_change(table, slot, value) == 1;
 }
 
 // --- Queries ---

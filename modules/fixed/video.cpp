@@ -70,7 +70,7 @@ static constexpr param_table table = {
 // beyond the table.
 static bool can_be_read(int stream)
 {
-    return stream >= 0 && stream <= g_num_stream && stream < streams;
+    return static_cast<unsigned>(stream) < streams && stream <= g_num_stream;
 }
 
 static int read_slot(const int *values, int stream, int slot)
@@ -85,17 +85,18 @@ static int read_if_present(const int *values, int stream, int slot)
     return value_if_present(values, para_video_exist, stream * stream_slots + slot);
 }
 
-static bool set_slot(int stream, int slot, int value)
+[[gnu::always_inline]] static inline bool accepts(int stream, int slot, int value)
 {
     return stream >= 0 && stream < g_num_stream &&
-           param_set(table, stream * stream_slots + slot, value);
+           param_accepts(table, stream * stream_slots + slot, value);
 }
 
 using stream_setter = int (*)(int, int);
 
-static int set_member(int stream, int slot, int value, stream_setter setter)
+static int take(int stream, int slot, int value, stream_setter setter)
 {
-    if (set_slot(stream, slot, value) && para_profile.video_set_notify_hook != nullptr)
+    param_change(table, stream * stream_slots + slot, value);
+    if (para_profile.video_set_notify_hook != nullptr)
         para_profile.video_set_notify_hook(setter, stream, value);
     return 0;
 }
@@ -132,11 +133,15 @@ static int set_by_name(int stream, const param_names &names, const char *text, s
     }                                                                                              \
     int _para_set_video_##name##_cur(int stream, int value)                                        \
     {                                                                                              \
-        return set_slot(stream, slot, value) ? 1 : 0;                                              \
+        if (!accepts(stream, slot, value))                                                         \
+            return 0;                                                                              \
+        return param_change(table, stream * stream_slots + slot, value);                           \
     }                                                                                              \
     int para_set_video_##name##_cur(int stream, int value)                                         \
     {                                                                                              \
-        return set_member(stream, slot, value, para_set_video_##name##_cur);                       \
+        if (!accepts(stream, slot, value))                                                         \
+            return 0;                                                                              \
+        return take(stream, slot, value, para_set_video_##name##_cur);                             \
     }                                                                                              \
     int para_get_video_##name##_num(const char *text)                                              \
     {                                                                                              \

@@ -1,0 +1,149 @@
+// What reading a setting through its exported getter costs, and a set that changes nothing, next to
+// a plain read of a global array's slot by a function that is not inlined, exported by a shared
+// library too. Batches of each are run by turns, so that whatever slows the machine down slows all
+// of them.
+//
+// usage: accessors
+// Exits with 1 when a getter takes more than 1.5 times as long, or a set more than 2 times, and
+// with 2 when nothing could be measured.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "camparam/camparam.h"
+#include "plain_read.h"
+
+namespace {
+
+constexpr int batches = 401;
+constexpr int calls_in_batch = 100000;
+constexpr double highest_get_ratio = 1.5;
+constexpr double highest_set_ratio = 2.0;
+
+// The same read within this program, which is spared what crossing into a library costs: for the
+// record, not the measure.
+int own_values[66];
+__attribute__((noinline)) int own_read(int slot)
+{
+    // Volatile, so that every call reads the slot, as every call of a getter does.
+    return *static_cast<volatile int *>(&own_values[slot]);
+}
+
+volatile int sink;
+
+// Nanoseconds for one call of the body, over a batch.
+template <typename body> double batch(body call)
+{
+    using clock = std::chrono::steady_clock;
+    const clock::time_point start = clock::now();
+    int sum = 0;
+    for (int i = 0; i < calls_in_batch; i++)
+        sum += call(i);
+    sink = sum;
+    const std::chrono::duration<double, std::nano> spent = clock::now() - start;
+    return spent.count() / calls_in_batch;
+}
+
+double median(std::vector<double> samples)
+{
+    std::sort(samples.begin(), samples.end());
+    return samples[samples.size() / 2];
+}
+
+void write_file(const std::string &path, const char *text)
+{
+    std::ofstream(path) << text;
+}
+
+// A folder with a small device in it.
+std::string make_device()
+{
+    char name[] = "/tmp/camparam-bench-XXXXXX";
+    if (mkdtemp(name) == nullptr)
+        exit(2);
+    const std::string home = name;
+    write_file(home + "/af_range.json", R"({"zoom_value":[0,16384]})");
+    write_file(home + "/af_def.json", R"({"zoom_value":100})");
+    write_file(home + "/audio_range.json", R"({"volLeftIn":[0,100]})");
+    write_file(home + "/audio_def.json", R"({"volLeftIn":50})");
+    write_file(home + "/video_range.json", R"({"video0":{"bitRate":[32,65536]}})");
+    write_file(home + "/video_def.json", R"({"video0":{"bitRate":4096}})");
+    return home;
+}
+
+struct subject {
+    const char *name;
+    double (*run)();
+    double highest_ratio; // 0: the measure of the others
+    std::vector<double> samples;
+};
+
+} // namespace
+
+int main()
+{
+    const std::string home = make_device();
+    para_profile.home_dir = para_profile.data_dir = home.c_str();
+    dbgout_profile[1] = 0;
+    const bool started =
+        para_init_af("af") == 0 && para_init_audio("audio") == 0 && para_init_video("video0") == 0;
+    std::filesystem::remove_all(home);
+    if (!started || para_get_af_zoom_value_cur() != 100 || para_get_video_bitRate_cur(0) != 4096) {
+        fprintf(stderr, "accessors: the store did not load its files\n");
+        return 2;
+    }
+
+    subject subjects[] = {
+        {"plain read", [] { return batch([](int) { return plain_read(6); }); }, 0, {}},
+        {"plain read, no library", [] { return batch([](int) { return own_read(6); }); }, 0, {}},
+        {"af get",
+         [] { return batch([](int) { return para_get_af_zoom_value_cur(); }); },
+         highest_get_ratio,
+         {}},
+        {"audio get",
+         [] { return batch([](int) { return para_get_audio_volLeftIn_cur(); }); },
+         highest_get_ratio,
+         {}},
+        {"video get",
+         [] { return batch([](int) { return para_get_video_bitRate_cur(0); }); },
+         highest_get_ratio,
+         {}},
+        {"af set, unchanged",
+         [] { return batch([](int) { return para_set_af_zoom_value_cur(100); }); },
+         highest_set_ratio,
+         {}},
+        {"af set, refused",
+         [] { return batch([](int) { return para_set_af_zoom_value_cur(-1); }); },
+         highest_set_ratio,
+         {}},
+        {"audio set, unchanged",
+         [] { return batch([](int) { return para_set_audio_volLeftIn_cur(50); }); },
+         highest_set_ratio,
+         {}},
+        {"video set, refused",
+         [] { return batch([](int) { return para_set_video_bitRate_cur(0, -1); }); },
+         highest_set_ratio,
+         {}},
+    };
+    for (int i = 0; i < batches; i++) {
+        for (subject &each : subjects)
+            each.samples.push_back(each.run());
+    }
+
+    const double plain = median(subjects[0].samples);
+    bool within = true;
+    for (const subject &each : subjects) {
+        const double ratio = median(each.samples) / plain;
+        printf("%-23s %6.2f ns  ratio %.2f", each.name, median(each.samples), ratio);
+        if (each.highest_ratio > 0)
+            printf("  at most %.1f", each.highest_ratio);
+        printf("\n");
+        within = within && (each.highest_ratio == 0 || ratio <= each.highest_ratio);
+    }
+    return within ? 0 : 1;
+}
