@@ -1,13 +1,12 @@
 // The rows "msg_name" and "msg_id": a request's identifiers come back as if modules answered them.
-#include <cstring>
-
 #include "camparam/module.h"
+#include "core/text.h"
 #include "core/trace.h"
 
 // Whether the row name and the member's key agree over the length of the key.
 static bool is_asked_for(const cJSON *item, const char *name)
 {
-    return item->string != nullptr && strncmp(name, item->string, strlen(item->string)) == 0;
+    return item->string != nullptr && begins_with(name, item->string);
 }
 
 int para_get_msg_name_opt(const char *, const cJSON *item, cJSON **answer, const char *name)

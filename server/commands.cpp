@@ -7,6 +7,7 @@
 
 #include "camparam/command.h"
 #include "camparam/json_util.h"
+#include "core/text.h"
 #include "core/trace.h"
 
 struct registration {
@@ -78,7 +79,7 @@ static const param_command *find_command(const char *text)
     for (; record != nullptr && record != &head; record = record->next) {
         for (int i = record->count - 1; i >= 0; i--) {
             const param_command &command = record->table[i];
-            if (is_callable(command) && strncmp(command.name, text, strlen(text)) == 0)
+            if (is_callable(command) && begins_with(command.name, text))
                 return &command;
         }
     }

@@ -6,6 +6,7 @@
 #include "camparam/module.h"
 #include "core/json_file.h"
 #include "core/module_table.h"
+#include "core/text.h"
 #include "core/trace.h"
 
 static void reply_text(const para_message *message, const char *text)
@@ -31,7 +32,7 @@ static const para_module *find_module(const char *key)
 {
     for (int i = 0; key != nullptr && i < module_para_handle_num; i++) {
         const char *const name = module_para_handle[i].name;
-        if (strncmp(key, name, strlen(name)) == 0)
+        if (begins_with(key, name))
             return &module_para_handle[i];
     }
     return nullptr;

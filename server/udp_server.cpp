@@ -8,9 +8,9 @@
 #include "camparam/command.h"
 #include "camparam/json_util.h"
 #include "core/json_file.h"
+#include "core/server_port.h"
+#include "core/text.h"
 #include "core/trace.h"
-
-constexpr unsigned short server_port = 6800;
 
 int para_server_init()
 {
@@ -50,11 +50,6 @@ int SendBuf2Client(int socket, struct sockaddr_in client, const char *text, int 
 }
 
 enum { GET = 0, SET = 1 };
-
-static bool begins_with(const char *text, const char *start)
-{
-    return strncmp(text, start, strlen(start)) == 0;
-}
 
 int para_server_message_Process(para_message *message)
 {

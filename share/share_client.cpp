@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "camparam/share.h"
+#include "core/server_port.h"
 #include "core/trace.h"
 #include "core/word.h"
 #include "share/share_map.h"
@@ -29,8 +30,6 @@ static attached_map maps[share_modules];
 static int share_socket;
 static sockaddr_in destination;
 static int share_socket_opened;
-
-constexpr unsigned short server_port = 6800;
 
 static bool holds_its_entries(const share_map &map, off_t size)
 {

@@ -1,10 +1,9 @@
 // Focus and zoom. Changed by the direct setters alone: its row has no set_opt.
 #include "camparam/af.h"
 
-#include <cstring>
-
 #include "camparam/control.h"
 #include "core/request_item.h"
+#include "core/text.h"
 #include "core/trace.h"
 #include "core/word.h"
 #include "modules/fixed/param_table.h"
@@ -94,7 +93,7 @@ int para_get_af_member_json(const char *name, int *value, const char **)
 // Over the length of the key, so any prefix of "af" is answered (AfQuery.KeyMayBeCutShort).
 static bool is_addressed(const cJSON *item)
 {
-    return item->string == nullptr || strncmp(item->string, "af", strlen(item->string)) == 0;
+    return item->string == nullptr || begins_with("af", item->string);
 }
 
 int para_get_af_opt(const char *, const cJSON *item, cJSON **answer, const char *)

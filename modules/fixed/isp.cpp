@@ -7,6 +7,7 @@
 #include "camparam/control.h"
 #include "camparam/odm.h"
 #include "core/request_item.h"
+#include "core/text.h"
 #include "core/trace.h"
 #include "core/word.h"
 #include "modules/fixed/param_table.h"
@@ -388,7 +389,7 @@ int isp_set_member_by_name(const char *key, int instance, int number, const char
         return 0;
     for (const int word : by_name_order) {
         const param_member &member = members[word - 1];
-        if (strncmp(key, member.key, strlen(member.key)) == 0)
+        if (begins_with(key, member.key))
             return param_set_as_requested(table, instance, member, number, nullptr) ? 1 : 0;
     }
     return 0;

@@ -3,14 +3,10 @@
 #include <cstring>
 
 #include "core/number.h"
+#include "core/text.h"
 
 static const char *const null_name[] = {"null"};
 const param_names null_names = names_of(null_name);
-
-static bool begins_with(const char *name, const char *text)
-{
-    return strncmp(name, text, strlen(text)) == 0;
-}
 
 int name_in_file(const param_names &names, const char *text)
 {

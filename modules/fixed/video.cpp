@@ -6,6 +6,7 @@
 #include "camparam/control.h"
 #include "camparam/platform.h"
 #include "core/request_item.h"
+#include "core/text.h"
 #include "core/trace.h"
 #include "modules/fixed/param_table.h"
 #include "modules/fixed/video_size.h"
@@ -230,7 +231,7 @@ int para_get_video_member(const char *name, int stream, int *value, const char *
 static const param_member *find_by_prefix(const char *name)
 {
     for (const param_member &member : members) {
-        if (strncmp(name, member.key, strlen(member.key)) == 0)
+        if (begins_with(name, member.key))
             return &member;
     }
     return nullptr;
@@ -248,7 +249,7 @@ int para_set_video_member(const char *name, int stream, int value, const char *t
 static int stream_of_key(const cJSON *item, int limit)
 {
     for (int stream = 0; item->string != nullptr && stream < limit; stream++) {
-        if (strncmp(item->string, instance_key(instances, stream).text, strlen(item->string)) == 0)
+        if (begins_with(instance_key(instances, stream).text, item->string))
             return stream;
     }
     return -1;

@@ -7,6 +7,7 @@
 #include "camparam/control.h"
 #include "camparam/json_util.h"
 #include "core/json_file.h"
+#include "core/text.h"
 #include "core/trace.h"
 
 const char *const hdmivideoformat[23] = {
@@ -94,11 +95,6 @@ static const name_table *table_of(const char *member)
             return &table;
     }
     return nullptr;
-}
-
-static bool begins_with(const char *text, const char *start)
-{
-    return strncmp(text, start, strlen(start)) == 0;
 }
 
 // The stretch from the first table text that begins with the one name to the one that begins with
