@@ -5,8 +5,12 @@
  * Limits and defaults come from "audio_range.json" and "audio_def.json" in the home directory. Any
  * thread, once the store has started; there are no locks, each value is one 32-bit word.
  *
- * A member is exchanged in requests in the form that its default had: as a number, or, for the
- * named members aeFormat, audioInput and audioOut, as a name.
+ * A member is reported to clients in the form that its default had: as a number, or, for the named
+ * members aeFormat, audioInput and audioOut, as a name. Requests set it in that form too; a named
+ * member whose default was a number cannot be set by a request.
+ *
+ * The current file holds named members as names, a value without a name as a number, and audioOut
+ * exactly when audioInput is present.
  */
 #ifndef CAMPARAM_AUDIO_H
 #define CAMPARAM_AUDIO_H
@@ -31,6 +35,8 @@ PARA_API extern int para_audio_exist[15];
 
 /** Time (CLOCK_MONOTONIC) of the last accepted change. */
 PARA_API extern struct timespec audio_item_start_time;
+/** 1: a change is accepted and not yet saved. The store's own; hosts only read it. */
+PARA_API extern int audio_item_changed;
 /** Save delay in milliseconds, 2000 until set with para_set_audio_save_param_time(). */
 PARA_API extern int audio_save_param_time;
 
@@ -85,8 +91,9 @@ PARA_API int para_get_audio_member_json(const char *name, int *value, const char
 PARA_API int para_set_audio_member_json(const char *name, int value, const char *text);
 
 /**
- * For hosts that drive saving themselves: save now if the last change is unsaved and older than
- * the module's own delay.
+ * For hosts that drive saving themselves: save now if the last change is unsaved and at least as
+ * old as the module's own delay. It does not wait for a save that is under way on another thread:
+ * not while "Para_Process" runs.
  * @param delay_ms  Plays no part.
  * @return 0
  */
@@ -102,7 +109,8 @@ PARA_API void audio_page(void);
  * The module's row functions, see module.h. The store calls them; a host saves with
  * platformparam_save(). Saving clears the mark of change whether or not the file opened.
  *
- * para_init_audio: 0, or -1 when the range or the defaults file is missing or not JSON (traced).
+ * para_init_audio: 0, or -1 when the range or the defaults file is missing or not JSON (traced). A
+ * second call keeps the presence of members that the defaults file no longer names.
  * para_set_audio_opt: the item is an object of members; audio_set_request_hook is told once when
  * any changed.
  * para_get_audio_opt: the item is an array of member names, or of one name that begins with "all".

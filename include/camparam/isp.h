@@ -41,6 +41,8 @@ PARA_API extern int isp_num;
 PARA_API extern int isp_inited;
 /** Time (CLOCK_MONOTONIC) of the last accepted change. */
 PARA_API extern struct timespec isp_item_start_time;
+/** 1: a change is accepted and not yet saved. The store's own; hosts only read it. */
+PARA_API extern int isp_item_changed;
 
 /**
  * For each member <m> with accessors:

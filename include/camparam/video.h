@@ -8,8 +8,11 @@
  * is one 32-bit word.
  *
  * Streams are numbered from 0; those in use are 0 to para_get_video_streamNum() - 1, at most six.
- * A member is exchanged in requests in the form that its default had: as a number, or, for the
- * named members protocol, size, rcMode and profile, as a name.
+ * A member is reported to clients in the form that its default had: as a number, or, for the named
+ * members protocol, size, rcMode and profile, as a name. Requests set it in that form too; a named
+ * member whose default was a number cannot be set by a request.
+ *
+ * The current file holds named members as names, and a value without a name as a number.
  */
 #ifndef CAMPARAM_VIDEO_H
 #define CAMPARAM_VIDEO_H
@@ -38,6 +41,8 @@ PARA_API extern int g_num_stream;
 PARA_API extern int video_init_done;
 /** Time (CLOCK_MONOTONIC) of the last accepted change to any stream. */
 PARA_API extern struct timespec video_item_start_time;
+/** 1: a change is accepted and not yet saved. The store's own; hosts only read it. */
+PARA_API extern int video_item_changed;
 /** Save delay in milliseconds, 2000 until set with para_set_video_save_param_time(). */
 PARA_API extern int video_save_param_time;
 
@@ -100,7 +105,8 @@ PARA_API cJSON *Create_Json_Video_Object(int stream);
 
 /**
  * Look a member of a stream up by its exact name.
- * @param[out] value  Its current value, -1 when it is absent; untouched for an unknown name.
+ * @param[out] value  Its current value, -1 when it is absent or the stream is not in use; untouched
+ *                    for an unknown name.
  * @param[out] text   May be NULL. For a named member the name of the value when it is exchanged as
  *                    a name, else NULL; untouched for the other members.
  * @return Its presence as in para_video_exist; 0 when it is absent or unknown, or the stream is
@@ -110,7 +116,7 @@ PARA_API int para_get_video_member(const char *name, int stream, int *value, con
 
 /**
  * Set a member of a stream as a request does, without the notify hook: from @p value when it is
- * exchanged as a number, from @p text (may be NULL) when as a name.
+ * exchanged as a number, from @p text when as a name; NULL counts as the value -1000.
  * @param name  Chooses the first member whose key it begins with: "gopX" is "gop".
  * @return 1 when the value changed, else 0.
  */
@@ -118,7 +124,8 @@ PARA_API int para_set_video_member(const char *name, int stream, int value, cons
 
 /**
  * For hosts that drive saving themselves: save now if the last change is unsaved and at least this
- * old.
+ * old. It does not wait for a save that is under way on another thread: not while "Para_Process"
+ * runs.
  * @param delay_ms  Milliseconds; negative: the module's own delay.
  * @return 0
  */
@@ -134,7 +141,8 @@ PARA_API void video_page(void);
  * Look up the picture dimensions of a size name. Reads constant tables only.
  *
  * @param name         Such as "PIC_HD1080"; exact match. Borrowed for the call.
- * @param mains        1 for 50 Hz mains, 0 for 60 Hz. Only "PIC_D1" depends on it.
+ * @param mains        1 for 50 Hz mains, 0 for 60 Hz. Only "PIC_D1" depends on it, and fails with
+ *                     any other.
  * @param[out] width   Pixels. Untouched on failure.
  * @param[out] height  Pixels. Untouched on failure.
  * @return 0, or -1 (traced) when @p name is NULL, unknown or has no fixed dimensions.
@@ -157,8 +165,9 @@ PARA_API int para_video_size_enum(void *unused1, void *unused2);
  * is missing or not JSON (traced). Later calls return 0 at once.
  * para_set_video_opt: the item's own key names the stream, its value is an object of members. No
  * hook is told of the change.
- * para_get_video_opt: the item's own key names the stream, its value is an array of member names,
- * or of one name that begins with "all".
+ * para_get_video_opt: the item's own key names a stream in use, its value is an array of member
+ * names, or of one name that begins with "all". Another key leaves the answer NULL.
+ * Both take a key that is cut short: "video" is stream 0.
  * para_need_save_video: 1 when the last change is unsaved and as old as the save delay, else 0.
  * para_save_video: writes "video_cur.json" with all streams; what fflush() returned, 0 when the
  * file did not open.

@@ -23,34 +23,14 @@ constexpr int slots = sizeof para_af_cur / sizeof para_af_cur[0];
 static_assert(member_count == slots - 1, "slot 0 is reserved");
 
 static constexpr param_table table = {
-    "af",
-    first_form,
-    para_af_def,
-    para_af_min,
-    para_af_max,
-    para_af_init,
-    para_af_cur,
-    para_af_exist,
-    slots,
-    members,
-    member_count,
-    nullptr,
-    0,
-    nullptr,
-    {&af_item_start_time, &af_item_changed},
-    &save_delay_ms,
-    "AF",
-    "para_init_af",
-    "af_page",
+    PARAM_ARRAYS(af), "af",
+    first_form,       slots,
+    members,          member_count,
+    nullptr,          0,
+    nullptr,          {&af_item_start_time, &af_item_changed},
+    &save_delay_ms,   "AF",
+    "para_init_af",   "af_page",
 };
-
-static int take(int slot, int value, int (*setter)(int))
-{
-    param_change(table, slot, value);
-    if (para_profile.af_set_notify_hook != nullptr)
-        para_profile.af_set_notify_hook(setter, value);
-    return 0;
-}
 
 #define AF_MEMBER(slot, name)                                                                      \
     int para_get_af_##name##_def()                                                                 \
@@ -75,8 +55,10 @@ static int take(int slot, int value, int (*setter)(int))
     }                                                                                              \
     int para_set_af_##name##_cur(int value)                                                        \
     {                                                                                              \
-        return param_accepts(table, slot, value) ? take(slot, value, para_set_af_##name##_cur)     \
-                                                 : 0;                                              \
+        if (!param_accepts(table, slot, value))                                                    \
+            return 0;                                                                              \
+        return param_take(table, slot, value, para_profile.af_set_notify_hook,                     \
+                          para_set_af_##name##_cur);                                               \
     }
 #include "camparam/af_members.def"
 

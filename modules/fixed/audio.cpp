@@ -10,7 +10,7 @@ int para_audio_def[15], para_audio_min[15], para_audio_max[15];
 int para_audio_init[15], para_audio_cur[15], para_audio_exist[15];
 timespec audio_item_start_time;
 int audio_save_param_time = save_delay_ms;
-static int audio_item_changed;
+int audio_item_changed;
 
 static const char *const aeFormat[] = {"AAC", "G711A"};
 static const char *const audioInput[] = {"linein", "micin"};
@@ -54,15 +54,12 @@ static constexpr param_written written[] = {
     {slot_audioOutMute, slot_audioOutMute},
 };
 
+static_assert(sizeof written / sizeof written[0] == slots, "every member is saved");
+
 static constexpr param_table table = {
+    PARAM_ARRAYS(audio),
     "audio",
     second_form,
-    para_audio_def,
-    para_audio_min,
-    para_audio_max,
-    para_audio_init,
-    para_audio_cur,
-    para_audio_exist,
     slots,
     members,
     slots,
@@ -75,14 +72,6 @@ static constexpr param_table table = {
     "para_init_audio",
     "audio_page",
 };
-
-static int take(int slot, int value, int (*setter)(int))
-{
-    param_change(table, slot, value);
-    if (para_profile.audio_set_notify_hook != nullptr)
-        para_profile.audio_set_notify_hook(setter, value);
-    return 0;
-}
 
 static int if_present(const int *values, int slot)
 {
@@ -116,8 +105,10 @@ static int if_present(const int *values, int slot)
     }                                                                                              \
     int para_set_audio_##name##_cur(int value)                                                     \
     {                                                                                              \
-        return param_accepts(table, slot, value) ? take(slot, value, para_set_audio_##name##_cur)  \
-                                                 : 0;                                              \
+        if (!param_accepts(table, slot, value))                                                    \
+            return 0;                                                                              \
+        return param_take(table, slot, value, para_profile.audio_set_notify_hook,                  \
+                          para_set_audio_##name##_cur);                                            \
     }                                                                                              \
     int para_get_audio_##name##_num(const char *text)                                              \
     {                                                                                              \

@@ -17,7 +17,7 @@ isp_record para_isp_init[2], para_isp_cur[2], para_isp_exist[2];
 int isp_num;
 int isp_inited;
 timespec isp_item_start_time;
-static int isp_item_changed;
+int isp_item_changed;
 
 enum {
 #define ISP_MEMBER(word, name, loaded, accessor, by_name, written) word_##name = word,
@@ -167,14 +167,10 @@ static constexpr param_rules rules = {
 };
 
 static constexpr param_table table = {
+    {&para_isp_def[0].size, &para_isp_min[0].size, &para_isp_max[0].size, &para_isp_init[0].size,
+     &para_isp_cur[0].size, &para_isp_exist[0].size},
     "isp",
     rules,
-    &para_isp_def[0].size,
-    &para_isp_min[0].size,
-    &para_isp_max[0].size,
-    &para_isp_init[0].size,
-    &para_isp_cur[0].size,
-    &para_isp_exist[0].size,
     isp_instances *record_words,
     members,
     member_count,
@@ -210,14 +206,6 @@ static int read_word(const isp_record *records, int instance, int isp_record::*m
     return is_isp_instance(instance) && param_accepts(table, instance * record_words + word, value);
 }
 
-static int take(int instance, int word, int value, int (*setter)(int, int))
-{
-    param_change(table, instance * record_words + word, value);
-    if (para_profile.isp_set_notify_hook != nullptr)
-        para_profile.isp_set_notify_hook(setter, instance, value);
-    return 0;
-}
-
 #define ISP_GETTER(name, field)                                                                    \
     int para_get_isp_##name##_##field(int instance)                                                \
     {                                                                                              \
@@ -239,7 +227,8 @@ static int take(int instance, int word, int value, int (*setter)(int, int))
     {                                                                                              \
         if (!accepts(instance, word_##name, value))                                                \
             return 0;                                                                              \
-        return take(instance, word_##name, value, para_set_isp_##name##_cur);                      \
+        return param_take(table, instance * record_words + word_##name, value,                     \
+                          para_profile.isp_set_notify_hook, para_set_isp_##name##_cur, instance);  \
     }
 #define ISP_ACCESSORS_no(name)
 #define ISP_MEMBER(word, name, loaded, accessor, by_name, written) ISP_ACCESSORS_##accessor(name)

@@ -88,8 +88,10 @@ void param_read_values(const param_table &table, int *values, const cJSON *objec
 {
     for (int i = 0; i < table.member_count; i++) {
         const param_member &member = table.members[i];
+        if (!member.loaded)
+            continue;
         const cJSON *const item = cJSON_GetObjectItem(object, member.key);
-        if (member.loaded && item != nullptr)
+        if (item != nullptr)
             read_value(table, member, item, values[member.slot]);
     }
 }
@@ -200,8 +202,10 @@ int param_start(const param_table &table)
 
 int param_change(const param_table &table, int slot, int value)
 {
-    stamp_change(table.stamp);
+    // The value first: a save that sees the mark must see the value too, or it would clear the mark
+    // of a value that it has not written.
     store_word(table.cur[slot], value);
+    stamp_change(table.stamp);
     return 1;
 }
 

@@ -66,11 +66,20 @@ struct instance_key {
     char text[32];
 };
 
-struct param_table {
+// Each value of every slot.
+struct param_arrays {
+    int *def, *min, *max, *init, *cur, *exist;
+};
+#define PARAM_ARRAYS(module)                                                                       \
+    {                                                                                              \
+        para_##module##_def, para_##module##_min, para_##module##_max, para_##module##_init,       \
+            para_##module##_cur, para_##module##_exist                                             \
+    }
+
+struct param_table : param_arrays {
     const char *module; // as in its file names, "af" for "af_range.json"
     param_rules rules;
 
-    int *def, *min, *max, *init, *cur, *exist;
     int slots; // of each array
 
     const param_member *members; // in slot order
@@ -107,6 +116,18 @@ int param_count_instances(const param_instances &instances, const cJSON *range_r
 
 // Stores an accepted value and stamps the change. Returns 1, as setters do that tell of a change.
 int param_change(const param_table &table, int slot, int value);
+
+// The same, and tells the host: the hook gets the public setter that took the value, and its
+// arguments. Returns 0.
+template <typename hook, typename... setter_and_instance>
+[[gnu::noinline]] int param_take(const param_table &table, int slot, int value, hook notify,
+                                 setter_and_instance... setter)
+{
+    param_change(table, slot, value);
+    if (notify != nullptr)
+        notify(setter..., value);
+    return 0;
+}
 
 // Sets a member as a request does: from the number or from the text, whichever form its default
 // had. Returns whether the value changed.

@@ -19,7 +19,7 @@ int g_num_stream;
 int video_init_done;
 timespec video_item_start_time;
 int video_save_param_time = save_delay_ms;
-static int video_item_changed;
+int video_item_changed;
 
 static const char *const protocol[] = {"H264", "H265", "MJPEG"};
 static const char *const rcMode[] = {"CBR", "VBR", "ABR", "FIXQP", "AVBR"};
@@ -46,14 +46,9 @@ static constexpr param_instances instances = {
 };
 
 static constexpr param_table table = {
+    PARAM_ARRAYS(video),
     "video",
     second_form,
-    para_video_def,
-    para_video_min,
-    para_video_max,
-    para_video_init,
-    para_video_cur,
-    para_video_exist,
     slots,
     members,
     stream_slots,
@@ -93,14 +88,6 @@ static int read_if_present(const int *values, int stream, int slot)
 }
 
 using stream_setter = int (*)(int, int);
-
-static int take(int stream, int slot, int value, stream_setter setter)
-{
-    param_change(table, stream * stream_slots + slot, value);
-    if (para_profile.video_set_notify_hook != nullptr)
-        para_profile.video_set_notify_hook(setter, stream, value);
-    return 0;
-}
 
 static int set_by_name(int stream, const param_names &names, const char *text, stream_setter setter)
 {
@@ -142,7 +129,9 @@ static int set_by_name(int stream, const param_names &names, const char *text, s
     {                                                                                              \
         if (!accepts(stream, slot, value))                                                         \
             return 0;                                                                              \
-        return take(stream, slot, value, para_set_video_##name##_cur);                             \
+        return param_take(table, stream * stream_slots + slot, value,                              \
+                          para_profile.video_set_notify_hook, para_set_video_##name##_cur,         \
+                          stream);                                                                 \
     }                                                                                              \
     int para_get_video_##name##_num(const char *text)                                              \
     {                                                                                              \
@@ -222,9 +211,15 @@ cJSON *Create_Json_Video_Object(int stream)
 
 int para_get_video_member(const char *name, int stream, int *value, const char **text)
 {
-    if (stream < 0 || stream >= streams)
-        return 0;
-    return param_get_member(table, table.cur, stream, name, value, text);
+    if (can_be_read(stream))
+        return param_get_member(table, table.cur, stream, name, value, text);
+
+    const param_member *const member = param_find(table, name);
+    if (member != nullptr)
+        *value = -1;
+    if (member != nullptr && text != nullptr && is_named(*member))
+        *text = nullptr;
+    return 0;
 }
 
 // The first member whose key the name begins with, or null.

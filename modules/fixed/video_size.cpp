@@ -20,7 +20,7 @@ static_assert(sizeof size / sizeof size[0] == 47, "saved files and hosts hold th
 
 const param_names size_names = names_of(size);
 
-enum mains { HZ_60 = 0, HZ_50 = 1, ANY_MAINS = -1 };
+enum { HZ_60 = 0, HZ_50 = 1, ANY_MAINS = -1 };
 
 struct picture_size {
     const char *name;

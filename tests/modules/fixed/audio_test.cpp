@@ -739,6 +739,107 @@ TEST_F(AudioSave, TheThreadSavesARequestedChange)
     EXPECT_THAT(read_data("audio_cur.json").value_or(""), HasSubstr("\"aeFormat\":\t\"G711A\""));
 }
 
+TEST_F(AudioSetRequest, EveryNamedMemberCanBeSetByItsNames)
+{
+    init("{'aeFormat':'AAC','audioInput':'linein','audioOut':'lineout'}");
+    for (const auto &[key, texts] : names) {
+        for (const char *text : {texts[1].c_str(), texts[0].c_str()}) {
+            EXPECT_EQ(para_set_audio_member_json(key.c_str(), 77, text), 1) << key << " " << text;
+            EXPECT_EQ(query("['" + key + "']"), "{'" + key + "':'" + text + "'}");
+        }
+    }
+}
+
+TEST_F(AudioSetRequest, AMissingTextIsRefusedEvenIfTheRangeHoldsItsNumber)
+{
+    write_home("audio_range.json", "{'aeFormat':[-1000,1]}");
+    init("{'aeFormat':'AAC'}");
+    EXPECT_EQ(para_set_audio_member_json("aeFormat", 1, nullptr), 0);
+    EXPECT_EQ(para_get_audio_aeFormat_cur(), 0);
+    change("{'aeFormat':'MP3'}");
+    EXPECT_EQ(para_get_audio_aeFormat_cur(), -1000) << "an unknown name is a number of its own";
+}
+
+TEST_F(AudioSetRequest, ANumericMemberGivenAsNullIsExchangedInNoForm)
+{
+    init("{'mute':'null'}");
+    EXPECT_EQ(query("['mute']"), "{}");
+    change("{'mute':1}");
+    EXPECT_EQ(para_get_audio_mute_cur(), 0);
+}
+
+TEST_F(AudioSave, OutputIsWrittenWithWhateverItsSlotHolds)
+{
+    write_data("audio_cur.json", "{'audioOut':'hdmi'}");
+    init("{'audioInput':'linein'}");
+    EXPECT_EQ(saved(), std::string("{\n"
+                                   "\t\"audioInput\":\t\"linein\",\n"
+                                   "\t\"audioOut\":\t\"hdmi\"\n"
+                                   "}") +
+                           '\0');
+}
+
+TEST_F(AudioSave, AValueWithoutANameIsSavedAsANumberAndNotReportedAsAName)
+{
+    write_home("audio_range.json", "{'aeFormat':[0,9]}");
+    init("{'aeFormat':'AAC'}");
+    para_set_audio_aeFormat_cur(7);
+    EXPECT_EQ(query("['aeFormat']"), "{}");
+    EXPECT_EQ(saved(), std::string("{\n\t\"aeFormat\":\t7\n}") + '\0');
+    init("{'aeFormat':'AAC'}");
+    EXPECT_EQ(para_get_audio_aeFormat_cur(), 7);
+}
+
+TEST_F(AudioSave, IsDueAtItsDelayExactly)
+{
+    init();
+    stop_clock();
+    para_set_audio_mute_cur(1);
+    move_clock(1999);
+    EXPECT_FALSE(due());
+    save_cur_audio_param_delay(0);
+    EXPECT_FALSE(read_data("audio_cur.json"));
+    para_set_audio_mute_cur(100);
+    para_set_audio_mute_cur(1);
+    move_clock(1);
+    EXPECT_TRUE(due()) << "a refused set stamps nothing";
+    save_cur_audio_param_delay(0);
+    EXPECT_TRUE(read_data("audio_cur.json"));
+}
+
+TEST_F(AudioSave, WithoutADelayAChangeIsDueAtOnce)
+{
+    init();
+    stop_clock();
+    para_set_audio_save_param_time(0);
+    para_set_audio_mute_cur(1);
+    EXPECT_TRUE(due());
+}
+
+TEST_F(AudioStart, TracesAtTheirLevels)
+{
+    write_data("audio_cur.json", "{'mute':1}");
+    init();
+    change("{}");
+    query("['mute']");
+    EXPECT_THAT(levels_of("parse_ok:1", "para_init_audio"), ElementsAre(6));
+    EXPECT_THAT(levels_of("inter", "para_set_audio_opt"), ElementsAre(6));
+    EXPECT_THAT(levels_of("leave", "para_get_audio_opt"), ElementsAre(6));
+    dbgout_profile[1] = 5;
+    forget_traces();
+    init();
+    change("{}");
+    query("['mute']");
+    EXPECT_THAT(traces(), IsEmpty());
+}
+
+TEST_F(AudioStart, SettingLeavesTheStartUpValue)
+{
+    init();
+    para_set_audio_mute_cur(1);
+    EXPECT_EQ(para_get_audio_mute_init(), 0);
+}
+
 TEST_F(Audio, MayBeUsedByManyThreadsAtOnce)
 {
     para_profile.audio_set_notify_hook = nullptr; // the test's own records one thread's changes

@@ -394,9 +394,7 @@ TEST_F(VideoNames, EveryNameHasItsValueAndBack)
         const int count = name_counts.at(member.key);
         for (int i = 0; i < count; i++) {
             ASSERT_NE(member.str(i), nullptr);
-            const int found = member.num(member.str(i));
-            EXPECT_EQ(strncmp(member.str(found), member.str(i), strlen(member.str(i))), 0);
-            EXPECT_LE(found, i) << "the first that begins with the text";
+            EXPECT_EQ(member.num(member.str(i)), i) << member.str(i);
         }
         for (const int beyond : {-1, count, INT_MAX, INT_MIN})
             EXPECT_EQ(member.str(beyond), nullptr) << member.key;
@@ -500,6 +498,7 @@ TEST_F(VideoSetter, AnAbsentMemberCannotBeSet)
     init(streams_of({stream_range}), "{}");
     for (const accessors &member : all_members) {
         EXPECT_EQ(member.set(0, member.max(0)), 0);
+        EXPECT_EQ(member.quiet_set(0, member.max(0)), 0);
         EXPECT_EQ(para_video_cur[member.slot], 0) << member.key;
     }
     EXPECT_FALSE(change_pending());
@@ -781,7 +780,7 @@ TEST_F(VideoSave, AFailedSaveIsNotRetried)
     EXPECT_FALSE(change_pending());
 }
 
-TEST_F(VideoSave, AllSizesSurviveARestart)
+TEST_F(VideoSave, SizesAreReadBackByTheRuleForFiles)
 {
     init(1);
     for (int size = 0; size < 47; size++) {
@@ -789,11 +788,148 @@ TEST_F(VideoSave, AllSizesSurviveARestart)
         saved();
         video_init_done = 0;
         ASSERT_EQ(para_init_video("video0"), 0);
-        // A name that another begins with is read as the last of them, by the rule for files.
-        EXPECT_EQ(strncmp(para_get_video_size_str(para_get_video_size_cur(0)),
-                          para_get_video_size_str(size), strlen(para_get_video_size_str(size))),
-                  0);
+        const bool begins_another = std::string(para_get_video_size_str(size)) == "PIC_HD1";
+        EXPECT_EQ(para_get_video_size_cur(0), begins_another ? 17 : size)
+            << para_get_video_size_str(size);
     }
+}
+
+TEST_F(VideoSave, OneStampCoversAllStreams)
+{
+    init(2);
+    stop_clock();
+    para_set_video_gop_cur(0, 7);
+    move_clock(1500);
+    para_set_video_gop_cur(1, 7);
+    move_clock(1999);
+    EXPECT_FALSE(due());
+    para_set_video_gop_cur(1, 100000);
+    para_set_video_gop_cur(1, 7);
+    move_clock(1);
+    EXPECT_TRUE(due()) << "a refused set stamps nothing";
+}
+
+TEST_F(VideoSave, HostDrivenSaveTakesAnAgeEqualToItsArgument)
+{
+    init(1);
+    stop_clock();
+    para_set_video_gop_cur(0, 7);
+    move_clock(499);
+    save_cur_video_param_delay(500);
+    EXPECT_FALSE(read_data("video_cur.json"));
+    move_clock(1);
+    save_cur_video_param_delay(500);
+    EXPECT_TRUE(read_data("video_cur.json"));
+}
+
+TEST_F(VideoSave, MixedFormsAreSavedAsNames)
+{
+    init(streams_of({stream_range}), "{'video0':{'protocol':0,'size':'PIC_VGA','rcMode':4}}");
+    EXPECT_EQ(saved(), std::string("{\n"
+                                   "\t\"video0\":\t{\n"
+                                   "\t\t\"protocol\":\t\"H264\",\n"
+                                   "\t\t\"size\":\t\"PIC_VGA\",\n"
+                                   "\t\t\"rcMode\":\t\"AVBR\"\n"
+                                   "\t}\n"
+                                   "}") +
+                           '\0');
+}
+
+TEST_F(VideoSave, AValueWithoutANameIsSavedAsANumberAndNotReportedAsAName)
+{
+    init("{'video0':{'rcMode':[0,9]}}", "{'video0':{'rcMode':'CBR'}}");
+    para_set_video_rcMode_cur(0, 7);
+    EXPECT_EQ(query("video0", "['rcMode']"), "{}");
+    EXPECT_EQ(query("video0", "['all']"), "{'rcMode':7}");
+    saved();
+    video_init_done = 0;
+    para_init_video("video0");
+    EXPECT_EQ(para_get_video_rcMode_cur(0), 7);
+}
+
+TEST_F(VideoSave, StandsInTheWorkingDirectoryWithoutDirectories)
+{
+    write_home("video_range.json", streams_of({stream_range}));
+    write_home("video_def.json", streams_of({named_stream}));
+    ASSERT_EQ(chdir(home.c_str()), 0);
+    para_profile.home_dir = para_profile.data_dir = nullptr;
+    EXPECT_EQ(para_init_video("video0"), 0);
+    EXPECT_EQ(para_save_video("video0"), 0);
+    EXPECT_TRUE(read_file(home + "/video_cur.json"));
+}
+
+TEST_F(VideoStart, MoreThanSixStreamsAreSix)
+{
+    const std::vector<std::string> eight(8, stream_range);
+    EXPECT_EQ(init(streams_of(eight), streams_of(std::vector<std::string>(8, "{'gop':9}"))), 0);
+    EXPECT_EQ(para_get_video_streamNum(), 6);
+    EXPECT_EQ(para_get_video_gop_cur(5), 9);
+    const json file = parse(saved().c_str());
+    EXPECT_EQ(cJSON_GetArraySize(file.get()), 6);
+}
+
+TEST_F(VideoStart, TracesAtTheirLevels)
+{
+    init(1);
+    change("video0", "{}");
+    int width = 0, height = 0;
+    para_get_video_size_byname("none", 1, &width, &height);
+    para_get_video_size_byname(nullptr, 1, &width, &height);
+    EXPECT_THAT(levels_of("check video num = 1", "check_video_num"), ElementsAre(6));
+    EXPECT_THAT(levels_of("parse_ok:0", "para_init_video"), ElementsAre(6));
+    EXPECT_THAT(levels_of("stream_0 param:", "video_page"), ElementsAre(6));
+    EXPECT_THAT(levels_of("inter", "para_set_video_opt"), ElementsAre(6));
+    EXPECT_THAT(levels_of("unsupport none", "para_get_video_size_byname"), ElementsAre(6));
+    EXPECT_THAT(levels_of("name is null ", "para_get_video_size_byname"), ElementsAre(6));
+    dbgout_profile[1] = 5;
+    forget_traces();
+    para_video_enum(nullptr, nullptr);
+    para_video_size_enum(nullptr, nullptr);
+    video_page();
+    EXPECT_THAT(traces(), IsEmpty());
+}
+
+TEST_F(VideoQuery, EveryMemberCanBeLookedUpAndSetByName)
+{
+    init(2);
+    for (const accessors &member : all_members) {
+        const bool named = name_counts.count(member.key) != 0;
+        int value = 77;
+        EXPECT_EQ(para_get_video_member(member.key, 0, &value, nullptr), named ? 0x101 : 0x81);
+        EXPECT_EQ(value, member.cur(0)) << member.key;
+        if (named)
+            continue;
+        EXPECT_EQ(para_set_video_member(member.key, 0, member.max(0), "unused"), 1) << member.key;
+        EXPECT_EQ(member.cur(0), member.max(0)) << member.key;
+    }
+    for (const named_accessors &member : named_members) {
+        EXPECT_EQ(para_set_video_member(member.key, 0, 77, member.str(0)),
+                  member.cur(0) == 0 ? 0 : 1);
+        EXPECT_EQ(member.cur(0), 0) << member.key;
+    }
+}
+
+TEST_F(VideoQuery, AStreamOutOfUseReadsAsAbsent)
+{
+    init(2);
+    for (const int stream : {-1, 3, 5, 6, INT_MAX}) {
+        int value = 77;
+        const char *text = "replaced";
+        EXPECT_EQ(para_get_video_member("size", stream, &value, &text), 0) << stream;
+        EXPECT_EQ(value, -1);
+        EXPECT_EQ(text, nullptr);
+        EXPECT_EQ(para_get_video_member("none", stream, &value, &text), 0);
+    }
+    int value = 77;
+    EXPECT_EQ(para_get_video_member("size", 2, &value, nullptr), 0) << "equal to the count";
+    EXPECT_EQ(value, -1);
+}
+
+TEST_F(VideoSetRequest, ANullTextCountsAsMinusOneThousand)
+{
+    init("{'video0':{'rcMode':[-1000,4]}}", "{'video0':{'rcMode':'CBR'}}");
+    EXPECT_EQ(para_set_video_member("rcMode", 0, 1, nullptr), 1);
+    EXPECT_EQ(para_get_video_rcMode_cur(0), -1000);
 }
 
 TEST_F(Video, MayBeUsedByManyThreadsAtOnce)
