@@ -66,7 +66,7 @@ int para_init_odm(const char *)
         store_word(odm_persist_dir_missing, 1);
     move_legacy_file();
 
-    json_file file = read_json_file(store_path().text, __func__, PARA_INFO, "\n");
+    json_file file = read_json_file(store_path().text, __func__, PARA_ERROR, "\n");
     if (!file.readable)
         return 0;
     if (!file.root)
