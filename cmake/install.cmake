@@ -1,0 +1,32 @@
+# Installs the libraries, the headers, the programs, a CMake package and pkg-config files. Nothing in
+# them holds the prefix, so that an installed tree may be moved.
+
+install(TARGETS camparam camparam_platform camparam_headers EXPORT camparam_targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+set_target_properties(camparam_headers PROPERTIES EXPORT_NAME headers)
+set_target_properties(camparam_platform PROPERTIES EXPORT_NAME platform)
+install(DIRECTORY include/camparam DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    FILES_MATCHING PATTERN *.h PATTERN *.def)
+
+file(RELATIVE_PATH from_bin_to_lib
+    /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+set_target_properties(camparamd camparam_cli PROPERTIES
+    INSTALL_RPATH "$ORIGIN/${from_bin_to_lib}")
+install(TARGETS camparamd camparam_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/camparam)
+install(EXPORT camparam_targets NAMESPACE camparam:: DESTINATION ${package_dir})
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/camparam-config-version.cmake
+    COMPATIBILITY SameMajorVersion)
+install(FILES cmake/camparam-config.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/camparam-config-version.cmake
+    DESTINATION ${package_dir})
+
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH from_pkgconfig_to_prefix /${pkgconfig_dir} /)
+string(REGEX REPLACE "/$" "" from_pkgconfig_to_prefix ${from_pkgconfig_to_prefix})
+foreach(name camparam camparam-platform)
+    configure_file(cmake/${name}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc @ONLY)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${pkgconfig_dir})
+endforeach()
