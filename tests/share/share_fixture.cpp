@@ -1,0 +1,101 @@
+#include "share/share_fixture.h"
+
+#include <arpa/inet.h>
+#include <poll.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstring>
+
+namespace {
+
+std::string object_path(int module)
+{
+    return "/dev/shm/camparam_share_" + std::to_string(module);
+}
+
+} // namespace
+
+std::string word_bytes(uint32_t word)
+{
+    std::string bytes(4, '\0');
+    memcpy(bytes.data(), &word, 4);
+    return bytes;
+}
+
+std::string field_bytes(const std::string &text, size_t width)
+{
+    std::string bytes = text;
+    bytes.resize(width, '\0');
+    return bytes;
+}
+
+static std::string datagram(uint32_t type, int instance, int value, const std::string &module,
+                            const std::string &member, const std::string &text)
+{
+    return word_bytes(type) + word_bytes(static_cast<uint32_t>(instance)) +
+           word_bytes(static_cast<uint32_t>(value)) + field_bytes(module, 16) +
+           field_bytes(member, 16) + field_bytes(text, 32);
+}
+
+std::string number_datagram(const std::string &module, const std::string &member, int instance,
+                            int value)
+{
+    return datagram(0, instance, value, module, member, "");
+}
+
+std::string text_datagram(const std::string &module, const std::string &member, int instance,
+                          const std::string &text)
+{
+    return datagram(1, instance, 0, module, member, text);
+}
+
+OwnSharedMemory::OwnSharedMemory()
+{
+    EXPECT_EQ(unshare(CLONE_NEWNS), 0) << strerror(errno);
+    EXPECT_EQ(mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr), 0) << strerror(errno);
+    EXPECT_EQ(mount("none", "/dev/shm", "tmpfs", 0, nullptr), 0) << strerror(errno);
+}
+
+void OwnSharedMemory::write_object(int module, const std::string &bytes)
+{
+    unlink(object_path(module).c_str());
+    write_file(object_path(module), bytes);
+}
+
+std::string OwnSharedMemory::read_object(int module)
+{
+    return read_file(object_path(module)).value_or("none");
+}
+
+bool OwnSharedMemory::object_exists(int module)
+{
+    return access(object_path(module).c_str(), F_OK) == 0;
+}
+
+DatagramReceiver::DatagramReceiver() : descriptor(socket(AF_INET, SOCK_DGRAM, 0))
+{
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(6800);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const auto *const any = reinterpret_cast<const sockaddr *>(&address);
+    EXPECT_EQ(bind(descriptor, any, sizeof address), 0) << strerror(errno);
+}
+
+DatagramReceiver::~DatagramReceiver()
+{
+    close(descriptor);
+}
+
+std::string DatagramReceiver::receive() const
+{
+    char bytes[4096];
+    pollfd readable = {descriptor, POLLIN, 0};
+    if (poll(&readable, 1, 20000) != 1)
+        return "none";
+    const ssize_t length = recv(descriptor, bytes, sizeof bytes, 0);
+    return std::string(bytes, length > 0 ? static_cast<size_t>(length) : 0);
+}
