@@ -43,8 +43,10 @@ int json_object_get_int(const cJSON *node)
 
 char *json_object_get_string(const cJSON *node)
 {
-    if (node == nullptr)
+    if (node == nullptr) {
         PARA_TRACE(PARA_INFO, "null");
+        return nullptr;
+    }
     return cJSON_IsString(node) ? node->valuestring : nullptr;
 }
 

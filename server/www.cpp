@@ -196,7 +196,9 @@ static cJSON *members_of(const cJSON *module)
     cJSON *const members = cJSON_CreateArray();
     const cJSON *member = nullptr;
     cJSON_ArrayForEach(member, module)
+    {
         cJSON_AddItemToArray(members, cJSON_CreateString(member->string));
+    }
     if (module->child == nullptr)
         cJSON_AddItemToArray(members, cJSON_CreateString("all"));
     return members;

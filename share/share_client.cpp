@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstring>
 
 #include "camparam/share.h"
@@ -109,8 +110,8 @@ void *para_get_share_map(int module, int entry)
     if (entry < 1 || entry > map->entry_count)
         PARA_TRACE(PARA_INFO, "ERROR: This share map is not exist!"); // the caller's business
     const long long offset = (entry - 1LL) * map->entry_size;
-    return reinterpret_cast<void *>(reinterpret_cast<intptr_t>(map + 1) +
-                                    static_cast<intptr_t>(offset));
+    const auto *const entries = reinterpret_cast<const char *>(map + 1);
+    return const_cast<char *>(entries + static_cast<ptrdiff_t>(offset));
 }
 
 int Send_Initial()

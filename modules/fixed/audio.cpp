@@ -22,18 +22,17 @@ static const char *const audioOut[] = {"lineout", "hdmi"};
 #define AUDIO_NAMED_MEMBER(slot, name)
 #include "camparam/audio_members.def"
 
-// The slots by name, and how many there are.
+// The slots by name.
 enum {
 #define AUDIO_MEMBER(slot, name) slot_##name = slot,
 #include "camparam/audio_members.def"
-    slots
 };
 
 static constexpr param_member members[] = {
 #define AUDIO_MEMBER(slot, name) {slot, #name, &name##_names},
 #include "camparam/audio_members.def"
 };
-static_assert(sizeof members / sizeof members[0] == slots, "a member for each slot");
+constexpr int slots = sizeof members / sizeof members[0];
 static_assert(sizeof para_audio_cur / sizeof para_audio_cur[0] == slots, "a slot for each member");
 
 static constexpr param_written written[] = {

@@ -22,9 +22,8 @@ int isp_item_changed;
 enum {
 #define ISP_MEMBER(word, name, loaded, accessor, by_name, written) word_##name = word,
 #include "camparam/isp_members.def"
-    record_words
 };
-static_assert(sizeof(isp_record) == record_words * sizeof(int), "a word for each member");
+constexpr int record_words = sizeof(isp_record) / sizeof(int);
 static_assert(sizeof(isp_record) == 156, "hosts see the size");
 
 constexpr bool yes = true, no = false;

@@ -11,7 +11,8 @@
 
 // Fixed after start-up; the list points into the document, which is kept for good.
 static cJSON *json_style_file;
-static cJSON **style_list;            // a style's object, or null
+using style_object = cJSON *;
+static style_object *style_list;      // a style's object, or null
 static isp_record *isp_para_in_style; // its values
 static int isp_style_num;
 static int isp_style_excute_by_arm;
@@ -63,7 +64,7 @@ static void add_style(const char *function, int index, const char *name)
 static int allocate_styles(int count)
 {
     const auto places = static_cast<size_t>(count);
-    style_list = static_cast<cJSON **>(calloc(places, sizeof *style_list));
+    style_list = static_cast<style_object *>(calloc(places, sizeof(style_object)));
     isp_para_in_style = static_cast<isp_record *>(calloc(places, sizeof *isp_para_in_style));
     isp_style_num = style_list != nullptr && isp_para_in_style != nullptr ? count : 0;
     return isp_style_num;
@@ -92,7 +93,10 @@ int para_init_isp_style()
         return -1;
     int index = 0;
     const cJSON *entry = nullptr;
-    cJSON_ArrayForEach(entry, list) add_style(__func__, index++, entry->valuestring);
+    cJSON_ArrayForEach(entry, list)
+    {
+        add_style(__func__, index++, entry->valuestring);
+    }
     return 0;
 }
 

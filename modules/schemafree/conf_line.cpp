@@ -99,23 +99,20 @@ int update_line_conf(const char *path, const char *key, const char *line)
     return update_conf(path, key, line);
 }
 
+// The two formats that a caller may choose: the value in quotes, or plain.
+struct line_formats {
+    const char *quoted, *plain;
+};
+
 static bool is_format(const char *format, const char *known)
 {
     return format != nullptr && strcmp(format, known) == 0;
 }
 
-// The line with the value in quotes or not, as the format has it, handed to update_conf.
-static int update_line(const char *function, const char *path, const char *key, const char *value,
-                       const char *format, const char *quoted, const char *plain)
+static int update_quoted(const char *path, const char *key, const char *value, bool in_quotes)
 {
-    const bool in_quotes = is_format(format, quoted);
-    if (!in_quotes && !is_format(format, plain)) {
-        PARA_TRACE_AS(function, PARA_ERROR, "error: format is wrong");
-        return -1;
-    }
     if (key == nullptr || value == nullptr)
         return -1;
-
     text_buffer line;
     if (line.file() == nullptr)
         return -1;
@@ -126,14 +123,25 @@ static int update_line(const char *function, const char *path, const char *key, 
     return line.close() ? update_conf(path, key, line.data()) : -1;
 }
 
+static int update_line(const char *function, const char *path, const char *key, const char *value,
+                       const char *format, const line_formats &known)
+{
+    const bool in_quotes = is_format(format, known.quoted);
+    if (!in_quotes && !is_format(format, known.plain)) {
+        PARA_TRACE_AS(function, PARA_ERROR, "error: format is wrong");
+        return -1;
+    }
+    return update_quoted(path, key, value, in_quotes);
+}
+
 int update_line_conf_str(const char *path, const char *key, const char *value, const char *format)
 {
-    return update_line(__func__, path, key, value, format, "%s = \"%s\"", "%s=%s");
+    return update_line(__func__, path, key, value, format, {"%s = \"%s\"", "%s=%s"});
 }
 
 int update_line_conf_int(const char *path, const char *key, int value, const char *format)
 {
     char digits[32];
-    return update_line(__func__, path, key, lib_itoa(value, digits), format, "%s = \"%d\"",
-                       "%s=%d");
+    return update_line(__func__, path, key, lib_itoa(value, digits), format,
+                       {"%s = \"%d\"", "%s=%d"});
 }

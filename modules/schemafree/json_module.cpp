@@ -17,6 +17,7 @@ struct json_module {
     cJSON *range;
     configure *cur;
     configure *def;
+    bool loaded; // its files were read; else its current file is left alone
     // Any thread.
     timespec change_time;
     int changed;
@@ -95,13 +96,15 @@ static bool load_values(const char *function, json_module &module, const char *n
     return true;
 }
 
-// Whether the slot is taken for good.
+static bool is_misc(const char *name)
+{
+    return strcmp(name, "misc") == 0;
+}
+
 static bool load_module(const char *function, json_module &module, const char *name)
 {
-    if (strcmp(name, "misc") == 0) {
-        para_init_misc_legacy(name, &module.cur, &module.def, &module.range);
-        return true; // whatever became of it (MiscStart.* tests)
-    }
+    if (is_misc(name))
+        return para_init_misc_legacy(name, &module.cur, &module.def, &module.range) == 0;
     module.cur = configure_init();
     module.def = configure_init();
     module.range = load_range(function, name);
@@ -122,7 +125,8 @@ int para_init_misc(const char *name)
     json_module &module = modules[json_module_num - 1];
     clear_slot(module);
     snprintf(module.name, sizeof module.name, "%s", name);
-    if (load_module(__func__, module, name)) {
+    module.loaded = load_module(__func__, module, name);
+    if (module.loaded || is_misc(name)) { // misc keeps its slot whatever became of it
         dump_conf(module);
         json_module_num++;
     }
@@ -431,7 +435,9 @@ int para_save_misc(const char *name)
     if (module == nullptr)
         return -1;
     clear_change(stamp_of(*module)); // first: a change from now on is saved again
-    if (strcmp(name, "misc") == 0)
+    if (!module->loaded)
+        return 0; // the values are in the file alone, and stay there
+    if (is_misc(name))
         return para_save_misc_legacy(name, module->cur);
     const file_path path = module_path(para_profile.data_dir, name, ".conf");
     return write_conf_locked(path.text, module->cur);

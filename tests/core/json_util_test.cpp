@@ -43,13 +43,13 @@ TEST_F(JsonUtil, GetStringTracesOnlyAMissingNode)
 
 TEST_F(JsonUtil, TracesNothingBelowItsLevel)
 {
-    dbgout_profile[1] = 5;
+    set_trace_level(5);
     json_object_get_string(nullptr);
     cJSON_Print_safe(nullptr);
     cJSON_Print_safe(parse("1").get());
     EXPECT_TRUE(traces().empty());
 
-    dbgout_profile[1] = 6;
+    set_trace_level(6);
     json_object_get_string(nullptr);
     EXPECT_EQ(traces().size(), 1U);
 }

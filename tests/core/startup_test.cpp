@@ -147,7 +147,7 @@ TEST_F(StartUp, TracesErrorsAtThreeAndProgressAtSix)
 
 TEST_F(StartUp, IsSilentAtLevelZero)
 {
-    dbgout_profile[1] = 0;
+    set_trace_level(0);
     start_store();
     EXPECT_THAT(traces(), IsEmpty());
 }

@@ -211,7 +211,9 @@ int finish_late(void *started)
 {
     static_cast<std::promise<void> *>(started)->set_value();
     eventually([] { return ending.load(); });
-    usleep(50000); // a process that does not wait has ended by now
+    // A process that does not wait has ended after so many turns.
+    int turns = 0;
+    eventually([&turns] { return ++turns == 50; });
     fputs("finished", stderr);
     return 0;
 }

@@ -145,7 +145,7 @@ TEST_F(Requests, TheRequestIsTracedAtLevelSevenExactly)
                 ElementsAre("type:0x40,{\n\t\"msg_type\":\t\"get\",\n\t\"msg_id\":\t1\n}\n"));
     forget_traces();
     for (const int level : {6, 8}) {
-        dbgout_profile[1] = level;
+        set_trace_level(level);
         client.ask("{'msg_type':'get','msg_id':1}");
         EXPECT_THAT(traces_of("cJSON_Print_safe"), IsEmpty()) << level;
     }

@@ -125,6 +125,12 @@ protected:
         modules.answers[key] = value;
     }
 
+    // While the store's thread runs, which reads the level.
+    static void trace_at(int level)
+    {
+        __atomic_store_n(&dbgout_profile[1], level, __ATOMIC_RELAXED);
+    }
+
     static std::vector<std::string> calls()
     {
         const std::lock_guard<std::mutex> guard(modules.lock);
@@ -204,7 +210,7 @@ TEST_F(WebGet, RepliesAreAsLongAsTheAnswersNeed)
     write_home("www2json.json", file + "}}");
     answer("near", "{'1':1}");
     start();
-    dbgout_profile[1] = 0;
+    trace_at(0);
     EXPECT_EQ(get("page"), "name1=1");
     for (const int members : {40, 44, 48, 300, 900}) {
         std::string some = "{", shown;
@@ -343,7 +349,7 @@ TEST_F(WebRequests, TheReplyInModuleNamesIsTracedAtLevelSevenExactly)
                            "Recive_message_Process_gset"),
               1);
     for (const int level : {6, 8}) {
-        dbgout_profile[1] = level;
+        trace_at(level);
         forget_traces();
         get("far_page");
         EXPECT_THAT(traces_of("Recive_message_Process_gset"), IsEmpty()) << level;

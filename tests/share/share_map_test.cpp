@@ -62,7 +62,7 @@ class Share : public testing::Test, public OwnSharedMemory {
 protected:
     Share()
     {
-        dbgout_profile[1] = 7;
+        set_trace_level(7);
         forget_traces();
     }
 
@@ -106,7 +106,8 @@ TEST_F(SharePublish, RefusesSizesThatAreNone)
 {
     struct {
         int count, size;
-    } const wrong[] = {{-1, 8}, {8, -1}, {-1, -1}, {INT_MIN, 1}, {INT_MAX, INT_MAX}, {-5, 0}};
+    } const wrong[] = {{-1, 8},      {8, -1}, {-1, -1}, {INT_MIN, 1}, {INT_MAX, INT_MAX},
+                       {INT_MAX, 2}, {-5, 0}};
     for (const auto &sizes : wrong) {
         forget_traces();
         EXPECT_EQ(para_share_publish(2, sizes.count, sizes.size), nullptr);
@@ -271,6 +272,7 @@ TEST_F(ShareRegister, RefusesAnObjectThatDoesNotHoldItsEntries)
         header(1, 1, 8),
         header(1, 1, 8) + std::string(7, '\0'),
         header(1, 0x7fffffff, 0xffffffff) + std::string(100, '\0'),
+        header(1, 0xffffffff, 0),
         header(1, 0x80000000, 2) + std::string(100, '\0'),
         header(1, 0xffffffff, 0xfffffff4) + std::string(100, '\0'),
     };
@@ -405,7 +407,7 @@ TEST_F(Share, TracesAtLevelSix)
         EXPECT_EQ(line.level, 6) << line.text;
 
     forget_traces();
-    dbgout_profile[1] = 5;
+    set_trace_level(5);
     trace_everything();
     EXPECT_THAT(traces(), IsEmpty());
 }

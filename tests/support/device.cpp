@@ -99,6 +99,11 @@ void stop_clock()
     clock_stopped = true;
 }
 
+void set_trace_level(int level)
+{
+    __atomic_store_n(&dbgout_profile[1], level, __ATOMIC_RELAXED);
+}
+
 std::vector<trace_line> traces()
 {
     const std::lock_guard<std::mutex> guard(seen().lock);

@@ -20,6 +20,9 @@ void move_clock(int milliseconds);
 // From now on it moves by move_clock() alone.
 void stop_clock();
 
+// Admits traces up to this level; the store's thread may be reading it.
+void set_trace_level(int level);
+
 // All traces so far, or those of one function, in order.
 std::vector<trace_line> traces();
 std::vector<std::string> traces_of(const std::string &function);

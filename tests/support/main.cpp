@@ -1,8 +1,9 @@
-// Runs the cases of a test program in a network namespace of its own, so that port 6800 is always
-// free and any number of them may run at once.
+// Runs the cases of a test program with a network and shared memory of its own, so that port 6800
+// is always free, nobody else's share maps are in the way, and any number of them may run at once.
 #include <gtest/gtest.h>
 #include <net/if.h>
 #include <sys/ioctl.h>
+#include <sys/mount.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -13,7 +14,7 @@
 
 namespace {
 
-const char *const inside = "CAMPARAM_TEST_NETWORK";
+const char *const inside = "CAMPARAM_TEST_NAMESPACES";
 
 bool only_lists_cases(int argc, char **argv)
 {
@@ -26,10 +27,10 @@ bool only_lists_cases(int argc, char **argv)
 
 // Starts this program again by unshare(1): a process that the sanitizers have already given a
 // second thread cannot enter a user namespace itself.
-int run_in_own_network(int argc, char **argv)
+int run_in_own_namespaces(int argc, char **argv)
 {
     std::vector<char *> command;
-    for (const char *word : {"unshare", "--map-root-user", "--net", "--"})
+    for (const char *word : {"unshare", "--map-root-user", "--net", "--mount", "--"})
         command.push_back(const_cast<char *>(word));
     static char self[4096];
     const ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
@@ -61,9 +62,13 @@ int main(int argc, char **argv)
 {
     if (!only_lists_cases(argc, argv)) {
         if (getenv(inside) == nullptr)
-            return run_in_own_network(argc, argv);
+            return run_in_own_namespaces(argc, argv);
         if (!loopback_up()) {
             perror("loopback interface");
+            return 1;
+        }
+        if (mount("tmpfs", "/dev/shm", "tmpfs", 0, nullptr) != 0) {
+            perror("/dev/shm");
             return 1;
         }
     }

@@ -61,7 +61,7 @@ Store::Store()
     std::filesystem::create_directory(data);
     para_profile.home_dir = home.c_str();
     para_profile.data_dir = data.c_str();
-    dbgout_profile[1] = 7;
+    set_trace_level(7);
 }
 
 Store::~Store()

@@ -253,7 +253,7 @@ TEST_F(AfStart, DumpsItsTable)
                             "--------------------------------\n\n"));
     for (const trace_line &line : traces())
         EXPECT_EQ(line.level, 6);
-    dbgout_profile[1] = 5;
+    set_trace_level(5);
     forget_traces();
     af_page();
     EXPECT_THAT(traces(), IsEmpty());

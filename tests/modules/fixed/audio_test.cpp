@@ -825,7 +825,7 @@ TEST_F(AudioStart, TracesAtTheirLevels)
     EXPECT_THAT(levels_of("parse_ok:1", "para_init_audio"), ElementsAre(6));
     EXPECT_THAT(levels_of("inter", "para_set_audio_opt"), ElementsAre(6));
     EXPECT_THAT(levels_of("leave", "para_get_audio_opt"), ElementsAre(6));
-    dbgout_profile[1] = 5;
+    set_trace_level(5);
     forget_traces();
     init();
     change("{}");

@@ -817,7 +817,7 @@ TEST_F(IspStart, DumpsEveryInstance)
 
 TEST_F(IspStart, IsSilentBelowTheLevelOfProgress)
 {
-    dbgout_profile[1] = 5;
+    set_trace_level(5);
     write_data("isp_cur.json", "rubbish");
     init();
     query("isp0", "['shutter']");

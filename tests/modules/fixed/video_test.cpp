@@ -570,7 +570,7 @@ TEST_F(VideoQuery, IsTracedAtLevelSeven)
     EXPECT_THAT(traces_of("para_get_video_opt"),
                 ElementsAre("inter\n", "leave\n", "inter\n", "leave\n", "inter\n", "leave\n"));
     EXPECT_EQ(traces().front().level, 7);
-    dbgout_profile[1] = 6;
+    set_trace_level(6);
     forget_traces();
     query("video0", "['gop']");
     EXPECT_THAT(traces(), IsEmpty());
@@ -881,7 +881,7 @@ TEST_F(VideoStart, TracesAtTheirLevels)
     EXPECT_THAT(levels_of("inter", "para_set_video_opt"), ElementsAre(6));
     EXPECT_THAT(levels_of("unsupport none", "para_get_video_size_byname"), ElementsAre(6));
     EXPECT_THAT(levels_of("name is null ", "para_get_video_size_byname"), ElementsAre(6));
-    dbgout_profile[1] = 5;
+    set_trace_level(5);
     forget_traces();
     para_video_enum(nullptr, nullptr);
     para_video_size_enum(nullptr, nullptr);

@@ -944,7 +944,7 @@ TEST_F(ConfModule, MayBeUsedByManyThreadsWhileReloadsFail)
 {
     para_profile.conf_member_notify_hook = nullptr; // the test's own record one thread's changes
     para_profile.conf_update_hook = nullptr;
-    dbgout_profile[1] = 3;
+    set_trace_level(3);
     write_home("netport.conf", port_defaults);
     start_store();
     const std::string here = home + "/netport.conf", away = home + "/away.conf";

@@ -233,7 +233,7 @@ TEST_F(JsonStart, TracesTheRangeAndThenTheCurrentValues)
 
 TEST_F(JsonStart, TracesNothingBelowLevelSix)
 {
-    dbgout_profile[1] = 5;
+    set_trace_level(5);
     init();
     EXPECT_THAT(traces(), IsEmpty());
 }
@@ -1086,6 +1086,21 @@ TEST_F(JsonSave, WhatIsSavedReadsBackEqual)
     }
 }
 
+TEST_F(JsonSave, ABadStartDoesNotCostTheSavedSettings)
+{
+    write_data("panel.conf", "light = '3'\n");
+    write_home("panel_range.json", panel_range); // without the defaults file
+    para_init_misc("json");
+    para_init_misc("panel");
+    EXPECT_EQ(para_save_misc("panel"), 0);
+    EXPECT_EQ(read_data("panel.conf"), "light = \"3\"\n");
+
+    unlink((home + "/panel_range.json").c_str());
+    para_init_misc("panel");
+    EXPECT_EQ(para_save_misc("panel"), 0);
+    EXPECT_EQ(read_data("panel.conf"), "light = \"3\"\n");
+}
+
 TEST_F(JsonSave, AFileThatDoesNotOpenIsNoErrorAndNotRetried)
 {
     init();
@@ -1209,7 +1224,7 @@ TEST_F(JsonModule, MayBeUsedByManyThreadsAtOnce)
 {
     para_profile.misc_set_notify_hook = nullptr; // the test's own record one thread's changes
     para_profile.misc_set_request_hook = nullptr;
-    dbgout_profile[1] = 3;
+    set_trace_level(3);
     write_home("www2json.json", "{'json_pattern_list':['panel']}");
     write_module("panel");
     start_store();

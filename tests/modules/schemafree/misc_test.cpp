@@ -981,6 +981,15 @@ TEST_F(MiscSave, NothingIsWrittenBeforeItIsLoaded)
     configure_free(values);
 }
 
+TEST_F(MiscSave, ABadStartDoesNotCostTheSavedSettings)
+{
+    write_home("misc_range.json", versioned_range);
+    write_data("misc.conf", "mirror = '1'\n"); // without the defaults file in the home folder
+    init();
+    EXPECT_EQ(para_save_misc("misc"), 0);
+    EXPECT_EQ(read_data("misc.conf"), "mirror = \"1\"\n");
+}
+
 TEST_F(MiscSave, AFileThatDoesNotOpenIsNoErrorAndNotRetried)
 {
     init_versioned();
@@ -1050,7 +1059,7 @@ TEST_F(Misc, MayBeUsedByManyThreadsAtOnce)
 {
     para_profile.misc_set_notify_hook = nullptr; // the test's own record one thread's changes
     para_profile.misc_set_request_hook = nullptr;
-    dbgout_profile[1] = 3;
+    set_trace_level(3);
     write_legacy();
     start_store();
     std::vector<std::thread> hosts;
