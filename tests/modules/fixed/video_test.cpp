@@ -903,8 +903,8 @@ TEST_F(VideoQuery, EveryMemberCanBeLookedUpAndSetByName)
         EXPECT_EQ(member.cur(0), member.max(0)) << member.key;
     }
     for (const named_accessors &member : named_members) {
-        EXPECT_EQ(para_set_video_member(member.key, 0, 77, member.str(0)),
-                  member.cur(0) == 0 ? 0 : 1);
+        const int changes = member.cur(0) == 0 ? 0 : 1;
+        EXPECT_EQ(para_set_video_member(member.key, 0, 77, member.str(0)), changes);
         EXPECT_EQ(member.cur(0), 0) << member.key;
     }
 }
