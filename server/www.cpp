@@ -161,12 +161,13 @@ void get_json_name(www_json_name *found, const char *web_name, const char **modi
     const cJSON *const first = para_config != nullptr ? para_config->child : nullptr;
     const cJSON *const following = cursor != nullptr ? cursor->next : nullptr;
     cursor = next == 0 ? first : following;
-    if (cursor != nullptr)
+    if (cursor != nullptr && cursor->string != nullptr)
         PARA_TRACE(PARA_INFO, "search %s in %s", web_name, cursor->string);
 
     for (; cursor != nullptr; cursor = cursor->next) {
         const cJSON *const entry = entry_with_web_name(cursor, web_name);
-        if (entry == nullptr)
+        if (entry == nullptr ||
+            cursor->string == nullptr) // a file that is a bare array has no keys
             continue;
         found->module = cursor->string;
         found->member = entry->string;
@@ -297,6 +298,7 @@ cJSON *set_http2json(const cJSON *web_request)
 cJSON *para_convert_www_opt(const char *request, char *error, int size)
 {
     const auto error_size = static_cast<size_t>(size);
+    snprintf(error, error_size, "%s", "");
     if (para_config == nullptr) {
         snprintf(error, error_size, "para_config=null");
         return nullptr;
