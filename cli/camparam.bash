@@ -5,25 +5,43 @@ _camparam_settings()
     camparam --timeout 0.3 --retries 0 list 2>/dev/null | awk 'NR > 1 { print $1 }'
 }
 
+# Those of a stream or image processor, under the name of the module without its number.
+_camparam_shared()
+{
+    _camparam_settings | sed -nE 's/^(video|isp)0\./\1./p; /^audio\./p'
+}
+
+_camparam_styles()
+{
+    camparam --timeout 0.3 --retries 0 style 2>/dev/null | awk '{ print $1 }'
+}
+
 _camparam()
 {
     local word="${COMP_WORDS[COMP_CWORD]}" command="" i
     for ((i = 1; i < COMP_CWORD; i++)); do
-        case "${COMP_WORDS[i]}" in
-        list | get | set | call | raw) command="${COMP_WORDS[i]}" ;;
+        case "$command,${COMP_WORDS[i]}" in
+        ,list | ,get | ,set | ,call | ,style | ,www | ,share | ,raw) command="${COMP_WORDS[i]}" ;;
+        www,get | www,set) command="www ${COMP_WORDS[i]}" ;;
         esac
     done
 
     case "$word,$command" in
     -*) mapfile -t COMPREPLY < <(compgen -W "--help --version --host --port --timeout --retries
-        --json --number --text --get --set" -- "$word") ;;
-    *,) mapfile -t COMPREPLY < <(compgen -W "list get set call raw" -- "$word") ;;
+        --json --number --text --get --set --default --instance" -- "$word") ;;
+    *,) mapfile -t COMPREPLY < <(compgen -W "list get set call style www share raw" -- "$word") ;;
     *,list | *,get) mapfile -t COMPREPLY < <(compgen -W "$(_camparam_settings)" -- "$word") ;;
     *,set)
         mapfile -t COMPREPLY < <(compgen -S = -W "$(_camparam_settings)" -- "$word")
         compopt -o nospace 2>/dev/null
         ;;
-    *,call) mapfile -t COMPREPLY < <(compgen -W "describe lens save" -- "$word") ;;
+    *,share)
+        mapfile -t COMPREPLY < <(compgen -S = -W "$(_camparam_shared)" -- "$word")
+        compopt -o nospace 2>/dev/null
+        ;;
+    *,call) mapfile -t COMPREPLY < <(compgen -W "describe lens reload save style" -- "$word") ;;
+    *,style) mapfile -t COMPREPLY < <(compgen -W "$(_camparam_styles)" -- "$word") ;;
+    *,www) mapfile -t COMPREPLY < <(compgen -W "get set" -- "$word") ;;
     esac
 }
 

@@ -143,3 +143,22 @@ std::string client::raw(const std::string &request)
         return !text.empty() && !is_other;
     });
 }
+
+std::string client::web(const char *type, const std::string &page, const std::string &query)
+{
+    const json_ptr request = start_request(type, page);
+    cJSON_AddStringToObject(request.get(), "msg_from", "www");
+    if (!query.empty())
+        cJSON_AddStringToObject(request.get(), "data", query.c_str());
+    // Answers carry no identifier. A host without web names answers in JSON; an error text with a
+    // very long page name is cut before its "=".
+    return exchange(server, print_line(request.get()), [&](const std::string &text) {
+        const bool is_cut = !text.empty() && page.compare(0, text.size(), text) == 0;
+        return is_cut || text.find('=') != std::string::npos;
+    });
+}
+
+void client::send(const std::string &datagram)
+{
+    send_datagram(server, datagram);
+}

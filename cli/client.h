@@ -34,6 +34,13 @@ public:
     // Sends any JSON text and returns the answer as it came.
     std::string raw(const std::string &request);
 
+    // Sends a request in web names, "get" or "set", with a query unless it is empty. Returns the
+    // answer, which is a query too, or an error text such as "PAGE=null".
+    std::string web(const char *type, const std::string &page, const std::string &query);
+
+    // Sends a datagram that is no request, and waits for nothing.
+    void send(const std::string &datagram);
+
 private:
     json_ptr start_request(const char *type, const std::string &name);
     json_ptr request_answer(const cJSON *request, bool id_may_lack);

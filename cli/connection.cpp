@@ -143,3 +143,8 @@ std::string exchange(const server_address &server, const std::string &request,
     }
     no_answer(server, unfit);
 }
+
+void send_datagram(const server_address &server, const std::string &bytes)
+{
+    datagram_socket(server).send(bytes);
+}

@@ -19,3 +19,6 @@ constexpr size_t max_request = 4096;
 // Throws a failure when none comes or the request is too long.
 std::string exchange(const server_address &server, const std::string &request,
                      const std::function<bool(const std::string &answer)> &fits);
+
+// Sends a datagram that nobody answers. Throws a failure when it cannot be sent.
+void send_datagram(const server_address &server, const std::string &bytes);

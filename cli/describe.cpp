@@ -40,6 +40,7 @@ member_description read_member(const cJSON *node)
     {
         member.names.push_back(value_text(name));
     }
+    member.read_only = cJSON_IsTrue(member_of(node, "read_only"));
     member.node = node;
     return member;
 }
@@ -55,6 +56,37 @@ module_description read_module(const cJSON *node)
             module.members.push_back(read_member(member));
     }
     return module;
+}
+
+json_ptr ask(client &host, const std::vector<std::string> &modules)
+{
+    json_ptr data;
+    if (!modules.empty()) {
+        data.reset(cJSON_CreateObject());
+        cJSON *const names = cJSON_AddArrayToObject(data.get(), "modules");
+        for (const std::string &module : modules)
+            cJSON_AddItemToArray(names, cJSON_CreateString(module.c_str()));
+    }
+    return host.call("api_get", "describe", std::move(data));
+}
+
+// A description that is too long for a datagram tells the modules alone; their members come one
+// module at a time.
+void complete(client &host, cJSON *modules)
+{
+    if (cJSON_GetArraySize(modules) < 2)
+        return;
+    cJSON *module = nullptr;
+    cJSON_ArrayForEach(module, modules)
+    {
+        if (!cJSON_IsObject(module) || member_of(module, "members") != nullptr)
+            continue;
+        const json_ptr answer = ask(host, {module->string});
+        const cJSON *const alone = member_of(member_of(answer.get(), "modules"), module->string);
+        const cJSON *const members = member_of(alone, "members");
+        if (members != nullptr)
+            cJSON_AddItemToObject(module, "members", cJSON_Duplicate(members, 1));
+    }
 }
 
 } // namespace
@@ -82,19 +114,12 @@ const module_description *description::find(const std::string &module) const
 
 std::optional<description> describe(client &host, const std::vector<std::string> &modules)
 {
-    json_ptr data;
-    if (!modules.empty()) {
-        data.reset(cJSON_CreateObject());
-        cJSON *const names = cJSON_AddArrayToObject(data.get(), "modules");
-        for (const std::string &module : modules)
-            cJSON_AddItemToArray(names, cJSON_CreateString(module.c_str()));
-    }
-
     description described;
-    described.answer = host.call("api_get", "describe", std::move(data));
-    const cJSON *const found = member_of(described.answer.get(), "modules");
+    described.answer = ask(host, modules);
+    cJSON *const found = cJSON_GetObjectItemCaseSensitive(described.answer.get(), "modules");
     if (!cJSON_IsObject(found))
         return std::nullopt; // also another command, whose name begins with "describe"
+    complete(host, found);
     const cJSON *module = nullptr;
     cJSON_ArrayForEach(module, found)
     {

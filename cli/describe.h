@@ -13,6 +13,7 @@ struct member_description {
     std::string kind; // "number", "enum", "text", or what a later host calls it
     std::string min, max, default_value, current;
     std::vector<std::string> names; // of an enum
+    bool read_only;                 // a request for it would change another one
     const cJSON *node;              // as the host sent it
 
     // Such as "number, 0 to 100" or "one of AAC, G711A".

@@ -14,6 +14,11 @@ const char *const examples = R"(Examples:
   camparam get af                         every value of a module
   camparam get af.zoom_value af.focus_mode
   camparam set af.zoom_value=1200         set, and read back
+  camparam set misc.hdmivideoformat=1080P50 netport.http_port=8080
+  camparam style vivid --default          picture style, now and after each start
+  camparam www get image                  a web page's values in web names
+  camparam www set image 'hue=5&gamma=2'
+  camparam share video.bitRate=4096 --instance 1
   camparam call save                      run a command of the host
   echo '{"msg_type":"get","msg_id":1,"af":["all"]}' | camparam raw
 
@@ -30,6 +35,11 @@ struct arguments {
     std::vector<std::string> values; // of set
     std::string command;             // of call
     std::vector<std::string> members;
+    std::string style;
+    bool as_default = false;
+    std::string page, query; // of www
+    std::string shared;      // of share
+    int instance = 0;
 
     value_form form() const
     {
@@ -111,6 +121,58 @@ void add_call(CLI::App &app, arguments &given)
     add_form_options(call, given);
 }
 
+void add_style(CLI::App &app, arguments &given)
+{
+    CLI::App *const style =
+        app.add_subcommand("style", "Show the picture styles, or apply one with all its values");
+    CLI::Option *const name =
+        style->add_option("style", given.style, "The style to apply")->type_name("NAME");
+    style->add_flag("--default", given.as_default, "Make it the default style as well")
+        ->needs(name);
+}
+
+void add_www(CLI::App &app, arguments &given)
+{
+    CLI::App *const www =
+        app.add_subcommand("www", "Read or change settings in the names of the web pages");
+    www->require_subcommand(1);
+    CLI::App *const get = www->add_subcommand("get", "Print the values of a page, a line each");
+    get->add_option("page", given.page, "Name of the page")->type_name("PAGE")->required();
+    CLI::App *const set = www->add_subcommand("set", "Change values of a page and read them back");
+    set->add_option("page", given.page, "Name of the page")->type_name("PAGE")->required();
+    set->add_option("query", given.query, "New values; nothing in them is escaped")
+        ->type_name("NAME=VALUE&...")
+        ->required();
+}
+
+void add_share(CLI::App &app, arguments &given)
+{
+    CLI::App *const share = app.add_subcommand(
+        "share", "Change a setting by share datagram and read it back over a request");
+    share->add_option("value", given.shared, "Setting of video, audio or isp, and its new value")
+        ->type_name("MODULE.MEMBER=VALUE")
+        ->required();
+    share->add_option("--instance", given.instance, "Stream, or image processor")
+        ->type_name("N")
+        ->check(CLI::Range(0, 255))
+        ->capture_default_str();
+    add_form_options(share, given);
+}
+
+exit_code run_www(const CLI::App &www, client &host, const arguments &given)
+{
+    if (www.got_subcommand("get"))
+        return get_page(host, given.page, given.as_json);
+    return set_page(host, given.page, given.query, given.as_json);
+}
+
+exit_code run_style(client &host, const arguments &given)
+{
+    if (given.style.empty())
+        return show_styles(host, given.as_json);
+    return apply_style(host, given.style, given.as_default, given.as_json);
+}
+
 exit_code run(const CLI::App &app, const arguments &given)
 {
     const double longest_s = 3600;
@@ -127,6 +189,12 @@ exit_code run(const CLI::App &app, const arguments &given)
     if (app.got_subcommand("call"))
         return call_command(host, given.command, given.api_type(), given.members, given.form(),
                             given.as_json);
+    if (app.got_subcommand("style"))
+        return run_style(host, given);
+    if (app.got_subcommand("www"))
+        return run_www(*app.get_subcommand("www"), host, given);
+    if (app.got_subcommand("share"))
+        return share_setting(host, given.shared, given.instance, given.form(), given.as_json);
     return send_raw(host);
 }
 
@@ -144,6 +212,9 @@ int main(int argc, char **argv)
     add_get(app, given);
     add_set(app, given);
     add_call(app, given);
+    add_style(app, given);
+    add_www(app, given);
+    add_share(app, given);
     app.add_subcommand("raw", "Send the JSON request on standard input, print the answer");
 
     try {

@@ -4,9 +4,9 @@
 
 // The store searches from the last row to the first, and a request may abbreviate a name.
 static const param_command commands[] = {
-    {"describe", describe_command, nullptr},
-    {"lens", lens_command, nullptr},
-    {"save", save_command, nullptr},
+    {"describe", describe_command, nullptr}, {"lens", lens_command, nullptr},
+    {"reload", reload_command, nullptr},     {"save", save_command, nullptr},
+    {"style", style_command, nullptr},
 };
 
 int register_commands()

@@ -11,5 +11,9 @@ int register_commands();
 int describe_command(int mode, para_message *message, cJSON **reply);
 // Sets AF members, which have no set request of their own. Set only.
 int lens_command(int mode, para_message *message, cJSON **reply);
+// Rereads the files of a conf module, "netport" unless told. Set only.
+int reload_command(int mode, para_message *message, cJSON **reply);
 // Saves every module now. Get or set: no setting changes.
 int save_command(int mode, para_message *message, cJSON **reply);
+// Lists the picture styles, or applies one. Get or set.
+int style_command(int mode, para_message *message, cJSON **reply);

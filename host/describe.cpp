@@ -1,45 +1,39 @@
 #include <cstring>
 
-#include "af_table.h"
+#include "camparam/camparam.h"
 #include "commands.h"
+#include "description.h"
 #include "request.h"
 
 namespace {
 
-struct module_description {
-    const char *name;
+// The most that one UDP datagram over IPv4 holds.
+constexpr size_t longest_reply = 65507;
+
+// How the modules that one function answers for are described.
+struct module_kind {
+    decltype(para_module::get_opt) get_opt;
+    json_ptr (*describe)(const char *module);
     const char *command; // which changes the module; null: a set request does
-    void (*add_members)(cJSON *members);
 };
 
-cJSON *add_member(cJSON *members, const char *name, const char *kind)
-{
-    cJSON *const member = cJSON_AddObjectToObject(members, name);
-    cJSON_AddStringToObject(member, "kind", kind);
-    return member;
-}
+const module_kind kinds[] = {
+    {para_get_isp_opt, describe_isp, nullptr},
+    {para_get_af_opt, describe_af, "lens"},
+    {para_get_video_opt, describe_video, nullptr},
+    {para_get_audio_opt, describe_audio, nullptr},
+    {para_get_misc_opt, describe_json_module, nullptr},
+    {para_get_conf_opt, describe_conf_module, nullptr},
+};
 
-void add_number(cJSON *members, const char *name, int min, int max, int def, int cur)
+const module_kind *kind_of(const para_module &row)
 {
-    cJSON *const member = add_member(members, name, "number");
-    cJSON_AddNumberToObject(member, "min", min);
-    cJSON_AddNumberToObject(member, "max", max);
-    cJSON_AddNumberToObject(member, "default", def);
-    cJSON_AddNumberToObject(member, "current", cur);
-}
-
-void add_af_members(cJSON *members)
-{
-    for (const af_member &member : af_members) {
-        if (is_present(member))
-            add_number(members, member.name, para_af_min[member.slot], para_af_max[member.slot],
-                       para_af_def[member.slot], para_af_cur[member.slot]);
+    for (const module_kind &kind : kinds) {
+        if (row.get_opt == kind.get_opt)
+            return &kind;
     }
+    return nullptr;
 }
-
-const module_description modules[] = {
-    {"af", "lens", add_af_members},
-};
 
 // A request without a list asks for every module.
 bool is_wanted(const char *module, const cJSON *list)
@@ -53,12 +47,44 @@ bool is_wanted(const char *module, const cJSON *list)
     return list == nullptr;
 }
 
-void add_module(cJSON *described, const module_description &module)
+void add_module(cJSON *described, const char *name, const module_kind &kind)
 {
-    cJSON *const object = cJSON_AddObjectToObject(described, module.name);
-    if (module.command != nullptr)
-        cJSON_AddStringToObject(object, "set", module.command);
-    module.add_members(cJSON_AddObjectToObject(object, "members"));
+    json_ptr members = kind.describe(name);
+    if (!members)
+        return;
+    cJSON *const object = cJSON_AddObjectToObject(described, name);
+    if (kind.command != nullptr)
+        cJSON_AddStringToObject(object, "set", kind.command);
+    cJSON_AddItemToObject(object, "members", members.release());
+}
+
+void add_modules(cJSON *described, const cJSON *list)
+{
+    for (int i = 0; i < module_para_handle_num; i++) {
+        const para_module &row = module_para_handle[i];
+        const module_kind *const kind = kind_of(row);
+        if (kind != nullptr && is_wanted(row.name, list))
+            add_module(described, row.name, *kind);
+    }
+}
+
+void leave_members_out(cJSON *described)
+{
+    cJSON *module = nullptr;
+    cJSON_ArrayForEach(module, described)
+    {
+        cJSON_DeleteItemFromObjectCaseSensitive(module, "members");
+    }
+}
+
+// The tree as text without blanks, in a node that the store prints as it is: a whole camera would
+// not fit in a datagram with them.
+cJSON *without_blanks(const json_ptr &tree)
+{
+    char *const text = cJSON_PrintUnformatted(tree.get());
+    cJSON *const node = text != nullptr ? cJSON_CreateRaw(text) : nullptr;
+    cJSON_free(text);
+    return node;
 }
 
 } // namespace
@@ -70,12 +96,14 @@ int describe_command(int mode, para_message *message, cJSON **reply)
     if (mode != API_GET || (list != nullptr && !cJSON_IsArray(list)))
         return -1;
 
-    json_ptr answer = start_reply(request);
+    const json_ptr answer = start_reply(request);
     cJSON *const described = cJSON_AddObjectToObject(answer.get(), "modules");
-    for (const module_description &module : modules) {
-        if (is_wanted(module.name, list))
-            add_module(described, module);
+    add_modules(described, list);
+    json_ptr text(without_blanks(answer));
+    if (text && strlen(text->valuestring) > longest_reply) {
+        leave_members_out(described);
+        text.reset(without_blanks(answer));
     }
-    *reply = answer.release();
+    *reply = text.release();
     return 0;
 }

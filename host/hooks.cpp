@@ -116,5 +116,9 @@ void install_hooks()
     para_profile.audio_set_request_hook = audio_set_request;
     para_profile.misc_set_request_hook = misc_set_request;
     para_profile.conf_update_hook = conf_update;
+}
+
+void let_conf_files_be_written()
+{
     para_profile.conf_save_hook = conf_save;
 }

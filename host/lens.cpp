@@ -5,6 +5,7 @@
 
 #include "af_table.h"
 #include "commands.h"
+#include "outcome.h"
 #include "request.h"
 
 namespace {
@@ -36,8 +37,7 @@ std::string set(const cJSON *item)
     // The setter is silent about a value that it does not take, so the current value tells.
     member->set(item->valueint);
     if (para_af_cur[member->slot] != item->valueint)
-        return "out of range, " + std::to_string(para_af_min[member->slot]) + " to " +
-               std::to_string(para_af_max[member->slot]);
+        return out_of_range(para_af_min[member->slot], para_af_max[member->slot]);
     return "";
 }
 
@@ -51,16 +51,11 @@ int lens_command(int mode, para_message *message, cJSON **reply)
         return -1;
 
     json_ptr answer = start_reply(request);
-    cJSON *const accepted = cJSON_AddArrayToObject(answer.get(), "accepted");
-    cJSON *const refused = cJSON_AddObjectToObject(answer.get(), "refused");
+    outcome result(answer.get());
     const cJSON *item = nullptr;
     cJSON_ArrayForEach(item, data)
     {
-        const std::string reason = set(item);
-        if (reason.empty())
-            cJSON_AddItemToArray(accepted, cJSON_CreateString(item->string));
-        else
-            cJSON_AddStringToObject(refused, item->string, reason.c_str());
+        result.add(item->string, set(item));
     }
     *reply = answer.release();
     return 0;

@@ -12,6 +12,8 @@
 #include "log.h"
 #include "options.h"
 #include "port.h"
+#include "share_datagram.h"
+#include "share_maps.h"
 
 namespace {
 
@@ -36,6 +38,8 @@ void fill_profile(const options &chosen)
         para_profile.www2json_name = chosen.www2json.c_str();
     dbgout_profile[1] = chosen.trace_level;
     install_hooks();
+    if (chosen.write_conf)
+        let_conf_files_be_written();
 }
 
 bool make_data_folder(const std::string &data)
@@ -67,10 +71,14 @@ bool start_server(const options &chosen)
         log_line("cannot register the commands");
         return false;
     }
+    if (chosen.share)
+        register_share_datagram_handler(apply_share_datagram);
     if (const int error = platformparam_init(); error != 0) {
         log_line("cannot start the store: %s", strerror(error));
         return false;
     }
+    if (chosen.share && !publish_share_maps())
+        log_line("cannot publish the shared memory; client processes find nothing to attach");
     log_line("ready on UDP port %d, home %s, data %s", server_port, chosen.home.c_str(),
              chosen.data.c_str());
     return true;
@@ -82,6 +90,16 @@ bool start_client()
         return false;
     log_line("ready in the client role");
     return true;
+}
+
+// Waits for one of the ending signals, and keeps the shared memory up to date meanwhile.
+int wait_for_signal(const sigset_t &ending)
+{
+    const timespec turn = {0, 100000000};
+    int received = -1;
+    while ((received = sigtimedwait(&ending, nullptr, &turn)) < 0)
+        refresh_share_maps();
+    return received;
 }
 
 } // namespace
@@ -99,9 +117,9 @@ int main(int argc, char **argv)
     if (!(chosen.client ? start_client() : start_server(chosen)))
         return 1;
 
-    int received = 0;
-    sigwait(&ending, &received);
+    const int received = wait_for_signal(ending);
     log_line("%s: saving and stopping", received == SIGTERM ? "SIGTERM" : "SIGINT");
+    withdraw_share_maps();
     platformparam_stop(1);
     return 0;
 }

@@ -31,6 +31,13 @@ bool read_options(int argc, char **argv, options &chosen, int &exit_status)
         ->type_name("NAME");
     app.add_flag("--client", chosen.client, "Run in the client role: no settings, no server");
 
+    app.add_flag("--write-conf", chosen.write_conf,
+                 "Write changed conf modules, such as netport, into the data folder. Off by\n"
+                 "default: these files belong to other programs of the device, which may have\n"
+                 "changed them meanwhile");
+    app.add_flag("!--no-share", chosen.share,
+                 "Publish no shared memory, and drop the datagrams of client processes");
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

@@ -9,6 +9,8 @@ struct options {
     std::string www2json; // empty: the store's own default
     int trace_level = 3;
     bool client = false;
+    bool write_conf = false;
+    bool share = true;
 };
 
 // Fills the options; their defaults are what para_profile holds. When the process is to end here,

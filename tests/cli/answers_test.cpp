@@ -13,7 +13,7 @@ run_result run_quickly(std::vector<std::string> words)
 
 TEST(ClientAnswers, NoJsonIsNoAnswer)
 {
-    std::string garbage;
+    shared_text garbage;
     const fake_server camera(
         [&](const std::string &) { return std::vector<std::string>{garbage}; });
 
@@ -33,7 +33,7 @@ TEST(ClientAnswers, NoJsonIsNoAnswer)
 
 TEST(ClientAnswers, AModuleThatIsNoObjectIsNotUnderstood)
 {
-    std::string values;
+    shared_text values;
     const fake_server camera([&](const std::string &request) {
         return std::vector<std::string>{reply_to(request, values)};
     });
@@ -59,9 +59,9 @@ TEST(ClientAnswers, ValuesOfAnyTypeArePrinted)
 
 TEST(ClientAnswers, ADescriptionOfWrongTypesIsReadAsFarAsItGoes)
 {
-    std::string modules;
+    shared_text modules;
     const fake_server camera([&](const std::string &request) {
-        return std::vector<std::string>{reply_to(request, "'modules':" + modules)};
+        return std::vector<std::string>{reply_to(request, "'modules':" + std::string(modules))};
     });
 
     for (const char *none : {"5", "[]", "null", "'x'"}) {
@@ -83,12 +83,12 @@ TEST(ClientAnswers, ADescriptionOfWrongTypesIsReadAsFarAsItGoes)
 
 TEST(ClientAnswers, ASetWhoseAnswerChangesTypeIsNotTaken)
 {
-    std::string value;
+    shared_text value;
     const fake_server camera([&](const std::string &request) {
         return std::vector<std::string>{
             reply_to(request, is_for(request, "describe")
                                   ? "'modules':{'af':{'members':{'zoom_value':{'kind':'number'}}}}"
-                                  : "'af':{'zoom_value':" + value + "}")};
+                                  : "'af':{'zoom_value':" + std::string(value) + "}")};
     });
 
     for (const char *wrong : {"'5'", "null", "[5]", "5.5", "true"}) {

@@ -24,10 +24,12 @@ protected:
 
 TEST_F(Completion, OffersCommandsAndOptions)
 {
-    EXPECT_EQ(offers("''"), "list get set call raw\n");
+    EXPECT_EQ(offers("''"), "list get set call style www share raw\n");
     EXPECT_EQ(offers("l"), "list\n");
     EXPECT_EQ(offers("get --ti"), "--timeout\n");
-    EXPECT_EQ(offers("call s"), "save\n");
+    EXPECT_EQ(offers("call s"), "save style\n");
+    EXPECT_EQ(offers("www ''"), "get set\n");
+    EXPECT_EQ(offers("www get ''"), "\n");
 }
 
 TEST_F(Completion, OffersTheSettingsOfTheHost)
@@ -36,6 +38,18 @@ TEST_F(Completion, OffersTheSettingsOfTheHost)
 
     EXPECT_EQ(offers("get af."), "af.focus_mode af.zoom_value\n");
     EXPECT_EQ(offers("set af.z"), "af.zoom_value=\n");
+}
+
+TEST_F(Completion, OffersWhatTheSampleDeviceHas)
+{
+    home = SAMPLE_HOME;
+    start_host();
+
+    EXPECT_EQ(offers("style v"), "vivid\n");
+    EXPECT_EQ(offers("share isp.ga"), "isp.gain_limit= isp.gamma=\n");
+    EXPECT_EQ(offers("share video.g"), "video.gop=\n");
+    EXPECT_EQ(offers("share audio.m"), "audio.mute=\n");
+    EXPECT_EQ(offers("set netport.http"), "netport.http_port=\n");
 }
 
 TEST_F(Completion, OffersNothingWithoutAHost)

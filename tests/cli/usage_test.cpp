@@ -8,14 +8,14 @@ TEST(ClientUsage, HelpShowsCommandsOptionsAndExamples)
 
     EXPECT_EQ(help.status, 0);
     for (const char *text :
-         {"list", "get", "set", "call", "raw", "--host", "--port", "--timeout", "--retries",
-          "--json", "camparam set af.zoom_value=1200", "Exit status"})
+         {"list", "get", "set", "call", "style", "www", "share", "raw", "--host", "--port",
+          "--timeout", "--retries", "--json", "camparam set af.zoom_value=1200", "Exit status"})
         EXPECT_NE(help.output.find(text), std::string::npos) << text;
 }
 
 TEST(ClientUsage, EachCommandHasHelp)
 {
-    for (const char *command : {"list", "get", "set", "call", "raw"}) {
+    for (const char *command : {"list", "get", "set", "call", "style", "www", "share", "raw"}) {
         const run_result help = run({command, "--help"});
         EXPECT_EQ(help.status, 0) << command;
         EXPECT_NE(help.output.find("Usage: camparam " + std::string(command)), std::string::npos)
@@ -52,6 +52,22 @@ TEST(ClientUsage, MistakesAreUsageErrors)
              {"set", "--number", "--text", "af.zoom_value=5"},
              {"call", "save", "--get", "--set"},
              {"call", "save", "=5"},
+             {"style", "vivid", "soft"},
+             {"style", "--default"},
+             {"www"},
+             {"www", "list"},
+             {"www", "get"},
+             {"www", "set", "image"},
+             {"www", "set", "image", "hue"},
+             {"www", "set", "image", ""},
+             {"share"},
+             {"share", "video.gop"},
+             {"share", "video=5"},
+             {"share", "misc.mirror=1"},
+             {"share", "video0.gop=5"},
+             {"share", "video.gop=5", "--instance", "-1"},
+             {"share", "video.gop=5", "--instance", "one"},
+             {"share", "audio.mute=1", "--instance", "1"},
              {"get", "af", "--port", "0"},
              {"get", "af", "--port", "65536"},
              {"get", "af", "--timeout", "0"},

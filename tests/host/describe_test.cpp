@@ -12,6 +12,12 @@ const char *const af = "'af':{'set':'lens','members':{"
                        "'zoom_value':{'kind':'number','min':-100,'max':1000,'default':0,"
                        "'current':0}}}";
 
+// With the files of the lens alone the other modules have no members, and there is no stream.
+const std::string every_module =
+    "'isp0':{'members':{}}," + std::string(af) +
+    ",'audio':{'members':{}},'misc':{'members':{}},'netport':{'members':{}},"
+    "'overlay':{'members':{}},'ndi_config':{'members':{}}";
+
 std::string reply_with(const std::string &modules)
 {
     return "{'msg_name':'describe','msg_id':7,'modules':{" + modules + "}}";
@@ -24,7 +30,7 @@ TEST_F(DescribeCommand, ListsEveryPresentMember)
     start_host();
 
     EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7}"),
-              reply_with(af));
+              reply_with(every_module));
 }
 
 TEST_F(DescribeCommand, TellsCurrentAndDefaultApart)
@@ -68,7 +74,7 @@ TEST_F(DescribeCommand, IgnoresDataThatIsNoObject)
     for (const char *ignored : {"5", "'af'", "['af']", "null"})
         EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7,'data':" +
                              std::string(ignored) + "}"),
-                  reply_with(af))
+                  reply_with(every_module))
             << ignored;
 }
 
@@ -86,29 +92,6 @@ TEST_F(DescribeCommand, EchoesIdentifiersAsTheyCame)
     const std::string reply = client.ask("{'msg_type':'api_get','msg_name':'desc','msg_id':'x'}");
 
     EXPECT_EQ(reply.find("{'msg_name':'desc','modules':"), 0u) << reply;
-}
-
-TEST_F(DescribeCommand, DescribesTheSampleDevice)
-{
-    home = SAMPLE_HOME;
-    start_host();
-
-    const json reply(
-        cJSON_Parse(client.request("{'msg_type':'api_get','msg_name':'describe'}")->c_str()));
-
-    const cJSON *const modules = cJSON_GetObjectItem(reply.get(), "modules");
-    const cJSON *const members = cJSON_GetObjectItem(cJSON_GetObjectItem(modules, "af"), "members");
-    ASSERT_EQ(cJSON_GetArraySize(members), 6);
-    const cJSON *member = nullptr;
-    cJSON_ArrayForEach(member, members)
-    {
-        const double minimum = cJSON_GetObjectItem(member, "min")->valuedouble;
-        const double maximum = cJSON_GetObjectItem(member, "max")->valuedouble;
-        const double usual = cJSON_GetObjectItem(member, "default")->valuedouble;
-        EXPECT_LT(minimum, maximum) << member->string;
-        EXPECT_LE(minimum, usual) << member->string;
-        EXPECT_LE(usual, maximum) << member->string;
-    }
 }
 
 } // namespace

@@ -33,5 +33,24 @@ private:
     std::thread thread;
 };
 
+// A text that a test changes while the server's thread answers with it.
+class shared_text {
+public:
+    void operator=(const std::string &new_text)
+    {
+        const std::lock_guard<std::mutex> guard(lock);
+        text = new_text;
+    }
+    operator std::string() const
+    {
+        const std::lock_guard<std::mutex> guard(lock);
+        return text;
+    }
+
+private:
+    mutable std::mutex lock;
+    std::string text;
+};
+
 // The number behind "msg_id" in a request, as text.
 std::string id_of(const std::string &request);

@@ -86,8 +86,10 @@ TEST_F(Hooks, StayOneLineWhateverTheNamesHold)
                         "camparamd: audio_set_request:  \n");
 }
 
-TEST_F(Hooks, LetConfFilesBeSaved)
+TEST_F(Hooks, LetConfFilesBeWrittenOnRequest)
 {
+    EXPECT_EQ(para_profile.conf_save_hook, nullptr);
+    let_conf_files_be_written();
     ASSERT_NE(para_profile.conf_save_hook, nullptr);
     para_profile.conf_save_hook();
     EXPECT_EQ(logged(), "");

@@ -1,5 +1,8 @@
 #include "host/host_process.h"
 
+#include <sched.h>
+#include <sys/mount.h>
+
 #include <algorithm>
 
 HostProcess::HostProcess()
@@ -11,6 +14,8 @@ HostProcess::HostProcess()
 void HostProcess::start_host(const std::vector<std::string> &options)
 {
     std::vector<std::string> command = {CAMPARAMD, "--home", home, "--data", data};
+    if (!shares)
+        command.push_back("--no-share");
     command.insert(command.end(), options.begin(), options.end());
     host = std::make_unique<process>(command);
     ASSERT_TRUE(
@@ -35,4 +40,12 @@ bool HostProcess::saves(const std::string &name, const std::string &text)
     std::replace(expected.begin(), expected.end(), '\'', '"');
     expected += '\0';
     return wait_until([&] { return read_data(name) == expected; });
+}
+
+void HostProcess::share()
+{
+    ASSERT_EQ(unshare(CLONE_NEWNS), 0);
+    ASSERT_EQ(mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr), 0);
+    ASSERT_EQ(mount("none", "/dev/shm", "tmpfs", 0, nullptr), 0);
+    shares = true;
 }

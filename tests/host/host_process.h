@@ -1,4 +1,5 @@
-// A camparamd on folders of its own, with a lens of its own.
+// A camparamd on folders of its own, with a lens of its own. It shares no memory, whose names
+// belong to the whole machine, unless the test says so.
 #pragma once
 
 #include <memory>
@@ -25,5 +26,12 @@ protected:
     // apostrophe stands for a quote.
     bool saves(const std::string &name, const std::string &text);
 
+    // Gives the test and what it starts a folder of shared memory of their own, and lets camparamd
+    // share.
+    void share();
+
     std::unique_ptr<process> host;
+
+private:
+    bool shares = false;
 };

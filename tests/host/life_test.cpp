@@ -68,7 +68,7 @@ TEST_F(HostLife, RefusesToStartOnATakenPort)
     const fake_server other([](const std::string &) { return std::vector<std::string>(); });
 
     host = std::make_unique<process>(
-        std::vector<std::string>{CAMPARAMD, "--home", home, "--data", data});
+        std::vector<std::string>{CAMPARAMD, "--home", home, "--data", data, "--no-share"});
 
     EXPECT_EQ(host->wait_for_end(), 1);
     EXPECT_EQ(host->errors(),
@@ -105,7 +105,9 @@ TEST_F(HostLife, StartsWithoutHomeFiles)
 
     EXPECT_TRUE(host_has_logged("af init err")) << host->errors();
     EXPECT_EQ(Client().ask("{'msg_type':'api_get','msg_name':'describe'}"),
-              "{'msg_name':'describe','modules':{'af':{'set':'lens','members':{}}}}");
+              "{'msg_name':'describe','modules':{'isp0':{'members':{}},"
+              "'af':{'set':'lens','members':{}},'audio':{'members':{}},'misc':{'members':{}},"
+              "'netport':{'members':{}},'overlay':{'members':{}},'ndi_config':{'members':{}}}}");
 }
 
 TEST_F(HostLife, GoesOnWhenNobodyReadsItsMessages)
@@ -113,7 +115,7 @@ TEST_F(HostLife, GoesOnWhenNobodyReadsItsMessages)
     const std::string id_file = data + "/id";
     const process shell({"sh", "-c",
                          "sh -c 'echo $$ >" + id_file + "; exec " CAMPARAMD " --home " + home +
-                             " --data " + data + " --trace 7' 2>&1 | head -n 1"});
+                             " --data " + data + " --no-share --trace 7' 2>&1 | head -n 1"});
     ASSERT_TRUE(wait_until([&] { return set_zoom(1) == taken; }));
 
     EXPECT_EQ(set_zoom(2), taken);

@@ -18,9 +18,18 @@ TEST_F(HostOptions, HelpNamesEachOptionAndTheDefaultFolders)
 {
     EXPECT_EQ(run({"--help"}), 0);
 
-    for (const char *text : {"--home DIR=/home ", "--data DIR=/data ", "--trace LEVEL",
-                             "--www2json NAME", "--client", "--version"})
+    for (const char *text :
+         {"--home DIR=/home ", "--data DIR=/data ", "--trace LEVEL", "--www2json NAME", "--client",
+          "--write-conf", "--no-share", "--version"})
         EXPECT_NE(host->output().find(text), std::string::npos) << text;
+}
+
+TEST_F(HostOptions, HelpTellsWhyConfFilesAreNotWritten)
+{
+    EXPECT_EQ(run({"--help"}), 0);
+
+    EXPECT_NE(host->output().find("these files belong to other programs"), std::string::npos)
+        << host->output();
 }
 
 TEST_F(HostOptions, VersionIsPrinted)

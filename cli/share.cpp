@@ -1,0 +1,62 @@
+#include <cstring>
+
+#include "camparam/share.h"
+#include "change.h"
+#include "commands.h"
+
+namespace {
+
+// Copies a text into a field that keeps at least one zero.
+template <size_t size> void fill(char (&field)[size], const std::string &text)
+{
+    if (text.size() >= size)
+        throw failure(USAGE, "\"" + text + "\" is too long, a share datagram holds " +
+                                 std::to_string(size - 1) + " bytes of it");
+    memcpy(field, text.data(), text.size());
+}
+
+std::string datagram_of(const std::string &module, int instance, const assignment &value)
+{
+    para_share_datagram datagram = {};
+    datagram.type = value.number ? 0 : 1;
+    datagram.instance = static_cast<uint32_t>(instance);
+    if (value.number)
+        datagram.number = *parse_int(value.value);
+    else
+        fill(datagram.text, value.value);
+    fill(datagram.module, module);
+    fill(datagram.member, value.member);
+    return {reinterpret_cast<const char *>(&datagram), sizeof datagram};
+}
+
+// The name by which requests know an instance of a share module.
+std::string module_of(const std::string &shared, int instance)
+{
+    if (shared == "audio") {
+        if (instance != 0)
+            throw failure(USAGE, "audio has the instance 0 alone");
+        return shared;
+    }
+    if (shared != "video" && shared != "isp")
+        throw failure(USAGE,
+                      "\"" + shared + "\" takes no share datagrams; video, audio and isp do");
+    return shared + std::to_string(instance);
+}
+
+} // namespace
+
+exit_code share_setting(client &host, const std::string &text, int instance, value_form form,
+                        bool as_json)
+{
+    const setting_value given = parse_setting_value(text);
+    const std::string module = module_of(given.name.module, instance);
+    const setting_value wanted = {{module, given.name.member}, given.value};
+    const std::optional<description> described = describe(host, {module});
+    const change planned = plan_change(host, wanted, described, form);
+
+    host.send(datagram_of(given.name.module, instance, planned.value));
+    const json_ptr values(cJSON_CreateObject());
+    cJSON *const found = cJSON_AddObjectToObject(values.get(), module.c_str());
+    host.get(module, {planned.name.member}, found);
+    return report_changes(host, {planned}, values.get(), as_json);
+}

@@ -1,0 +1,129 @@
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+#include "commands.h"
+#include "output.h"
+
+namespace {
+
+using pair_list = std::vector<std::pair<std::string, std::string>>;
+
+// The pairs of a query; what has no "=" is left out, such as nothing before a first "&".
+pair_list pairs_of(const std::string &query)
+{
+    pair_list pairs;
+    for (size_t start = 0; start < query.size();) {
+        const size_t end = std::min(query.find('&', start), query.size());
+        const size_t equals = query.find('=', start);
+        if (equals < end)
+            pairs.emplace_back(query.substr(start, equals - start),
+                               query.substr(equals + 1, end - equals - 1));
+        start = end + 1;
+    }
+    return pairs;
+}
+
+// The store answers what it cannot convert with a text; a longer one is cut.
+void check_answer(const std::string &answer, const std::string &page)
+{
+    const size_t longest_error = 1023;
+    if (answer == "para_config=null")
+        throw failure(OTHER, "the host has no web-name file, or one that is not JSON");
+    if (answer == "cJSON_Parse=null")
+        throw failure(OTHER, "the host does not understand the request");
+    if (answer == (page + "=null").substr(0, longest_error))
+        throw failure(NO_SUCH_SETTING, "no page \"" + page + "\"");
+}
+
+pair_list ask(client &host, const std::string &page)
+{
+    const std::string answer = host.web("get", page, "");
+    check_answer(answer, page);
+    if (answer == "result=success") // the answer without a pair
+        return {};
+    return pairs_of(answer);
+}
+
+void print(const pair_list &pairs, bool as_json)
+{
+    const json_ptr tree(cJSON_CreateArray());
+    for (const auto &[name, value] : pairs) {
+        if (!as_json) {
+            printf("%s=%s\n", visible(name).c_str(), visible(value).c_str());
+            continue;
+        }
+        cJSON *const object = cJSON_CreateObject();
+        cJSON_AddStringToObject(object, "name", name.c_str());
+        cJSON_AddStringToObject(object, "value", value.c_str());
+        cJSON_AddItemToArray(tree.get(), object);
+    }
+    if (as_json)
+        puts(print_pretty(tree.get()).c_str());
+}
+
+// What the page shows under a name: one value, or one of each module that shares the name.
+std::vector<std::string> values_of(const pair_list &pairs, const std::string &name)
+{
+    std::vector<std::string> values;
+    for (const auto &[other, value] : pairs) {
+        if (other == name)
+            values.push_back(value);
+    }
+    return values;
+}
+
+// Of a name that is given twice, the last value stands.
+pair_list last_of_each(const pair_list &pairs)
+{
+    pair_list last;
+    for (const auto &pair : pairs) {
+        const auto same = std::find_if(
+            last.begin(), last.end(), [&](const auto &other) { return other.first == pair.first; });
+        if (same != last.end())
+            same->second = pair.second;
+        else
+            last.push_back(pair);
+    }
+    return last;
+}
+
+// Prints what the page shows of the pairs, and names each that it shows otherwise.
+exit_code report(const pair_list &wanted, const pair_list &shown, const std::string &page,
+                 bool as_json)
+{
+    pair_list taken;
+    exit_code worst = DONE;
+    for (const auto &pair : wanted) {
+        const std::vector<std::string> values = values_of(shown, pair.first);
+        if (values.empty()) {
+            print_message("the page \"" + page + "\" shows no \"" + pair.first + "\"");
+            worst = worst == DONE ? NO_SUCH_SETTING : worst;
+        } else if (std::find(values.begin(), values.end(), pair.second) == values.end()) {
+            print_message(pair.first + ": \"" + pair.second +
+                          "\" was not taken, the page shows \"" + values.front() + "\"");
+            worst = REFUSED;
+        } else {
+            taken.push_back(pair);
+        }
+    }
+    print(taken, as_json);
+    return worst != DONE && !taken.empty() ? PARTLY_DONE : worst;
+}
+
+} // namespace
+
+exit_code get_page(client &host, const std::string &page, bool as_json)
+{
+    print(ask(host, page), as_json);
+    return DONE;
+}
+
+exit_code set_page(client &host, const std::string &page, const std::string &query, bool as_json)
+{
+    if (query.find('=') == std::string::npos)
+        throw failure(USAGE, "\"" + query + "\" is not of the form NAME=VALUE&NAME=VALUE...");
+    const std::string answer = host.web("set", page, query);
+    check_answer(answer, page);
+    return report(last_of_each(pairs_of(query)), ask(host, page), page, as_json);
+}

@@ -1,0 +1,19 @@
+// The ISP members that can be read and set, as a table.
+#pragma once
+
+#include "camparam/isp.h"
+
+struct isp_member {
+    const char *name;
+    int isp_record::*value;
+    int (*set)(int instance, int value);
+};
+
+inline constexpr isp_member isp_members[] = {
+#define ISP_ROW_yes(name) {#name, &isp_record::name, para_set_isp_##name##_cur},
+#define ISP_ROW_no(name)
+#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) ISP_ROW_##accessor(name)
+#include "camparam/isp_members.def"
+#undef ISP_ROW_yes
+#undef ISP_ROW_no
+};

@@ -1,0 +1,22 @@
+// The answer of a command that changes settings: what was accepted, and what refused and why.
+#pragma once
+
+#include <cjson/cJSON.h>
+
+#include <string>
+
+class outcome {
+public:
+    // Adds the array "accepted" and the object "refused" to the reply.
+    explicit outcome(cJSON *reply);
+
+    // Reports a name; an empty reason means that it was accepted.
+    void add(const char *name, const std::string &reason);
+
+private:
+    cJSON *accepted;
+    cJSON *refused;
+};
+
+// Why a value outside its range was refused.
+std::string out_of_range(int min, int max);

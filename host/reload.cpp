@@ -1,0 +1,50 @@
+#include <cstring>
+
+#include "camparam/conf.h"
+#include "camparam/module.h"
+#include "camparam/platform_queue.h"
+#include "commands.h"
+#include "request.h"
+
+namespace {
+
+bool is_conf_module(const char *name)
+{
+    for (int i = 0; i < module_para_handle_num; i++) {
+        const para_module &row = module_para_handle[i];
+        if (row.get_opt == para_get_conf_opt && strcmp(row.name, name) == 0)
+            return true;
+    }
+    return false;
+}
+
+// The module that the request names; null when what it names cannot be one.
+const char *module_of(const cJSON *data)
+{
+    const cJSON *const module = cJSON_GetObjectItemCaseSensitive(data, "module");
+    if (module == nullptr)
+        return "netport";
+    return cJSON_IsString(module) ? module->valuestring : nullptr;
+}
+
+// The store registers a reload of "netport", the ports that other programs wait for, as work.
+int reload(const char *module)
+{
+    if (strcmp(module, "netport") == 0)
+        return post_fifo_work(module, nullptr) > 0 ? 0 : -1;
+    para_conf_need_update(module);
+    return 0;
+}
+
+} // namespace
+
+int reload_command(int mode, para_message *message, cJSON **reply)
+{
+    const json_ptr request = parse_request(*message);
+    const char *const module = module_of(data_of(request));
+    if (mode != API_SET || module == nullptr || !is_conf_module(module) || reload(module) != 0)
+        return -1;
+
+    *reply = start_reply(request).release();
+    return 0;
+}

@@ -1,0 +1,104 @@
+#include <algorithm>
+
+#include "commands.h"
+#include "isp_table.h"
+#include "outcome.h"
+#include "request.h"
+
+namespace {
+
+constexpr int instance = 0; // styles are loaded for the first image processor
+
+void add_style_name(cJSON *object, const char *member, int index)
+{
+    const char *const style = para_get_isp_style_string(index);
+    if (style != nullptr)
+        cJSON_AddStringToObject(object, member, style);
+}
+
+void add_styles(cJSON *reply)
+{
+    cJSON *const styles = cJSON_AddArrayToObject(reply, "styles");
+    // The list may have holes, where a style's values are missing; the range tells how far it goes,
+    // unless it is far too large.
+    const int last = std::min(para_get_isp_style_max(instance), 1023);
+    for (int i = 0; i <= last || para_get_isp_style_string(i) != nullptr; i++) {
+        const char *const name = para_get_isp_style_string(i);
+        if (name != nullptr &&
+            para_get_isp_style_index(name) == i) // not a name for the second time
+            cJSON_AddItemToArray(styles, cJSON_CreateString(name));
+    }
+    add_style_name(reply, "default", para_get_isp_style_def_index(instance));
+    add_style_name(reply, "current", para_get_isp_style_cur(instance));
+}
+
+// Sets one member. Returns an empty text, or why it was refused.
+std::string set(const isp_member &member, int value)
+{
+    // The setter is silent about a value that it does not take, so the current value tells.
+    member.set(instance, value);
+    if (para_isp_cur[instance].*member.value != value)
+        return out_of_range(para_isp_min[instance].*member.value,
+                            para_isp_max[instance].*member.value);
+    return "";
+}
+
+// The style's word first: where it is refused the picture stays as it is.
+void apply_style(int index, outcome &result)
+{
+    const cJSON *const named = get_isp_style_json(index);
+    const isp_record values = *para_get_isp_style_param(instance, index);
+    for (const isp_member &member : isp_members) {
+        const bool is_style = member.value == &isp_record::style;
+        if (!is_style && cJSON_GetObjectItem(named, member.name) == nullptr)
+            continue;
+        const std::string reason = set(member, is_style ? index : values.*member.value);
+        result.add(member.name, reason);
+        if (is_style && !reason.empty())
+            return;
+    }
+}
+
+bool is_flag(const cJSON *node)
+{
+    return node == nullptr || cJSON_IsNumber(node) || cJSON_IsBool(node);
+}
+
+// 1 or true.
+bool is_set(const cJSON *flag)
+{
+    return cJSON_IsTrue(flag) || (cJSON_IsNumber(flag) && flag->valueint != 0);
+}
+
+int set_style(const cJSON *data, cJSON *reply)
+{
+    const cJSON *const name = cJSON_GetObjectItemCaseSensitive(data, "style");
+    const cJSON *const as_default = cJSON_GetObjectItemCaseSensitive(data, "default");
+    if (!cJSON_IsString(name) || !is_flag(as_default))
+        return -1;
+
+    outcome result(reply);
+    const int index = para_get_isp_style_index(name->valuestring);
+    if (index < 0) {
+        result.add("style", "no such style");
+        return 0;
+    }
+    apply_style(index, result);
+    if (is_set(as_default))
+        result.add("default", para_set_isp_style_def(instance, index) == 0 ? "" : "no such style");
+    return 0;
+}
+
+} // namespace
+
+int style_command(int mode, para_message *message, cJSON **reply)
+{
+    const json_ptr request = parse_request(*message);
+    json_ptr answer = start_reply(request);
+    if (mode == API_GET)
+        add_styles(answer.get());
+    else if (set_style(data_of(request), answer.get()) != 0)
+        return -1;
+    *reply = answer.release();
+    return 0;
+}

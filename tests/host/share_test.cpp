@@ -1,0 +1,247 @@
+// Shared memory and share datagrams.
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstring>
+
+#include "camparam/camparam.h"
+#include "host/host_process.h"
+
+namespace {
+
+class Sharing : public HostProcess {
+protected:
+    Sharing()
+    {
+        home = SAMPLE_HOME;
+        share();
+    }
+
+    static bool is_published(int module)
+    {
+        const std::string name = "/camparam_share_" + std::to_string(module);
+        const int descriptor = shm_open(name.c_str(), O_RDONLY, 0);
+        close(descriptor);
+        return descriptor >= 0;
+    }
+
+    // An entry of a share module, as a client process of the device gets it.
+    static const int *entry(int module, int number)
+    {
+        EXPECT_EQ(para_share_register(module), 0) << module;
+        return static_cast<const int *>(para_get_share_map(module, number));
+    }
+
+    static std::string send(const std::string &datagram, const std::string &query)
+    {
+        Client client;
+        client.send(datagram);
+        return client.ask("{'msg_type':'get'," + query + "}");
+    }
+};
+
+const char *const streams = "'video0':['bitRate'],'video1':['bitRate','protocol']";
+const char *const streams_untouched =
+    "{'video0':{'bitRate':32768},'video1':{'bitRate':2048,'protocol':'H264'}}";
+
+para_share_datagram number_of(const char *module, unsigned instance, const char *member, int number)
+{
+    para_share_datagram datagram = {};
+    datagram.instance = instance;
+    datagram.number = number;
+    memcpy(datagram.module, module, strnlen(module, sizeof datagram.module));
+    memcpy(datagram.member, member, strnlen(member, sizeof datagram.member));
+    return datagram;
+}
+
+para_share_datagram text_of(const char *module, unsigned instance, const char *member,
+                            const char *text)
+{
+    para_share_datagram datagram = number_of(module, instance, member, 0);
+    datagram.type = 1;
+    memcpy(datagram.text, text, strnlen(text, sizeof datagram.text));
+    return datagram;
+}
+
+std::string bytes_of(const para_share_datagram &datagram)
+{
+    return {reinterpret_cast<const char *>(&datagram), sizeof datagram};
+}
+
+TEST_F(Sharing, MapsHoldTheValuesOfTheStart)
+{
+    start_host();
+
+    const int *const stream = entry(0, 2);
+    EXPECT_EQ(stream[0], 0);  // H264
+    EXPECT_EQ(stream[1], 17); // PIC_HD1080
+    EXPECT_EQ(stream[5], 2048);
+    EXPECT_EQ(entry(0, 3)[5], 1024);
+    EXPECT_EQ(entry(0, 6)[5], 0); // not in use
+    EXPECT_EQ(entry(1, 1)[4], 128000);
+    const auto *const isp = reinterpret_cast<const isp_record *>(entry(2, 1));
+    EXPECT_EQ(isp->size, 156);
+    EXPECT_EQ(isp->temperature, 5000);
+    EXPECT_EQ(reinterpret_cast<const isp_record *>(entry(2, 2))->size, 156);
+}
+
+TEST_F(Sharing, MapsHaveTheAnnouncedForm)
+{
+    start_host();
+
+    const int expected[][3] = {{1, 6, 44}, {1, 1, 60}, {1, 2, 156}};
+    for (int module = 0; module < 3; module++) {
+        const int *const header = entry(module, 1) - 3;
+        for (int i = 0; i < 3; i++)
+            EXPECT_EQ(header[i], expected[module][i]) << module << " " << i;
+    }
+    EXPECT_FALSE(is_published(3));
+}
+
+TEST_F(Sharing, MapsFollowChanges)
+{
+    start_host();
+    const volatile int *const bit_rate = &entry(0, 2)[5];
+    const volatile int *const mute = &entry(1, 1)[11];
+    const volatile int *const hue = &reinterpret_cast<const isp_record *>(entry(2, 1))->hue;
+
+    Client().ask(
+        "{'msg_type':'set','video1':{'bitRate':4096},'audio':{'mute':1},'isp0':{'hue':3}}");
+
+    EXPECT_TRUE(wait_until([&] { return *bit_rate == 4096 && *mute == 1 && *hue == 3; }));
+}
+
+TEST_F(Sharing, MapsGoAwayAtTheEnd)
+{
+    for (const int number : {SIGTERM, SIGINT}) {
+        start_host();
+        for (int module = 0; module < 3; module++)
+            EXPECT_TRUE(is_published(module)) << module;
+
+        EXPECT_EQ(end_host(number), 0);
+
+        for (int module = 0; module < 3; module++)
+            EXPECT_FALSE(is_published(module)) << module;
+    }
+}
+
+TEST_F(Sharing, CanBeLeftOut)
+{
+    start_host({"--no-share"});
+
+    for (int module = 0; module < 3; module++)
+        EXPECT_FALSE(is_published(module)) << module;
+    EXPECT_EQ(send(bytes_of(number_of("video", 1, "bitRate", 4096)), streams), streams_untouched);
+    EXPECT_TRUE(host_has_logged("cJSON_Parse err")) << host->errors();
+}
+
+TEST_F(Sharing, TheClientRoleSharesNothing)
+{
+    start_host({"--client"});
+
+    EXPECT_FALSE(is_published(0));
+}
+
+TEST_F(Sharing, ASettingOfAClientProcessIsApplied)
+{
+    start_host();
+    ASSERT_EQ(para_share_register(0), 0);
+
+    para_set_share_video_bitRate_number(1, 4096);
+    para_set_share_video_protocol_string(1, "H265");
+    para_set_share_video_gop_number(2, 7);
+    para_set_share_audio_aeFormat_string(0, "G711A");
+    para_set_share_isp_skin_saturation_number(0, 9);
+
+    EXPECT_TRUE(wait_until([] {
+        return Client().ask("{'msg_type':'get','video1':['bitRate','protocol'],'video2':['gop'],"
+                            "'audio':['aeFormat'],'isp0':['skin_saturation']}") ==
+               "{'video1':{'bitRate':4096,'protocol':'H265'},'video2':{'gop':7},"
+               "'audio':{'aeFormat':'G711A'},'isp0':{'skin_saturation':9}}";
+    }));
+    EXPECT_TRUE(host_has_logged("audio_set_request: audio {\"aeFormat\":\"G711A\"}"));
+    EXPECT_FALSE(host_has_logged("refused")) << host->errors();
+}
+
+TEST_F(Sharing, ASettingIsSavedAndSurvivesARestart)
+{
+    start_host();
+    EXPECT_EQ(send(bytes_of(number_of("video", 1, "bitRate", 4096)), "'video1':['bitRate']"),
+              "{'video1':{'bitRate':4096}}");
+    EXPECT_TRUE(wait_until([&] {
+        const std::optional<std::string> saved = read_data("video_cur.json");
+        return saved && saved->find("4096") != std::string::npos;
+    }));
+    EXPECT_EQ(end_host(SIGTERM), 0);
+
+    start_host();
+
+    EXPECT_EQ(entry(0, 2)[5], 4096);
+}
+
+TEST_F(Sharing, AValueThatARequestWouldNotSetIsIgnored)
+{
+    start_host();
+
+    for (const para_share_datagram &datagram :
+         {number_of("video", 1, "bitRate", 99999999), number_of("video", 1, "bitRate", -1),
+          number_of("video", 1, "protocol", 1), text_of("video", 1, "protocol", "VP9")})
+        EXPECT_EQ(send(bytes_of(datagram), streams), streams_untouched);
+    EXPECT_FALSE(host_has_logged("refused")) << host->errors();
+}
+
+TEST_F(Sharing, UnknownNamesAndInstancesAreRefused)
+{
+    start_host();
+
+    for (const para_share_datagram &datagram :
+         {number_of("", 1, "bitRate", 4096), number_of("vide", 1, "bitRate", 4096),
+          number_of("video1", 1, "bitRate", 4096), number_of("misc", 0, "mirror", 1),
+          number_of("video", 1, "", 4096), number_of("video", 1, "bitRateX", 4096),
+          number_of("video", 1, "bitrate", 4096), number_of("video", 3, "bitRate", 4096),
+          number_of("video", 6, "bitRate", 4096), number_of("video", 0xffffffff, "bitRate", 4096),
+          number_of("audio", 1, "mute", 1), number_of("isp", 1, "hue", 1),
+          number_of("isp", 0, "len_type", 1), text_of("video", 9, "protocol", "H265")}) {
+        EXPECT_EQ(send(bytes_of(datagram), streams), streams_untouched)
+            << datagram.module << "." << datagram.member;
+        EXPECT_TRUE(host_has_logged("share datagram refused: " + std::string(datagram.module) +
+                                    "." + datagram.member + "\n"))
+            << host->errors();
+    }
+    EXPECT_EQ(Client().ask("{'msg_type':'get','misc':['mirror'],'audio':['mute'],'isp0':['hue']}"),
+              "{'misc':{'mirror':0},'audio':{'mute':0},'isp0':{'hue':7}}");
+}
+
+TEST_F(Sharing, FieldsWithoutTheirZeroAreRefused)
+{
+    start_host();
+
+    para_share_datagram module = number_of("video", 1, "bitRate", 4096);
+    memset(module.module, 'v', sizeof module.module);
+    para_share_datagram member = number_of("video", 1, "bitRate", 4096);
+    memset(member.member, 'b', sizeof member.member);
+    para_share_datagram text = text_of("video", 1, "protocol", "H265");
+    memset(text.text, 'H', sizeof text.text);
+
+    for (const para_share_datagram &datagram : {module, member, text})
+        EXPECT_EQ(send(bytes_of(datagram), streams), streams_untouched);
+    EXPECT_TRUE(host_has_logged("share datagram refused: vvvvvvvvvvvvvvvv.bitRate\n"));
+    EXPECT_TRUE(host_has_logged("share datagram refused: video.bbbbbbbbbbbbbbbb\n"));
+    EXPECT_TRUE(host_has_logged("share datagram refused: video.protocol\n"));
+}
+
+TEST_F(Sharing, OtherSizesAndTypesAreNoShareDatagrams)
+{
+    start_host();
+
+    const std::string whole = bytes_of(number_of("video", 1, "bitRate", 4096));
+    para_share_datagram third_type = number_of("video", 1, "bitRate", 4096);
+    third_type.type = 2;
+    for (const std::string &bytes :
+         {whole.substr(0, 75), whole + '\0', whole + whole, bytes_of(third_type)})
+        EXPECT_EQ(send(bytes, streams), streams_untouched);
+    EXPECT_FALSE(host_has_logged("refused")) << host->errors();
+}
+
+} // namespace
