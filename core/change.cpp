@@ -13,12 +13,12 @@ static timespec monotonic_now()
 void stamp_change(const change_stamp &stamp)
 {
     store_time(*stamp.time, monotonic_now());
-    store_word(*stamp.changed, 1);
+    __atomic_store_n(stamp.changed, 1, __ATOMIC_RELEASE); // who sees it sees time and value too
 }
 
 bool change_due(const change_stamp &stamp, int delay_ms)
 {
-    if (load_word(*stamp.changed) != 1)
+    if (__atomic_load_n(stamp.changed, __ATOMIC_ACQUIRE) != 1)
         return false;
 
     const timespec now = monotonic_now();

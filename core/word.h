@@ -4,6 +4,9 @@
 
 #include <ctime>
 
+static_assert(__atomic_always_lock_free(sizeof(time_t), nullptr),
+              "a time stamp must be stored without a library of its own");
+
 template <typename word> word load_word(const word &from)
 {
     return __atomic_load_n(&from, __ATOMIC_RELAXED);

@@ -43,8 +43,9 @@ std::string set(const isp_member &member, int value)
     return "";
 }
 
-// The style's word first: where it is refused the picture stays as it is.
-void apply_style(int index, outcome &result)
+// The style's word first: where it is refused the picture stays as it is. Returns whether it was
+// taken.
+bool apply_style(int index, outcome &result)
 {
     const cJSON *const named = get_isp_style_json(index);
     const isp_record values = *para_get_isp_style_param(instance, index);
@@ -55,8 +56,9 @@ void apply_style(int index, outcome &result)
         const std::string reason = set(member, is_style ? index : values.*member.value);
         result.add(member.name, reason);
         if (is_style && !reason.empty())
-            return;
+            return false;
     }
+    return true;
 }
 
 bool is_flag(const cJSON *node)
@@ -83,8 +85,7 @@ int set_style(const cJSON *data, cJSON *reply)
         result.add("style", "no such style");
         return 0;
     }
-    apply_style(index, result);
-    if (is_set(as_default))
+    if (apply_style(index, result) && is_set(as_default))
         result.add("default", para_set_isp_style_def(instance, index) == 0 ? "" : "no such style");
     return 0;
 }

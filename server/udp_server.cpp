@@ -14,7 +14,7 @@
 
 int para_server_init()
 {
-    const int descriptor = socket(AF_INET, SOCK_DGRAM, 0);
+    const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     // The thread that will wait on it cannot watch a descriptor beyond select's set.
     if (descriptor >= FD_SETSIZE) {
         PARA_TRACE(PARA_ERROR, "sock:%d is too large to wait on", descriptor);

@@ -27,7 +27,8 @@ struct attached_map {
 };
 static attached_map maps[share_modules];
 
-// Zero until the socket is opened, so that setters send nowhere.
+// Zero until the socket is opened, so that setters send nowhere. The destination is complete before
+// the socket is there.
 static int share_socket;
 static sockaddr_in destination;
 static int share_socket_opened;
@@ -116,12 +117,12 @@ void *para_get_share_map(int module, int entry)
 
 int Send_Initial()
 {
-    destination = {};
     destination.sin_family = AF_INET;
     destination.sin_port = htons(server_port);
     inet_pton(AF_INET, "127.0.0.1", &destination.sin_addr);
-    share_socket = socket(AF_INET, SOCK_DGRAM, 0);
-    return share_socket;
+    const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    __atomic_store_n(&share_socket, descriptor, __ATOMIC_RELEASE);
+    return descriptor;
 }
 
 static int send_datagram(para_share_datagram &datagram, int instance, const char *module,
@@ -130,8 +131,11 @@ static int send_datagram(para_share_datagram &datagram, int instance, const char
     datagram.instance = static_cast<uint32_t>(instance);
     memcpy(datagram.module, module, strlen(module));
     memcpy(datagram.member, member, strlen(member));
-    sendto(share_socket, &datagram, sizeof datagram, 0,
-           reinterpret_cast<const sockaddr *>(&destination), sizeof destination);
+    static constexpr sockaddr_in nowhere = {};
+    const int descriptor = __atomic_load_n(&share_socket, __ATOMIC_ACQUIRE);
+    const sockaddr_in &receiver = descriptor != 0 ? destination : nowhere;
+    sendto(descriptor, &datagram, sizeof datagram, 0, reinterpret_cast<const sockaddr *>(&receiver),
+           sizeof receiver);
     return 0;
 }
 

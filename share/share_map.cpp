@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -23,6 +24,7 @@ static share_map *create_map(const char *name, size_t size)
     const int descriptor = shm_open(name, O_CREAT | O_EXCL | O_RDWR, 0666);
     if (descriptor < 0)
         return nullptr;
+    fchmod(descriptor, 0666); // clients of other users write too, whatever the umask
     void *map = MAP_FAILED;
     if (ftruncate(descriptor, static_cast<off_t>(size)) == 0)
         map = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);

@@ -20,14 +20,15 @@
 PARA_BEGIN_DECLS
 
 /**
- * Read a module's files; a reload keeps values that no file has any more.
+ * Read a module's files. A reload keeps values that no file has any more, and overwrites those that
+ * were set and not saved.
  * @return 0, or -1: unknown module, or the defaults file cannot be read, which leaves the module
  *         without values until a reload succeeds.
  */
 PARA_API int para_init_single_conf(const char *name);
 
 /**
- * Current value, not copied. It stays valid until that key is set or a reload fails.
+ * Current value, not copied. It stays valid until that key is set, or a reload changes it or fails.
  * @return The text, or NULL.
  */
 PARA_API const char *para_conf_get_member(const char *module, const char *key);
@@ -70,8 +71,8 @@ PARA_API int para_save_conf_2_buf(const char *module, char *buffer, int size);
  * @param line    The whole new line, without line end.
  * @param format  Of the new line: "%s = \"%s\"" or "%s=%s" for a text, "%s = \"%d\"" or "%s=%d" for
  * a number; another one is traced and changes nothing.
- * @return 0, also when no line matched; -1: the file cannot be opened, memory runs out, or the
- *         format is another.
+ * @return 0, also when no line matched; -1: the file cannot be opened, read or written, memory runs
+ *         out, or the format is another.
  */
 PARA_API int update_conf(const char *path, const char *key, const char *line);
 PARA_API int update_line_conf(const char *path, const char *key, const char *line);

@@ -74,8 +74,8 @@ PARA_API extern int isp_item_changed;
 
 /**
  * For each member <m> that files hold: int para_get_isp_<m>_num(const char *text), 0 when "null"
- * begins with the text (the empty one too), else the number that the text begins with (saturated
- * to int), else -1000, also for NULL.
+ * begins with the text (the empty one too), else, when the text begins with a digit, the number
+ * that it begins with (saturated to int), else -1000, also for NULL.
  */
 #define ISP_NUM_yes(name) PARA_API int para_get_isp_##name##_num(const char *text);
 #define ISP_NUM_no(name)
@@ -118,8 +118,9 @@ PARA_API int isp_set_member_by_name(const char *key, int instance, int number, c
 PARA_API int para_isp_cur_restore_isp_def(void);
 
 /**
- * Change the default of antiflicker, here and in the ODM store, if the value is within [min, max]
- * and differs from the default. The current value stays. @return 0
+ * Change the default of antiflicker, here and in the ODM store, if the member is present and the
+ * value is within [min, max] and differs from the default. The current value stays. The ODM store
+ * has one key for all instances: at the next start the value is instance 0's. @return 0
  */
 PARA_API int para_set_isp_antiflicker_def(int instance, int value);
 
@@ -147,7 +148,9 @@ PARA_API int para_set_isp_style_def_index(int instance, int index);
 
 /**
  * Make a style the default one for good (in the ODM store), and load its values into the
- * instance's defaults. Current values stay: para_isp_cur_restore_isp_def() adopts the defaults.
+ * instance's defaults. Current values stay: para_isp_cur_restore_isp_def() adopts the defaults. For
+ * antiflicker the ODM store's default, as start-up found it, wins over the style's and over what
+ * para_set_isp_antiflicker_def() has set since.
  * @return 0, or -1 when there is no such style or instance.
  */
 PARA_API int para_set_isp_style_def(int instance, int index);

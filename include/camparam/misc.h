@@ -160,7 +160,8 @@ PARA_API int para_init_misc_legacy_test(void);
  * an item whose key contains "def" asks for defaults. -1 for an unknown module.
  * para_need_save_misc: 1 when the last change is unsaved and at least 2000 ms old, else 0; -1 for
  * an unknown module.
- * para_save_misc: what fflush() returned, 0 when the file did not open; -1 for an unknown module.
+ * para_save_misc: what fflush() returned, 0 when the file did not open; -1 for an unknown module. A
+ * module whose range or defaults file could not be read at start is not written: 0.
  */
 PARA_API int para_init_misc(const char *name);
 PARA_API int para_set_misc_opt(const char *key, const cJSON *item, const char *name);

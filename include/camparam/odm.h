@@ -41,7 +41,9 @@ PARA_API int para_get_odm_string(const char *key, char *text);
 /**
  * Set a number or a text; the text is copied. A new value calls odm_set_notify_hook with the key,
  * on the caller's thread, marks the store changed and is written two seconds later. An item keeps
- * its type: a number set on a text item, or a text on a number item, is not seen by the other form.
+ * its type: a number set on a text item is gone after a restart, and a text set on a number item is
+ * never stored, though every such call counts as a change. A NULL key, or a NULL text for a
+ * key that is absent, changes nothing.
  * @return 0
  */
 PARA_API int para_set_odm_int(const char *key, int value);

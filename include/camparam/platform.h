@@ -107,7 +107,8 @@ struct configure {
     int (*conf_set)(configure *conf, const char *key, const char *value);
     /**
      * The entry of a key, whose value text begins 256 bytes into it, or NULL. The object owns it;
-     * the value text stays valid until that key is set again or the object is freed.
+     * the value text stays valid until that key is set or parsed with another value, or the
+     * object is freed.
      */
     void *(*conf_find)(configure *conf, const char *key);
 };

@@ -37,7 +37,8 @@ typedef struct {
 PARA_API int para_share_register(int module);
 
 /**
- * An entry of a share module's memory. Any thread, once the module is registered.
+ * An entry of a share module's memory. Any thread, once the module is registered and while it is
+ * not registered again.
  * @param entry  From 1. One beyond the entries is traced, and its address returned all the same.
  * @return The entry's address, which stays valid as long as the process; NULL (traced) when the
  *         module is not 0 to 3, or not registered.
@@ -70,7 +71,8 @@ PARA_API extern int g_shareMapLen;
 
 /**
  * Publish a share module: a shared-memory object "/camparam_share_<module>" that holds the words 1
- * (registered), @p entry_count and @p entry_size, and then the entries, all zero. An object of that
+ * (registered), @p entry_count and @p entry_size, and then the entries, all zero until the main
+ * program fills them. Every user of the device may read and write it. An object of that
  * name is replaced; who is attached to it keeps it. The object outlives the process: a host that
  * withdraws it calls shm_unlink(). One thread at a time.
  *

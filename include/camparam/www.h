@@ -5,6 +5,8 @@
  * A request whose "msg_from" is "www" is translated by the web-name file that start-up has read,
  * and answered in query-string form ("name=value" pairs joined by "&"). These functions run on the
  * thread "Para_Process"; a host that calls them itself does so while that thread does not run.
+ * Fractions are read and written with the decimal point of the process's LC_NUMERIC, "C" unless the
+ * host has called setlocale().
  */
 #ifndef CAMPARAM_WWW_H
 #define CAMPARAM_WWW_H
@@ -39,7 +41,7 @@ PARA_API char *get_json2http(cJSON *reply);
 
 /**
  * Translate a parsed web request: a get of the page that "msg_name" names, or a set of the pairs in
- * "data". Keys and values of 32 characters or more are cut to 31.
+ * "data" (none when that is no text). Keys and values of 32 characters or more are cut to 31.
  * @return A new request, which the caller deletes; NULL when there is no such page, no "msg_name",
  *         no "data", or no pair in it.
  */

@@ -12,6 +12,7 @@
 #include "camparam/conf.h"
 #include "camparam/platform.h"
 #include "core/trace.h"
+#include "modules/schemafree/conf_store.h"
 
 // Text that grows as it is written.
 class text_buffer {
@@ -55,8 +56,9 @@ static bool has_key(const char *line, const char *key)
     return strncmp(line, key, length) == 0 && (line[length] == ' ' || line[length] == '=');
 }
 
-// Copies the lines, with the new one in place of those that have the key.
-static void replace_lines(FILE *from, const char *key, const char *new_line, FILE *to)
+// Copies the lines, with the new one in place of those that have the key. Returns whether it got to
+// the end of the file.
+static bool replace_lines(FILE *from, const char *key, const char *new_line, FILE *to)
 {
     char *line = nullptr;
     size_t size = 0;
@@ -69,6 +71,15 @@ static void replace_lines(FILE *from, const char *key, const char *new_line, FIL
             fwrite(line, 1, static_cast<size_t>(length), to);
     }
     free(line);
+    return feof(from) != 0 && ferror(from) == 0;
+}
+
+static bool rewrite(FILE *file, const text_buffer &text)
+{
+    if (ftruncate(fileno(file), 0) != 0)
+        return false;
+    rewind(file);
+    return fwrite(text.data(), 1, text.length(), file) == text.length() && fflush(file) == 0;
 }
 
 int update_conf(const char *path, const char *key, const char *line)
@@ -82,14 +93,9 @@ int update_conf(const char *path, const char *key, const char *line)
 
     // Locked before it is read, so that nothing another program writes in between is lost.
     const int descriptor = fileno(file.get());
-    flock(descriptor, LOCK_EX);
-    replace_lines(file.get(), key, line, text.file());
-    const bool rewritten = text.close() && ftruncate(descriptor, 0) == 0;
-    if (rewritten) {
-        rewind(file.get());
-        fwrite(text.data(), 1, text.length(), file.get());
-        fflush(file.get());
-    }
+    lock_file(descriptor);
+    const bool read = replace_lines(file.get(), key, line, text.file());
+    const bool rewritten = text.close() && read && rewrite(file.get(), text);
     flock(descriptor, LOCK_UN);
     return rewritten ? 0 : -1;
 }

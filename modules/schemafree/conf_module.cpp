@@ -74,9 +74,17 @@ struct conf_objects {
     configure *def, *cur;
 };
 
-// Reads the files into the objects. Returns whether there is a defaults file.
+static void free_objects(const conf_objects &objects)
+{
+    configure_free(objects.def);
+    configure_free(objects.cur);
+}
+
+// Reads the files into new objects. Returns whether there is a defaults file.
 static bool parse_files(const char *name, const conf_objects &objects)
 {
+    if (objects.def == nullptr || objects.cur == nullptr)
+        return false;
     const file_path home = module_path(para_profile.home_dir, name, ".conf");
     if (configure_parse(objects.def, 0, home.text) != 0)
         return false;
@@ -85,17 +93,28 @@ static bool parse_files(const char *name, const conf_objects &objects)
     return true;
 }
 
-// Makes the objects the module's, and frees those that it had, if they are others.
+// Makes the objects the module's, and frees those that it had.
 static void give_objects(conf_module &module, conf_objects objects)
 {
-    if (module.cur == objects.cur)
-        return;
     pthread_rwlock_wrlock(&objects_lock);
     std::swap(module.def, objects.def);
     std::swap(module.cur, objects.cur);
     pthread_rwlock_unlock(&objects_lock);
-    configure_free(objects.def);
-    configure_free(objects.cur);
+    free_objects(objects);
+}
+
+static int copy_entry(void *to, const char *key, const char *value)
+{
+    auto *const conf = static_cast<configure *>(to);
+    return conf->conf_set(conf, key, value);
+}
+
+// A reload keeps the module's objects. They take over what was read entry by entry, so that nobody
+// meets a default in place of a saved value on the way, and a value that stays keeps its text.
+static void copy_entries(const conf_objects &from, const conf_objects &to)
+{
+    from.def->conf_loop(from.def, copy_entry, to.def);
+    from.cur->conf_loop(from.cur, copy_entry, to.cur);
 }
 
 int para_init_single_conf(const char *name)
@@ -105,14 +124,19 @@ int para_init_single_conf(const char *name)
         return -1;
 
     const lock_guard guard(reload_mutex);
-    conf_objects objects = {module->def, module->cur};
-    if (objects.cur == nullptr)
-        objects = {configure_init(), configure_init()};
-    const bool parsed = parse_files(name, objects);
-    give_objects(*module, objects);
-    if (!parsed)
+    const conf_objects read = {configure_init(), configure_init()};
+    if (!parse_files(name, read)) {
+        free_objects(read);
         give_objects(*module, {nullptr, nullptr});
-    return parsed ? 0 : -1;
+        return -1;
+    }
+    if (module->cur == nullptr) {
+        give_objects(*module, read);
+        return 0;
+    }
+    copy_entries(read, {module->def, module->cur});
+    free_objects(read);
+    return 0;
 }
 
 void para_conf_need_update(const char *module)

@@ -4,6 +4,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 
 #include "core/trace.h"
@@ -22,15 +23,26 @@ bool read_conf_value(configure *conf, const char *key, char (&value)[value_size]
     return conf != nullptr && key != nullptr && conf->conf_get(conf, key, value, value_size) == 0;
 }
 
+void lock_file(int descriptor)
+{
+    while (flock(descriptor, LOCK_EX) != 0 && errno == EINTR) {
+        // A signal of the host's does not make the file ours.
+    }
+}
+
 int write_conf_locked(const char *path, configure *conf)
 {
     // Opened without truncating: until the lock is ours, the file is its holder's.
     const int descriptor = open(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
-    FILE *const file = descriptor >= 0 ? fdopen(descriptor, "wb") : nullptr;
-    if (file == nullptr)
+    if (descriptor < 0)
         return 0;
+    FILE *const file = fdopen(descriptor, "wb");
+    if (file == nullptr) {
+        close(descriptor);
+        return 0;
+    }
 
-    flock(descriptor, LOCK_EX);
+    lock_file(descriptor);
     if (ftruncate(descriptor, 0) != 0)
         PARA_TRACE(PARA_ERROR, "%s cannot be emptied", path);
     rewind(file);

@@ -23,6 +23,9 @@ inline bool asks_for_defaults(const cJSON *item)
 // Copies a value of at most value_size - 1 characters. Returns whether the object has one.
 bool read_conf_value(configure *conf, const char *key, char (&value)[value_size]);
 
+// Waits until the exclusive lock on an open file is ours.
+void lock_file(int descriptor);
+
 // Writes an object's entries to a file under an exclusive lock, which another process may hold: its
 // contents stand until then. Returns what fflush returned; 0 when the file cannot be opened.
 int write_conf_locked(const char *path, configure *conf);

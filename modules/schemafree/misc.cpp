@@ -117,6 +117,8 @@ static cJSON *widened(const name_table &table, const char *first, const char *la
 // The member of the new range, or null for one that is dropped.
 static cJSON *fixed_member(const cJSON *old_member)
 {
+    if (!cJSON_IsArray(old_member))
+        return nullptr;
     const cJSON *const first = cJSON_GetArrayItem(old_member, 0);
     const cJSON *const last = cJSON_GetArrayItem(old_member, 1);
     if (first == nullptr || last == nullptr)

@@ -135,6 +135,8 @@ static cJSON *item_to_set(const char *key)
 
 int _para_set_odm_int(const char *key, int value)
 {
+    if (key == nullptr)
+        return 0;
     const lock_guard guard(document_mutex);
     cJSON *const item = item_to_set(key);
     if (item == nullptr) {
@@ -149,11 +151,12 @@ int _para_set_odm_int(const char *key, int value)
 
 int _para_set_odm_string(const char *key, const char *text)
 {
+    if (key == nullptr)
+        return 0;
     const lock_guard guard(document_mutex);
     cJSON *const item = item_to_set(key);
     if (item == nullptr) {
-        cJSON_AddStringToObject(json_odm_file, key, text);
-        return 1;
+        return cJSON_AddStringToObject(json_odm_file, key, text) != nullptr ? 1 : 0;
     }
     if (item->valuestring != nullptr && text != nullptr && strcmp(item->valuestring, text) == 0)
         return 0;
