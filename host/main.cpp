@@ -42,6 +42,16 @@ void fill_profile(const options &chosen)
         let_conf_files_be_written();
 }
 
+// Without its home folder the store would start with no settings, and save that.
+bool can_read_home(const std::string &home)
+{
+    std::error_code error;
+    const std::filesystem::directory_iterator content(home, error);
+    if (error)
+        log_line("cannot read the home folder \"%s\": %s", home.c_str(), error.message().c_str());
+    return !error;
+}
+
 bool make_data_folder(const std::string &data)
 {
     std::error_code error;
@@ -65,7 +75,7 @@ bool port_is_free()
 
 bool start_server(const options &chosen)
 {
-    if (!port_is_free() || !make_data_folder(chosen.data))
+    if (!can_read_home(chosen.home) || !port_is_free() || !make_data_folder(chosen.data))
         return false;
     if (register_commands() != 0) {
         log_line("cannot register the commands");

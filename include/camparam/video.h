@@ -1,7 +1,7 @@
 /**
  * @file video.h
- * The encoded video streams: the modules "video0" to "video6". The members of a stream stand in
- * video_members.def.
+ * The encoded video streams: the modules "video0" to "video6", of which a device uses at most the
+ * first six. The members of a stream stand in video_members.def.
  *
  * Limits and defaults come from "video_range.json" and "video_def.json" in the home directory, an
  * object for each stream. Any thread, once the store has started; there are no locks, each value

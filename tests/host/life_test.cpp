@@ -2,6 +2,8 @@
 #include <fstream>
 
 #include "host/fake_server.h"
+#include <filesystem>
+
 #include "host/host_process.h"
 
 namespace {
@@ -100,7 +102,8 @@ TEST_F(HostLife, RefusesADataFolderThatCannotBe)
 
 TEST_F(HostLife, StartsWithoutHomeFiles)
 {
-    home += "/nosuch";
+    std::filesystem::create_directory(home + "/empty");
+    home += "/empty";
     start_host();
 
     EXPECT_TRUE(host_has_logged("af init err")) << host->errors();

@@ -52,6 +52,14 @@ TEST_F(HostOptions, MistakesAreUsageErrors)
     }
 }
 
+TEST_F(HostOptions, AHomeFolderThatCannotBeReadStartsNothing)
+{
+    EXPECT_EQ(run({"--home", "/nonexistent", "--data", data}), 1);
+    EXPECT_EQ(host->errors(), "camparamd: cannot read the home folder \"/nonexistent\": "
+                              "No such file or directory\n");
+    EXPECT_FALSE(read_data("af_cur.json"));
+}
+
 TEST_F(HostOptions, TraceLevelDecidesWhatIsTraced)
 {
     start_host({"--trace", "0"});

@@ -824,6 +824,27 @@ TEST_F(ConfSave, AReloadWaitsForTheWriterOfTheFile)
     EXPECT_EQ(value("port"), "8080");
 }
 
+TEST_F(ConfSave, NobodyMeetsADefaultDuringAReload)
+{
+    write_data("netport.conf", "port = '8080'\n");
+    init();
+    const char *const text = para_conf_get_member("netport", "port");
+    lock_holder other(data + "/netport.conf"); // the reload has read the defaults, and waits here
+    std::atomic<bool> reloaded{false};
+    std::thread reloader([&reloaded] {
+        para_conf_need_update("netport");
+        reloaded = true;
+    });
+    EXPECT_TRUE(wait_until([] { return count_traces("enter", "para_conf_need_update") == 1; }));
+    for (int i = 0; i < 1000; i++)
+        ASSERT_EQ(value("port"), "8080");
+    EXPECT_FALSE(reloaded);
+    other.release();
+    reloader.join();
+    EXPECT_EQ(para_conf_get_member("netport", "port"), text)
+        << "a value that stays is not replaced";
+}
+
 TEST_F(ConfSave, TheThreadSavesARequestedChange)
 {
     write_home("netport.conf", port_defaults);
