@@ -1,9 +1,8 @@
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 
 #include "host/fake_server.h"
-#include <filesystem>
-
 #include "host/host_process.h"
 
 namespace {
