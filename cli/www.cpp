@@ -88,6 +88,20 @@ pair_list last_of_each(const pair_list &pairs)
     return last;
 }
 
+// Sends the pairs that the page shows. A set takes the names of every page, but what this one does
+// not show could not be read back from it.
+void set_shown(client &host, const pair_list &wanted, const pair_list &shown,
+               const std::string &page)
+{
+    std::string query;
+    for (const auto &[name, value] : wanted) {
+        if (!values_of(shown, name).empty())
+            query += (query.empty() ? "" : "&") + name + "=" + value;
+    }
+    if (!query.empty())
+        check_answer(host.web("set", page, query), page);
+}
+
 // Prints what the page shows of the pairs, and names each that it shows otherwise.
 exit_code report(const pair_list &wanted, const pair_list &shown, const std::string &page,
                  bool as_json)
@@ -123,7 +137,7 @@ exit_code set_page(client &host, const std::string &page, const std::string &que
 {
     if (query.find('=') == std::string::npos)
         throw failure(USAGE, "\"" + query + "\" is not of the form NAME=VALUE&NAME=VALUE...");
-    const std::string answer = host.web("set", page, query);
-    check_answer(answer, page);
-    return report(last_of_each(pairs_of(query)), ask(host, page), page, as_json);
+    const pair_list wanted = pairs_of(query);
+    set_shown(host, wanted, ask(host, page), page);
+    return report(last_of_each(wanted), ask(host, page), page, as_json);
 }

@@ -83,6 +83,15 @@ TEST_F(WebNames, WhatThePageShowsOtherwiseIsNamed)
     EXPECT_EQ(run({"www", "set", "image", "huee=9"}).status, 5);
 }
 
+TEST_F(WebNames, WhatThePageDoesNotShowIsNotSent)
+{
+    start_host();
+
+    EXPECT_EQ(run({"www", "set", "image", "gamma=3&httpport=91"}).status, 6);
+    EXPECT_EQ(run({"get", "isp0.gamma", "netport.http_port"}).output,
+              "isp0.gamma=3\nnetport.http_port=80\n");
+}
+
 TEST_F(WebNames, OfANameThatIsGivenTwiceTheLastValueStands)
 {
     start_host();
