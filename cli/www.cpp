@@ -95,8 +95,9 @@ void set_shown(client &host, const pair_list &wanted, const pair_list &shown,
 {
     std::string query;
     for (const auto &[name, value] : wanted) {
-        if (!values_of(shown, name).empty())
-            query += (query.empty() ? "" : "&") + name + "=" + value;
+        if (values_of(shown, name).empty())
+            continue;
+        query.append(query.empty() ? "" : "&").append(name).append("=").append(value);
     }
     if (!query.empty())
         check_answer(host.web("set", page, query), page);
