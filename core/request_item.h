@@ -3,7 +3,7 @@
 
 #include <cjson/cJSON.h>
 
-#include <cstring>
+#include "core/text.h"
 
 // Whether the list asks for every member: one name that begins with "all".
 inline bool asks_for_all(const cJSON *item)
@@ -11,5 +11,5 @@ inline bool asks_for_all(const cJSON *item)
     if (cJSON_GetArraySize(item) != 1)
         return false;
     const char *const name = cJSON_GetArrayItem(item, 0)->valuestring;
-    return name != nullptr && strncmp(name, "all", 3) == 0;
+    return name != nullptr && begins_with(name, "all");
 }

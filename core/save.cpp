@@ -98,7 +98,7 @@ void *platformparam_Process(void *)
     while (true) {
         fd_set readable;
         if (wait_for_datagram(watched, readable) < 0)
-            break; // an interrupted wait ends the thread too (SaveThread.EndsWhenItsWaitFails)
+            break; // interrupted or not (ThreadCalls.AFailedWaitEndsTheThreadWithoutAPass)
         if (server >= 0 && FD_ISSET(server, &readable))
             serve_datagram(message, sender_size);
         if (load_word(stop_requested) != 0)

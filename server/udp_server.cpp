@@ -66,7 +66,7 @@ int para_server_message_Process(para_message *message)
     }
 
     // "get" and "set" may be cut short, down to nothing; longer types name commands. The order
-    // decides for the types that several tests fit (Dispatch.* tests).
+    // decides for the types that several tests fit (Server.TellsRequestsByTheirType).
     if (begins_with("get", type))
         Recive_message_Process_gset(message, request.release(), GET);
     else if (begins_with("set", type))
