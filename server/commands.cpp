@@ -5,10 +5,10 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/text.h"
+#include "base/trace.h"
 #include "camparam/command.h"
 #include "camparam/json_util.h"
-#include "core/text.h"
-#include "core/trace.h"
 
 struct registration {
     char name[64];

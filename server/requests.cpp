@@ -1,13 +1,13 @@
 // Get and set requests on the modules, and requests to the host's commands.
 #include <cstring>
 
+#include "base/json_file.h"
+#include "base/text.h"
+#include "base/trace.h"
 #include "camparam/command.h"
 #include "camparam/json_util.h"
 #include "camparam/module.h"
-#include "core/json_file.h"
-#include "core/module_table.h"
-#include "core/text.h"
-#include "core/trace.h"
+#include "runtime/module_table.h"
 
 static void reply_text(const para_message *message, const char *text)
 {

@@ -5,12 +5,12 @@
 
 #include <cstring>
 
+#include "base/json_file.h"
+#include "base/server_port.h"
+#include "base/text.h"
+#include "base/trace.h"
 #include "camparam/command.h"
 #include "camparam/json_util.h"
-#include "core/json_file.h"
-#include "core/server_port.h"
-#include "core/text.h"
-#include "core/trace.h"
 
 int para_server_init()
 {

@@ -6,11 +6,11 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/json_file.h"
+#include "base/number.h"
+#include "base/trace.h"
 #include "camparam/json_util.h"
-#include "core/json_file.h"
-#include "core/module_table.h"
-#include "core/number.h"
-#include "core/trace.h"
+#include "runtime/module_table.h"
 
 int para_init_www()
 {

@@ -2,8 +2,8 @@
 
 #include <cstring>
 
+#include "base/trace.h"
 #include "camparam/share.h"
-#include "core/trace.h"
 
 static_assert(sizeof(para_share_datagram) == 76, "the form is fixed, byte by byte");
 

@@ -10,10 +10,10 @@
 #include <cstddef>
 #include <cstring>
 
+#include "base/server_port.h"
+#include "base/trace.h"
+#include "base/word.h"
 #include "camparam/share.h"
-#include "core/server_port.h"
-#include "core/trace.h"
-#include "core/word.h"
 #include "share/share_map.h"
 
 void *g_shareMap;

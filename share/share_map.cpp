@@ -8,8 +8,8 @@
 
 #include <cstdio>
 
+#include "base/trace.h"
 #include "camparam/share.h"
-#include "core/trace.h"
 
 share_map_name::share_map_name(int module)
 {

@@ -1,11 +1,11 @@
 // Focus and zoom. Changed by the direct setters alone: its row has no set_opt.
 #include "camparam/af.h"
 
+#include "base/request_item.h"
+#include "base/text.h"
+#include "base/trace.h"
+#include "base/word.h"
 #include "camparam/control.h"
-#include "core/request_item.h"
-#include "core/text.h"
-#include "core/trace.h"
-#include "core/word.h"
 #include "modules/fixed/param_table.h"
 
 int para_af_def[7], para_af_min[7], para_af_max[7];

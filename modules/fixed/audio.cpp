@@ -1,9 +1,9 @@
 // Sound capture, encoding and output.
 #include "camparam/audio.h"
 
+#include "base/request_item.h"
+#include "base/trace.h"
 #include "camparam/control.h"
-#include "core/request_item.h"
-#include "core/trace.h"
 #include "modules/fixed/param_table.h"
 
 int para_audio_def[15], para_audio_min[15], para_audio_max[15];

@@ -4,12 +4,12 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/request_item.h"
+#include "base/text.h"
+#include "base/trace.h"
+#include "base/word.h"
 #include "camparam/control.h"
 #include "camparam/odm.h"
-#include "core/request_item.h"
-#include "core/text.h"
-#include "core/trace.h"
-#include "core/word.h"
 #include "modules/fixed/param_table.h"
 
 isp_record para_isp_def[2], para_isp_min[2], para_isp_max[2];

@@ -2,11 +2,11 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/json_file.h"
+#include "base/trace.h"
+#include "base/word.h"
 #include "camparam/control.h"
 #include "camparam/odm.h"
-#include "core/json_file.h"
-#include "core/trace.h"
-#include "core/word.h"
 #include "modules/fixed/isp.h"
 
 // Fixed after start-up; the list points into the document, which is kept for good.

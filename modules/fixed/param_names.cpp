@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "core/number.h"
-#include "core/text.h"
+#include "base/number.h"
+#include "base/text.h"
 
 static const char *const null_name[] = {"null"};
 const param_names null_names = names_of(null_name);

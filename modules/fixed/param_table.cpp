@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/json_file.h"
+#include "base/trace.h"
 #include "camparam/control.h"
-#include "core/json_file.h"
-#include "core/trace.h"
 
 instance_key::instance_key(const param_instances &instances, int instance)
 {

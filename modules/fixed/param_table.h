@@ -8,9 +8,9 @@
 
 #include <ctime>
 
-#include "core/change.h"
-#include "core/json_file.h"
-#include "core/word.h"
+#include "base/change.h"
+#include "base/json_file.h"
+#include "base/word.h"
 #include "modules/fixed/param_names.h"
 
 // The presence of a member, 0 when the defaults file does not name it.

@@ -3,11 +3,11 @@
 
 #include <cstring>
 
+#include "base/request_item.h"
+#include "base/text.h"
+#include "base/trace.h"
 #include "camparam/control.h"
 #include "camparam/platform.h"
-#include "core/request_item.h"
-#include "core/text.h"
-#include "core/trace.h"
 #include "modules/fixed/param_table.h"
 #include "modules/fixed/video_size.h"
 

@@ -3,8 +3,8 @@
 
 #include <cstring>
 
+#include "base/trace.h"
 #include "camparam/video.h"
-#include "core/trace.h"
 
 static const char *const size[] = {
     "PIC_QCIF",      "PIC_CIF",       "PIC_2CIF",      "PIC_HD1",     "PIC_D1",      "PIC_960H",

@@ -1,4 +1,4 @@
-#include "modules/schemafree/conf_store.h"
+#include "modules/text/conf_store.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 
-#include "core/trace.h"
+#include "base/trace.h"
 
 file_path module_path(const char *dir, const char *module, const char *suffix)
 {

@@ -3,7 +3,7 @@
 
 #include <cjson/cJSON.h>
 
-#include "core/text.h"
+#include "base/text.h"
 
 // Whether the list asks for every member: one name that begins with "all".
 inline bool asks_for_all(const cJSON *item)

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "base/json_file.h"
+#include "base/trace.h"
 #include "camparam/platform.h"
-#include "core/json_file.h"
-#include "core/trace.h"
 
 static void trace_tree(const char *function, const cJSON *node, const char *tag, const void *caller)
 {

@@ -8,12 +8,12 @@
 #include <cstring>
 #include <utility>
 
+#include "base/change.h"
+#include "base/lock.h"
+#include "base/request_item.h"
+#include "base/trace.h"
 #include "camparam/control.h"
-#include "core/change.h"
-#include "core/lock.h"
-#include "core/request_item.h"
-#include "core/trace.h"
-#include "modules/schemafree/conf_store.h"
+#include "modules/text/conf_store.h"
 
 struct conf_module {
     // Null while the defaults file cannot be read; see objects_lock.

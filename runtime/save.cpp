@@ -1,19 +1,19 @@
-#include "core/save.h"
+#include "runtime/save.h"
 
 #include <pthread.h>
 #include <sys/prctl.h>
 #include <sys/select.h>
 #include <sys/socket.h>
 
+#include "base/lock.h"
+#include "base/trace.h"
+#include "base/word.h"
 #include "camparam/audio.h"
 #include "camparam/command.h"
 #include "camparam/control.h"
 #include "camparam/module.h"
 #include "camparam/platform.h"
 #include "camparam/video.h"
-#include "core/lock.h"
-#include "core/trace.h"
-#include "core/word.h"
 #include "share/datagram.h"
 
 // Held by a save pass, and by nothing else.

@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "modules/schemafree/file_lock.h"
+#include "modules/text/file_lock.h"
 #include "support/store.h"
 
 using testing::ElementsAre;

@@ -5,8 +5,8 @@
 
 #include <cstring>
 
+#include "base/json_file.h"
 #include "camparam/platform.h"
-#include "core/json_file.h"
 
 constexpr int module_name_size = 64;
 constexpr int value_size = 256; // of a value that is read

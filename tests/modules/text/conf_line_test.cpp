@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "camparam/conf.h"
-#include "modules/schemafree/file_lock.h"
+#include "modules/text/file_lock.h"
 #include "support/store.h"
 
 using testing::ElementsAre;

@@ -9,10 +9,10 @@
 #include <cstring>
 #include <memory>
 
+#include "base/trace.h"
 #include "camparam/conf.h"
 #include "camparam/platform.h"
-#include "core/trace.h"
-#include "modules/schemafree/conf_store.h"
+#include "modules/text/conf_store.h"
 
 // Text that grows as it is written.
 class text_buffer {

@@ -1,7 +1,7 @@
-#include "core/change.h"
+#include "base/change.h"
 
+#include "base/word.h"
 #include "camparam/platform.h"
-#include "core/word.h"
 
 static timespec monotonic_now()
 {

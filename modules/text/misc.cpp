@@ -4,11 +4,11 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/json_file.h"
+#include "base/text.h"
+#include "base/trace.h"
 #include "camparam/control.h"
 #include "camparam/json_util.h"
-#include "core/json_file.h"
-#include "core/text.h"
-#include "core/trace.h"
 
 const char *const hdmivideoformat[23] = {
     "1080P60",  "1080P50",  "1080I60",    "1080I50",    "720P60", "720P50", "1080P30", "1080P25",

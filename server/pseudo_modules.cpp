@@ -1,7 +1,7 @@
 // The rows "msg_name" and "msg_id": a request's identifiers come back as if modules answered them.
+#include "base/text.h"
+#include "base/trace.h"
 #include "camparam/module.h"
-#include "core/text.h"
-#include "core/trace.h"
 
 // Whether the row name and the member's key agree over the length of the key.
 static bool is_asked_for(const cJSON *item, const char *name)

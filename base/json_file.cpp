@@ -1,10 +1,10 @@
-#include "core/json_file.h"
+#include "base/json_file.h"
 
 #include <cstdio>
 #include <cstring>
 
+#include "base/trace.h"
 #include "camparam/platform.h"
-#include "core/trace.h"
 
 file_path::file_path(const char *dir, const char *name)
 {

@@ -1,6 +1,6 @@
 // The host's profile, and the one hook that belongs to no module.
+#include "base/trace.h"
 #include "camparam/control.h"
-#include "core/trace.h"
 
 static constexpr para_profile_t initial_profile()
 {

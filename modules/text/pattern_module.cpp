@@ -2,14 +2,14 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/change.h"
+#include "base/number.h"
+#include "base/request_item.h"
+#include "base/trace.h"
 #include "camparam/control.h"
 #include "camparam/json_util.h"
 #include "camparam/misc.h"
-#include "core/change.h"
-#include "core/number.h"
-#include "core/request_item.h"
-#include "core/trace.h"
-#include "modules/schemafree/conf_store.h"
+#include "modules/text/conf_store.h"
 
 struct json_module {
     // Fixed after start-up. The objects are shared by all threads, and guard themselves.

@@ -1,7 +1,9 @@
-#include "core/module_table.h"
+#include "runtime/module_table.h"
 
 #include <cstring>
 
+#include "base/json_file.h"
+#include "base/trace.h"
 #include "camparam/af.h"
 #include "camparam/audio.h"
 #include "camparam/conf.h"
@@ -12,8 +14,6 @@
 #include "camparam/platform.h"
 #include "camparam/video.h"
 #include "camparam/www.h"
-#include "core/json_file.h"
-#include "core/trace.h"
 
 static constexpr para_module video_row(const char *name)
 {

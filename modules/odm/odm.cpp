@@ -8,12 +8,12 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/change.h"
+#include "base/json_file.h"
+#include "base/lock.h"
+#include "base/trace.h"
+#include "base/word.h"
 #include "camparam/control.h"
-#include "core/change.h"
-#include "core/json_file.h"
-#include "core/lock.h"
-#include "core/trace.h"
-#include "core/word.h"
 
 // Never held while a hook runs: hooks may call the getters and setters.
 static pthread_mutex_t document_mutex = PTHREAD_MUTEX_INITIALIZER;

@@ -1,4 +1,4 @@
-#include "modules/schemafree/file_lock.h"
+#include "modules/text/file_lock.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
