@@ -18,13 +18,21 @@ PARA_BEGIN_DECLS
 
 struct timespec; /* which <time.h> keeps to itself in strict C99 */
 
-/** The values by slot; slot 0 is reserved. Hosts read them, and write through the setters. */
-PARA_API extern int para_af_def[7];   /**< default */
-PARA_API extern int para_af_min[7];   /**< lowest accepted value */
-PARA_API extern int para_af_max[7];   /**< highest accepted value */
-PARA_API extern int para_af_init[7];  /**< current value as start-up left it */
-PARA_API extern int para_af_cur[7];   /**< current value */
-PARA_API extern int para_af_exist[7]; /**< nonzero: named in the defaults file */
+/** The slot of each member, PARA_AF_<m>, from 1: slot 0 is reserved. And how many slots there are.
+ */
+enum {
+#define AF_MEMBER(slot, name) PARA_AF_##name = (slot),
+#include "camparam/af_members.def"
+    PARA_AF_SLOTS
+};
+
+/** The values by slot. Hosts read them, and write through the setters. */
+PARA_API extern int para_af_def[PARA_AF_SLOTS];   /**< default */
+PARA_API extern int para_af_min[PARA_AF_SLOTS];   /**< lowest accepted value */
+PARA_API extern int para_af_max[PARA_AF_SLOTS];   /**< highest accepted value */
+PARA_API extern int para_af_init[PARA_AF_SLOTS];  /**< current value as start-up left it */
+PARA_API extern int para_af_cur[PARA_AF_SLOTS];   /**< current value */
+PARA_API extern int para_af_exist[PARA_AF_SLOTS]; /**< nonzero: named in the defaults file */
 
 /** Time (CLOCK_MONOTONIC) of the last accepted change. */
 PARA_API extern struct timespec af_item_start_time;

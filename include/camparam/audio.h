@@ -19,19 +19,27 @@
 #include <time.h>
 
 #include "camparam/api.h"
+#include "camparam/presence.h"
 
 PARA_BEGIN_DECLS
 
 struct timespec; /* which <time.h> keeps to itself in strict C99 */
 
+/** The slot of each member, PARA_AUDIO_<m>, from 0, and how many slots there are. */
+enum {
+#define AUDIO_MEMBER(slot, name) PARA_AUDIO_##name = (slot),
+#include "camparam/audio_members.def"
+    PARA_AUDIO_SLOTS
+};
+
 /** The values by slot. Hosts read them, and write through the setters. */
-PARA_API extern int para_audio_def[15];  /**< default */
-PARA_API extern int para_audio_min[15];  /**< lowest accepted value */
-PARA_API extern int para_audio_max[15];  /**< highest accepted value */
-PARA_API extern int para_audio_init[15]; /**< current value as start-up left it */
-PARA_API extern int para_audio_cur[15];  /**< current value */
-/** Presence: 0 absent; bit 0 named in the defaults file, with 0x80 as a number, 0x100 as a name. */
-PARA_API extern int para_audio_exist[15];
+PARA_API extern int para_audio_def[PARA_AUDIO_SLOTS];  /**< default */
+PARA_API extern int para_audio_min[PARA_AUDIO_SLOTS];  /**< lowest accepted value */
+PARA_API extern int para_audio_max[PARA_AUDIO_SLOTS];  /**< highest accepted value */
+PARA_API extern int para_audio_init[PARA_AUDIO_SLOTS]; /**< current value as start-up left it */
+PARA_API extern int para_audio_cur[PARA_AUDIO_SLOTS];  /**< current value */
+/** Presence: the bits of presence.h. */
+PARA_API extern int para_audio_exist[PARA_AUDIO_SLOTS];
 
 /** Time (CLOCK_MONOTONIC) of the last accepted change. */
 PARA_API extern struct timespec audio_item_start_time;

@@ -16,6 +16,7 @@
 #include "camparam/module.h"
 #include "camparam/odm.h"
 #include "camparam/platform.h"
+#include "camparam/presence.h"
 #include "camparam/share.h"
 #include "camparam/video.h"
 #include "camparam/www.h"

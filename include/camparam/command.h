@@ -16,10 +16,22 @@
 
 PARA_BEGIN_DECLS
 
+/** The UDP port of the server. */
+#define PARA_SERVER_PORT 6800
+
+/** The longest request in bytes; of a longer datagram the rest is lost. */
+#define PARA_MESSAGE_MAX 4096
+
+/** What a request wants, as handlers are told. */
+enum {
+    PARA_GET = 0, /**< "msg_type" is, or contains, "get" */
+    PARA_SET = 1  /**< "msg_type" is, or contains, "set" */
+};
+
 /** A received datagram, and where it came from. */
 typedef struct {
-    char text[4096 + 1]; /**< the datagram, zero-terminated */
-    int socket;          /**< the server's socket, on which the reply is sent */
+    char text[PARA_MESSAGE_MAX + 1]; /**< the datagram, zero-terminated */
+    int socket;                      /**< the server's socket, on which the reply is sent */
     struct sockaddr_in sender;
     int sender_length; /**< 16 */
 } para_message;
@@ -28,7 +40,7 @@ typedef struct {
  * Carry out a command. Runs on "Para_Process"; a handler that blocks holds up every request and
  * every save.
  *
- * @param mode        0: the request's "msg_type" contains "get"; 1: it contains "set".
+ * @param mode        PARA_GET or PARA_SET.
  * @param message     The request as it was received; parse its text for further members. Borrowed
  *                    for the call.
  * @param[out] reply  NULL on entry. Store a new tree, which the store then owns, or leave NULL to
@@ -77,7 +89,7 @@ PARA_API int para_server_message_Process(para_message *message);
 PARA_API int SendBuf2Client(int socket, struct sockaddr_in client, const char *text, int length);
 
 /**
- * Handle a get (mode 0) or set (mode 1) request on the modules, and reply.
+ * Handle a request (PARA_GET or PARA_SET) on the modules, and reply.
  * @param request  Owned by the callee from here on.
  * @return 0, or -1 when there is no request.
  */

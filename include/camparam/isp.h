@@ -15,12 +15,24 @@
 #include <time.h>
 
 #include "camparam/api.h"
+#include "camparam/presence.h"
 
 PARA_BEGIN_DECLS
 
 struct timespec; /* which <time.h> keeps to itself in strict C99 */
 
-/** The values of one instance: 39 words. */
+/** The word of each member in a record, PARA_ISP_<m>, from 1: word 0 is the size. And how many
+ * words there are. */
+enum {
+#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) PARA_ISP_##name = (word),
+#include "camparam/isp_members.def"
+    PARA_ISP_WORDS
+};
+
+/** Instances that the tables hold. */
+enum { PARA_ISP_INSTANCES = 2 };
+
+/** The values of one instance, PARA_ISP_WORDS words. */
 typedef struct isp_record {
     int size; /**< bytes of the record, 156 */
 #define ISP_MEMBER(word, name, loaded, accessor, by_name, written) int name;
@@ -28,12 +40,13 @@ typedef struct isp_record {
 } isp_record;
 
 /** The values by instance. Hosts read them, and write through the setters. */
-PARA_API extern isp_record para_isp_def[2];   /**< default */
-PARA_API extern isp_record para_isp_min[2];   /**< lowest accepted value */
-PARA_API extern isp_record para_isp_max[2];   /**< highest accepted value */
-PARA_API extern isp_record para_isp_init[2];  /**< current value as start-up left it */
-PARA_API extern isp_record para_isp_cur[2];   /**< current value */
-PARA_API extern isp_record para_isp_exist[2]; /**< presence: 0 absent, 0x81 present */
+PARA_API extern isp_record para_isp_def[PARA_ISP_INSTANCES]; /**< default */
+PARA_API extern isp_record para_isp_min[PARA_ISP_INSTANCES]; /**< lowest accepted value */
+PARA_API extern isp_record para_isp_max[PARA_ISP_INSTANCES]; /**< highest accepted value */
+PARA_API extern isp_record
+    para_isp_init[PARA_ISP_INSTANCES]; /**< current value as start-up left it */
+PARA_API extern isp_record para_isp_cur[PARA_ISP_INSTANCES];   /**< current value */
+PARA_API extern isp_record para_isp_exist[PARA_ISP_INSTANCES]; /**< presence, see presence.h */
 
 /** Instances in use, 0 to 2; fixed after start-up. */
 PARA_API extern int isp_num;

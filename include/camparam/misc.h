@@ -24,10 +24,16 @@ PARA_BEGIN_DECLS
 
 /* --- Any such module -------------------------------------------------------------------------- */
 
-/** Kind by the first element of a range array: 16 enum, 8 number, else 0 (traced). */
+/** Kinds of members, 0 for a member without a usable range. */
+enum {
+    PARA_KIND_NUMBER = 8, /**< its range is two numbers */
+    PARA_KIND_ENUM = 16   /**< its range is the texts of its values */
+};
+
+/** Kind by the first element of a range array; 0 is traced. */
 PARA_API int peek_array_enum_type(const cJSON *array);
 
-/** Kind of a member: 16 enum, 8 number, else 0 (traced); -1 for an unknown module. */
+/** Kind of a member; 0 is traced; -1 for an unknown module. */
 PARA_API int peek_json_enum_type(const char *module, const char *member);
 
 /** Text of an enum value, owned by the range tree; NULL when there is none. */
@@ -91,10 +97,25 @@ PARA_API int para_save_misc_conf_2_buf(const char *module, char *buffer, int siz
 
 /* --- The module "misc" ------------------------------------------------------------------------ */
 
+/** How many texts misc_texts.def lists for each enum member. */
+enum {
+#define MISC_HDMIVIDEOFORMAT(text) +1
+    PARA_MISC_HDMIVIDEOFORMATS = 0
+#include "camparam/misc_texts.def"
+    ,
+#define MISC_VISTRATEGY(text) +1
+    PARA_MISC_VISTRATEGIES = 0
+#include "camparam/misc_texts.def"
+    ,
+#define MISC_NDI_MODE(text) +1
+    PARA_MISC_NDI_MODES = 0
+#include "camparam/misc_texts.def"
+};
+
 /** The texts of the enum members, in the order of their legacy numbers. */
-PARA_API extern const char *const hdmivideoformat[23];
-PARA_API extern const char *const ViStrategy[4];
-PARA_API extern const char *const ndi_mode[8];
+PARA_API extern const char *const hdmivideoformat[PARA_MISC_HDMIVIDEOFORMATS];
+PARA_API extern const char *const ViStrategy[PARA_MISC_VISTRATEGIES];
+PARA_API extern const char *const ndi_mode[PARA_MISC_NDI_MODES];
 
 /**
  * For each member <m>:

@@ -44,11 +44,14 @@ typedef struct {
     int (*save)(const char *name);
 } para_module;
 
+/** Rows of the module table. */
+enum { PARA_MODULES_MAX = 64 };
+
 /**
  * All modules. The order of the rows is the order of start-up, saving and request matching. Fixed
  * once platformparam_init() has appended its rows; read only from then on.
  */
-PARA_API extern para_module module_para_handle[64];
+PARA_API extern para_module module_para_handle[PARA_MODULES_MAX];
 
 /** Rows in use; 0 before start-up and in a client process. */
 PARA_API extern int module_para_handle_num;

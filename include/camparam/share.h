@@ -16,14 +16,31 @@
 
 PARA_BEGIN_DECLS
 
+/** Share modules: 0 to PARA_SHARE_MODULES - 1. */
+enum { PARA_SHARE_MODULES = 4 };
+
+/** The name of a share module's shared-memory object, as a format for its number. */
+#define PARA_SHARE_MAP_NAME "/camparam_share_%d"
+
+/** What a share module's memory begins with, 12 bytes; its entries follow. */
+typedef struct {
+    uint32_t registered; /**< 1 once the main program has published it */
+    int32_t entry_count;
+    uint32_t entry_size; /**< bytes */
+} para_share_map;
+
+/** What a datagram sets: a number or a text. */
+enum { PARA_SHARE_NUMBER = 0, PARA_SHARE_TEXT = 1 };
+
 /** A datagram, 76 bytes, in the byte order of the host. */
 typedef struct {
-    uint32_t type;     /**< 0: number, 1: text */
+    uint32_t type;     /**< PARA_SHARE_NUMBER or PARA_SHARE_TEXT */
     uint32_t instance; /**< the setter's first argument: stream, channel or ISP instance */
-    int32_t number;    /**< type 0, else 0 */
+    int32_t number;    /**< of a PARA_SHARE_NUMBER, else 0 */
     char module[16];   /**< "video", "audio" or "isp", filled up with zeros */
     char member[16];   /**< member name, filled up with zeros */
-    char text[32];     /**< type 1: filled up with zeros; a text of 32 bytes has none behind it */
+    char text[32];     /**< of a PARA_SHARE_TEXT: filled up with zeros; a text of 32 bytes has none
+                          behind it */
 } para_share_datagram;
 
 /* --- Client processes --------------------------------------------------------------------------

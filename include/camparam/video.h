@@ -21,19 +21,31 @@
 #include <time.h>
 
 #include "camparam/api.h"
+#include "camparam/presence.h"
 
 PARA_BEGIN_DECLS
 
 struct timespec; /* which <time.h> keeps to itself in strict C99 */
 
-/** The values: member m of stream s at s * 11 + m. Hosts read them, and write through setters. */
-PARA_API extern int para_video_def[66];  /**< default */
-PARA_API extern int para_video_min[66];  /**< lowest accepted value */
-PARA_API extern int para_video_max[66];  /**< highest accepted value */
-PARA_API extern int para_video_init[66]; /**< current value as start-up left it */
-PARA_API extern int para_video_cur[66];  /**< current value */
-/** Presence: 0 absent; bit 0 named in the defaults file, with 0x80 as a number, 0x100 as a name. */
-PARA_API extern int para_video_exist[66];
+/** The place of each member within a stream, PARA_VIDEO_<m>, from 0, and how many there are. */
+enum {
+#define VIDEO_MEMBER(slot, name) PARA_VIDEO_##name = (slot),
+#include "camparam/video_members.def"
+    PARA_VIDEO_STREAM_SLOTS
+};
+
+/** Streams that the tables hold, and their slots: member m of stream s is in slot
+ * s * PARA_VIDEO_STREAM_SLOTS + m. */
+enum { PARA_VIDEO_STREAMS = 6, PARA_VIDEO_SLOTS = PARA_VIDEO_STREAMS * PARA_VIDEO_STREAM_SLOTS };
+
+/** The values by slot. Hosts read them, and write through the setters. */
+PARA_API extern int para_video_def[PARA_VIDEO_SLOTS];  /**< default */
+PARA_API extern int para_video_min[PARA_VIDEO_SLOTS];  /**< lowest accepted value */
+PARA_API extern int para_video_max[PARA_VIDEO_SLOTS];  /**< highest accepted value */
+PARA_API extern int para_video_init[PARA_VIDEO_SLOTS]; /**< current value as start-up left it */
+PARA_API extern int para_video_cur[PARA_VIDEO_SLOTS];  /**< current value */
+/** Presence: the bits of presence.h. */
+PARA_API extern int para_video_exist[PARA_VIDEO_SLOTS];
 
 /** Streams in use, 0 to 6; fixed after start-up. */
 PARA_API extern int g_num_stream;

@@ -10,14 +10,18 @@
 #include "camparam/control.h"
 #include "camparam/json_util.h"
 
-const char *const hdmivideoformat[23] = {
-    "1080P60",  "1080P50",  "1080I60",    "1080I50",    "720P60", "720P50", "1080P30", "1080P25",
-    "720P30",   "720P25",   "1080P59.94", "1080I59.94", "4KP30",  "4KP25",  "4KP50",   "4KP60",
-    "4KP29.97", "4KP59.94", "480P59.94",  "480I59.94",  "480P60", "576P50", "576I50",
+const char *const hdmivideoformat[] = {
+#define MISC_HDMIVIDEOFORMAT(text) text,
+#include "camparam/misc_texts.def"
 };
-const char *const ViStrategy[4] = {"50", "60", "dial", "osd"};
-const char *const ndi_mode[8] = {"off",    "low",    "medium", "high",
-                                 "264P50", "264P60", "265P50", "265P60"};
+const char *const ViStrategy[] = {
+#define MISC_VISTRATEGY(text) text,
+#include "camparam/misc_texts.def"
+};
+const char *const ndi_mode[] = {
+#define MISC_NDI_MODE(text) text,
+#include "camparam/misc_texts.def"
+};
 
 // The number item of the range tree that tells the file set; null until "misc" is loaded.
 static const cJSON *misc_version;
