@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "base/json_file.h"
+#include "base/file.h"
 #include "base/trace.h"
 #include "camparam/platform.h"
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "base/json_file.h"
+#include "base/file.h"
 #include "base/trace.h"
 #include "camparam/af.h"
 #include "camparam/audio.h"

@@ -1,13 +1,13 @@
 // Start-up: from the host's profile to a running store.
 #include <pthread.h>
 
-#include "base/json_file.h"
+#include "base/file.h"
 #include "base/trace.h"
 #include "camparam/command.h"
 #include "camparam/control.h"
 #include "camparam/module.h"
 #include "runtime/module_table.h"
-#include "runtime/save.h"
+#include "runtime/thread.h"
 
 cJSON *para_config = nullptr;
 

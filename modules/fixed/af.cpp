@@ -1,12 +1,12 @@
 // Focus and zoom. Changed by the direct setters alone: its row has no set_opt.
 #include "camparam/af.h"
 
-#include "base/request_item.h"
+#include "base/query.h"
 #include "base/text.h"
 #include "base/trace.h"
 #include "base/word.h"
 #include "camparam/control.h"
-#include "modules/fixed/param_table.h"
+#include "modules/fixed/fixed_module.h"
 
 int para_af_def[7], para_af_min[7], para_af_max[7];
 int para_af_init[7], para_af_cur[7], para_af_exist[7];

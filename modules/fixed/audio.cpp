@@ -1,10 +1,10 @@
 // Sound capture, encoding and output.
 #include "camparam/audio.h"
 
-#include "base/request_item.h"
+#include "base/query.h"
 #include "base/trace.h"
 #include "camparam/control.h"
-#include "modules/fixed/param_table.h"
+#include "modules/fixed/fixed_module.h"
 
 int para_audio_def[15], para_audio_min[15], para_audio_max[15];
 int para_audio_init[15], para_audio_cur[15], para_audio_exist[15];

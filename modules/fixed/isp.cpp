@@ -4,13 +4,13 @@
 #include <cstdio>
 #include <cstring>
 
-#include "base/request_item.h"
+#include "base/query.h"
 #include "base/text.h"
 #include "base/trace.h"
 #include "base/word.h"
 #include "camparam/control.h"
 #include "camparam/odm.h"
-#include "modules/fixed/param_table.h"
+#include "modules/fixed/fixed_module.h"
 
 isp_record para_isp_def[2], para_isp_min[2], para_isp_max[2];
 isp_record para_isp_init[2], para_isp_cur[2], para_isp_exist[2];

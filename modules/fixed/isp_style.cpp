@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/json_file.h"
+#include "base/file.h"
 #include "base/trace.h"
 #include "base/word.h"
 #include "camparam/control.h"

@@ -3,12 +3,12 @@
 
 #include <cstring>
 
-#include "base/request_item.h"
+#include "base/query.h"
 #include "base/text.h"
 #include "base/trace.h"
 #include "camparam/control.h"
 #include "camparam/platform.h"
-#include "modules/fixed/param_table.h"
+#include "modules/fixed/fixed_module.h"
 #include "modules/fixed/video_size.h"
 
 constexpr int streams = 6; // that the table holds

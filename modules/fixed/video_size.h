@@ -1,6 +1,6 @@
 // The names of the picture sizes.
 #pragma once
 
-#include "modules/fixed/param_names.h"
+#include "modules/fixed/value_names.h"
 
 extern const param_names size_names;

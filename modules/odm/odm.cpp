@@ -9,7 +9,7 @@
 #include <cstring>
 
 #include "base/change.h"
-#include "base/json_file.h"
+#include "base/file.h"
 #include "base/lock.h"
 #include "base/trace.h"
 #include "base/word.h"

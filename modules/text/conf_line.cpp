@@ -12,7 +12,7 @@
 #include "base/trace.h"
 #include "camparam/conf.h"
 #include "camparam/platform.h"
-#include "modules/text/conf_store.h"
+#include "modules/text/text_module.h"
 
 // Text that grows as it is written.
 class text_buffer {

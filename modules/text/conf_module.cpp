@@ -10,10 +10,10 @@
 
 #include "base/change.h"
 #include "base/lock.h"
-#include "base/request_item.h"
+#include "base/query.h"
 #include "base/trace.h"
 #include "camparam/control.h"
-#include "modules/text/conf_store.h"
+#include "modules/text/text_module.h"
 
 struct conf_module {
     // Null while the defaults file cannot be read; see objects_lock.

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "base/json_file.h"
+#include "base/file.h"
 #include "base/text.h"
 #include "base/trace.h"
 #include "camparam/control.h"

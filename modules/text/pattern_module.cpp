@@ -4,12 +4,12 @@
 
 #include "base/change.h"
 #include "base/number.h"
-#include "base/request_item.h"
+#include "base/query.h"
 #include "base/trace.h"
 #include "camparam/control.h"
 #include "camparam/json_util.h"
 #include "camparam/misc.h"
-#include "modules/text/conf_store.h"
+#include "modules/text/text_module.h"
 
 struct json_module {
     // Fixed after start-up. The objects are shared by all threads, and guard themselves.

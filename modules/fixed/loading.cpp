@@ -1,11 +1,11 @@
-#include "modules/fixed/param_table.h"
+#include "modules/fixed/fixed_module.h"
 
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
 
-#include "base/json_file.h"
+#include "base/file.h"
 #include "base/trace.h"
 #include "camparam/control.h"
 

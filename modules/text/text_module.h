@@ -5,7 +5,7 @@
 
 #include <cstring>
 
-#include "base/json_file.h"
+#include "base/file.h"
 #include "camparam/platform.h"
 
 constexpr int module_name_size = 64;

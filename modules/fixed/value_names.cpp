@@ -1,4 +1,4 @@
-#include "modules/fixed/param_names.h"
+#include "modules/fixed/value_names.h"
 
 #include <cstring>
 

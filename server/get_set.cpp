@@ -1,7 +1,7 @@
 // Get and set requests on the modules, and requests to the host's commands.
 #include <cstring>
 
-#include "base/json_file.h"
+#include "base/file.h"
 #include "base/text.h"
 #include "base/trace.h"
 #include "camparam/command.h"

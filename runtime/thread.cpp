@@ -1,4 +1,4 @@
-#include "runtime/save.h"
+#include "runtime/thread.h"
 
 #include <pthread.h>
 #include <sys/prctl.h>

@@ -1,4 +1,4 @@
-#include "modules/text/conf_store.h"
+#include "modules/text/text_module.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

@@ -1,4 +1,4 @@
-#include "base/json_file.h"
+#include "base/file.h"
 
 #include <cstdio>
 #include <cstring>

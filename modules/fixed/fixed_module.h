@@ -9,9 +9,9 @@
 #include <ctime>
 
 #include "base/change.h"
-#include "base/json_file.h"
+#include "base/file.h"
 #include "base/word.h"
-#include "modules/fixed/param_names.h"
+#include "modules/fixed/value_names.h"
 
 // The presence of a member, 0 when the defaults file does not name it.
 enum {

@@ -5,7 +5,7 @@
 
 #include <cstring>
 
-#include "base/json_file.h"
+#include "base/file.h"
 #include "base/server_port.h"
 #include "base/text.h"
 #include "base/trace.h"

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/json_file.h"
+#include "base/file.h"
 #include "base/number.h"
 #include "base/trace.h"
 #include "camparam/json_util.h"
