@@ -12,6 +12,7 @@
 #include <cjson/cJSON.h>
 #include <time.h>
 
+#include "camparam/accessors.h"
 #include "camparam/api.h"
 
 PARA_BEGIN_DECLS
@@ -48,12 +49,7 @@ PARA_API extern struct timespec af_item_start_time;
  * value that is not taken changes nothing.
  */
 #define AF_MEMBER(slot, name)                                                                      \
-    PARA_API int para_get_af_##name##_def(void);                                                   \
-    PARA_API int para_get_af_##name##_min(void);                                                   \
-    PARA_API int para_get_af_##name##_max(void);                                                   \
-    PARA_API int para_get_af_##name##_init(void);                                                  \
-    PARA_API int para_get_af_##name##_cur(void);                                                   \
-    PARA_API int para_set_af_##name##_cur(int value);
+    PARA_DECLARE_GETTERS(af, name, (void)) PARA_DECLARE_SETTER(af, name, (int value))
 #include "camparam/af_members.def"
 
 /**

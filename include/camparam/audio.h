@@ -18,6 +18,7 @@
 #include <cjson/cJSON.h>
 #include <time.h>
 
+#include "camparam/accessors.h"
 #include "camparam/api.h"
 #include "camparam/presence.h"
 
@@ -65,14 +66,9 @@ PARA_API extern int audio_save_param_time;
  * NULL. Members without names know the one name "null", of value 0.
  */
 #define AUDIO_MEMBER(slot, name)                                                                   \
-    PARA_API int para_get_audio_##name##_def(void);                                                \
-    PARA_API int para_get_audio_##name##_min(void);                                                \
-    PARA_API int para_get_audio_##name##_max(void);                                                \
-    PARA_API int para_get_audio_##name##_init(void);                                               \
-    PARA_API int para_get_audio_##name##_cur(void);                                                \
-    PARA_API int _para_set_audio_##name##_cur(int value);                                          \
-    PARA_API int para_set_audio_##name##_cur(int value);                                           \
-    PARA_API int para_get_audio_##name##_num(const char *text);
+    PARA_DECLARE_GETTERS(audio, name, (void))                                                      \
+    PARA_DECLARE_SETTERS(audio, name, (int value))                                                 \
+    PARA_DECLARE_NUM(audio, name)
 #include "camparam/audio_members.def"
 
 /**

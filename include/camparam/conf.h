@@ -20,7 +20,9 @@
 PARA_BEGIN_DECLS
 
 /**
- * Read a module's files. A reload keeps values that no file has any more, and overwrites those that
+ * Read a module's files, the defaults and then the saved values over them, into the objects that
+ * the module has: key changes are seen by para_conf_key_IsChanged(). Other threads that use the
+ * module wait meanwhile. A reload keeps values that no file has any more, and overwrites those that
  * were set and not saved.
  * @return 0, or -1: unknown module, or the defaults file cannot be read, which leaves the module
  *         without values until a reload succeeds.
@@ -28,7 +30,7 @@ PARA_BEGIN_DECLS
 PARA_API int para_init_single_conf(const char *name);
 
 /**
- * Current value, not copied. It stays valid until that key is set, or a reload changes it or fails.
+ * Current value, not copied. It stays valid until that key is set or the module is reloaded.
  * @return The text, or NULL.
  */
 PARA_API const char *para_conf_get_member(const char *module, const char *key);
@@ -52,7 +54,7 @@ PARA_API int para_conf_set_member(const char *module, const char *key, const cha
 PARA_API void para_conf_need_update(const char *module);
 
 /**
- * Whether any of the keys has changed since it was last asked about.
+ * Whether any of the keys has changed since it was last asked about. Of a NULL list none has.
  * @return 1 yes; 0 no; -1 unknown.
  */
 PARA_API int para_conf_key_IsChanged(const char *module, const char *const *keys,

@@ -14,6 +14,7 @@
 #include <cjson/cJSON.h>
 #include <time.h>
 
+#include "camparam/accessors.h"
 #include "camparam/api.h"
 #include "camparam/presence.h"
 
@@ -24,18 +25,18 @@ struct timespec; /* which <time.h> keeps to itself in strict C99 */
 /** The word of each member in a record, PARA_ISP_<m>, from 1: word 0 is the size. And how many
  * words there are. */
 enum {
-#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) PARA_ISP_##name = (word),
+#define ISP_MEMBER(slot, name, loaded, accessor, by_name, written) PARA_ISP_##name = (slot),
 #include "camparam/isp_members.def"
-    PARA_ISP_WORDS
+    PARA_ISP_SLOTS
 };
 
 /** Instances that the tables hold. */
 enum { PARA_ISP_INSTANCES = 2 };
 
-/** The values of one instance, PARA_ISP_WORDS words. */
+/** The values of one instance, a word for each slot. */
 typedef struct isp_record {
     int size; /**< bytes of the record, 156 */
-#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) int name;
+#define ISP_MEMBER(slot, name, loaded, accessor, by_name, written) int name;
 #include "camparam/isp_members.def"
 } isp_record;
 
@@ -69,18 +70,13 @@ PARA_API extern int isp_item_changed;
  * int _para_set_isp_<m>_cur(int instance, int value): the same without the hook. Returns 1 when
  * the value changed, else 0.
  *
- * Setting the style changes that word alone: see para_get_isp_style_param().
+ * Setting the style changes that value alone: see para_get_isp_style_param().
  */
 #define ISP_ACCESSORS_yes(name)                                                                    \
-    PARA_API int para_get_isp_##name##_def(int instance);                                          \
-    PARA_API int para_get_isp_##name##_min(int instance);                                          \
-    PARA_API int para_get_isp_##name##_max(int instance);                                          \
-    PARA_API int para_get_isp_##name##_init(int instance);                                         \
-    PARA_API int para_get_isp_##name##_cur(int instance);                                          \
-    PARA_API int _para_set_isp_##name##_cur(int instance, int value);                              \
-    PARA_API int para_set_isp_##name##_cur(int instance, int value);
+    PARA_DECLARE_GETTERS(isp, name, (int instance))                                                \
+    PARA_DECLARE_SETTERS(isp, name, (int instance, int value))
 #define ISP_ACCESSORS_no(name)
-#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) ISP_ACCESSORS_##accessor(name)
+#define ISP_MEMBER(slot, name, loaded, accessor, by_name, written) ISP_ACCESSORS_##accessor(name)
 #include "camparam/isp_members.def"
 #undef ISP_ACCESSORS_yes
 #undef ISP_ACCESSORS_no
@@ -90,9 +86,9 @@ PARA_API extern int isp_item_changed;
  * begins with the text (the empty one too), else, when the text begins with a digit, the number
  * that it begins with (saturated to int), else -1000, also for NULL.
  */
-#define ISP_NUM_yes(name) PARA_API int para_get_isp_##name##_num(const char *text);
+#define ISP_NUM_yes(name) PARA_DECLARE_NUM(isp, name)
 #define ISP_NUM_no(name)
-#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) ISP_NUM_##loaded(name)
+#define ISP_MEMBER(slot, name, loaded, accessor, by_name, written) ISP_NUM_##loaded(name)
 #include "camparam/isp_members.def"
 #undef ISP_NUM_yes
 #undef ISP_NUM_no
@@ -117,8 +113,7 @@ PARA_API cJSON *isp_param_to_json(int instance, int use_defaults);
 
 /**
  * Set a member as a request does, without the notify hook.
- * @param key   Chooses the first member whose name it begins with, in an order of its own:
- *              "rgain_tuning" is "rgain".
+ * @param key   Chooses the first member whose name it begins with: "rgain_tuning" is "rgain".
  * @param text  Ignored; may be NULL.
  * @return 1 when the value changed, else 0.
  */

@@ -149,8 +149,8 @@ PARA_API extern const char *const ndi_mode[PARA_MISC_NDI_MODES];
 
 /**
  * Load "misc" from the file set that its range file tells: a nonzero "version" for the current set,
- * else the legacy one. Stores new objects in @p cur and @p def, and the range tree in @p range if
- * it gets that far; all of them live as long as the process.
+ * else the legacy one. Stores new objects in @p cur and @p def, and the range tree in @p range,
+ * which is untouched when there is none; all of them live as long as the process.
  * @param name  Not used: the files' names are fixed.
  * @return 0 loaded, -1 failed
  */
@@ -182,7 +182,8 @@ PARA_API int para_init_misc_legacy_test(void);
  * para_need_save_misc: 1 when the last change is unsaved and at least 2000 ms old, else 0; -1 for
  * an unknown module.
  * para_save_misc: what fflush() returned, 0 when the file did not open; -1 for an unknown module. A
- * module whose range or defaults file could not be read at start is not written: 0.
+ * module whose range or defaults file could not be read at start is written like any other, with
+ * the values that it has: none. "misc" without a range file is not written.
  */
 PARA_API int para_init_misc(const char *name);
 PARA_API int para_set_misc_opt(const char *key, const cJSON *item, const char *name);

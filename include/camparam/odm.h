@@ -42,8 +42,8 @@ PARA_API int para_get_odm_string(const char *key, char *text);
  * Set a number or a text; the text is copied. A new value calls odm_set_notify_hook with the key,
  * on the caller's thread, marks the store changed and is written two seconds later. An item keeps
  * its type: a number set on a text item is gone after a restart, and a text set on a number item is
- * never stored, though every such call counts as a change. A NULL key, or a NULL text for a
- * key that is absent, changes nothing.
+ * never stored, nor is a NULL text, though every such call counts as a change. A NULL key changes
+ * nothing.
  * @return 0
  */
 PARA_API int para_set_odm_int(const char *key, int value);
@@ -56,10 +56,10 @@ PARA_API int _para_set_odm_string(const char *key, const char *text);
 /**
  * The module's row functions, see module.h.
  *
- * para_init_odm: 0, or -1 when the file is not a JSON object. No file is no error.
- * para_init_stage2_odm: tells conflict_hook when the document's version is not 1, and makes it 1;
- * -1 when there is no document, else 0.
- * para_need_save_odm: 1 when the last change is unsaved and at least 2000 ms old, else 0.
+ * para_init_odm: 0, or -1 when the file is not JSON (traced). No file is no error. A file that
+ * holds no object has no keys, and keeps none that are set. para_init_stage2_odm: tells
+ * conflict_hook when the document's version is not 1, and makes it 1; -1 when there is no document,
+ * else 0. para_need_save_odm: 1 when the last change is unsaved and at least 2000 ms old, else 0.
  * para_save_odm: what fflush() returned; 0 when there is nothing to write or the file did not open.
  */
 PARA_API int para_init_odm(const char *name);

@@ -48,8 +48,9 @@ typedef struct {
 
 /**
  * Register for a share module: attach the memory that the main program has published for it, and
- * open the socket of the setters at the first success. One thread at a time.
- * @return 0; -1 (traced) when the module is not 0 to 3, or not published.
+ * open the socket of the setters at the first success. One thread at a time. Memory that an earlier
+ * registration attached stays mapped, also when this one is refused.
+ * @return 0; -1 (traced) when the module is not 0 to 3, or not published: it then has no entries.
  */
 PARA_API int para_share_register(int module);
 
@@ -90,8 +91,8 @@ PARA_API extern int g_shareMapLen;
  * Publish a share module: a shared-memory object "/camparam_share_<module>" that holds the words 1
  * (registered), @p entry_count and @p entry_size, and then the entries, all zero until the main
  * program fills them. Every user of the device may read and write it. An object of that
- * name is replaced; who is attached to it keeps it. The object outlives the process: a host that
- * withdraws it calls shm_unlink(). One thread at a time.
+ * name is replaced; clients already attached keep the old mapping. The object outlives the process:
+ * a host that withdraws it calls shm_unlink(). One thread at a time.
  *
  * @return The object's address, which stays valid as long as the process; NULL (traced) when the
  *         module is not 0 to 3, a size is negative or too large, or the system refuses.

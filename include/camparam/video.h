@@ -20,6 +20,7 @@
 #include <cjson/cJSON.h>
 #include <time.h>
 
+#include "camparam/accessors.h"
 #include "camparam/api.h"
 #include "camparam/presence.h"
 
@@ -77,14 +78,9 @@ PARA_API extern int video_save_param_time;
  * NULL. Members without names know the one name "null", of value 0.
  */
 #define VIDEO_MEMBER(slot, name)                                                                   \
-    PARA_API int para_get_video_##name##_def(int stream);                                          \
-    PARA_API int para_get_video_##name##_min(int stream);                                          \
-    PARA_API int para_get_video_##name##_max(int stream);                                          \
-    PARA_API int para_get_video_##name##_init(int stream);                                         \
-    PARA_API int para_get_video_##name##_cur(int stream);                                          \
-    PARA_API int _para_set_video_##name##_cur(int stream, int value);                              \
-    PARA_API int para_set_video_##name##_cur(int stream, int value);                               \
-    PARA_API int para_get_video_##name##_num(const char *text);
+    PARA_DECLARE_GETTERS(video, name, (int stream))                                                \
+    PARA_DECLARE_SETTERS(video, name, (int stream, int value))                                     \
+    PARA_DECLARE_NUM(video, name)
 #include "camparam/video_members.def"
 
 /**
@@ -121,8 +117,8 @@ PARA_API cJSON *Create_Json_Video_Object(int stream);
  *                    for an unknown name.
  * @param[out] text   May be NULL. For a named member the name of the value when it is exchanged as
  *                    a name, else NULL; untouched for the other members.
- * @return Its presence as in para_video_exist; 0 when it is absent or unknown, or the stream is
- *         beyond the table.
+ * @return Its presence in para_video_exist, also for a stream that the tables hold but the device
+ * does not use; 0 when it is absent or unknown, or the tables hold no such stream.
  */
 PARA_API int para_get_video_member(const char *name, int stream, int *value, const char **text);
 
