@@ -1,7 +1,12 @@
 #include "base/file.h"
 
-#include <cstdio>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "base/trace.h"
 #include "camparam/platform.h"
@@ -11,35 +16,95 @@ file_path::file_path(const char *dir, const char *name)
     cat_file_name(text, dir, name);
 }
 
-json_file read_json_file(const char *path, const char *function, int level, const char *ending)
+json_file read_json_file(const char *path)
 {
-    const text_ptr text(read_file_to_buf(path));
+    text_ptr text(read_file_to_buf(path));
     if (!text)
-        return {false, nullptr};
+        return {false, nullptr, "", nullptr};
 
-    // cJSON_GetErrorPtr() would give the same position, but another thread's if one parses too.
-    const char *position = nullptr;
-    json_ptr root(cJSON_ParseWithOpts(text.get(), &position, 0));
-    if (!root)
-        PARA_TRACE_AS(function, level, "Error before: [%s]%s", position, ending);
-    return {true, std::move(root)};
+    // cJSON_GetErrorPtr() is a global of the process: another thread that parses would move it.
+    const char *end = nullptr;
+    json_ptr root(cJSON_ParseWithOpts(text.get(), &end, 0));
+    return {true, std::move(root), end, std::move(text)};
 }
 
-int write_text_file(const char *path, const char *text)
+void lock_file(FILE *file)
 {
+    while (flock(fileno(file), LOCK_EX) != 0 && errno == EINTR) {
+        // A signal of the host's interrupted the wait.
+    }
+}
+
+void unlock_file(FILE *file)
+{
+    flock(fileno(file), LOCK_UN);
+}
+
+int replace_contents(FILE *file, const char *bytes, size_t length)
+{
+    if (ftruncate(fileno(file), 0) != 0)
+        return EOF;
+    rewind(file);
+    fwrite(bytes, 1, length, file);
+    return fflush(file);
+}
+
+// Opened without truncating: until the lock is ours, another process may be reading the file.
+static FILE *open_to_lock(const char *path)
+{
+    const int descriptor = open(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+    if (descriptor < 0)
+        return nullptr;
+    FILE *const file = fdopen(descriptor, "wb");
+    if (file == nullptr)
+        close(descriptor);
+    return file;
+}
+
+static int write_locked(const char *path, const char *bytes, size_t length)
+{
+    FILE *const file = open_to_lock(path);
+    if (file == nullptr)
+        return 0;
+    lock_file(file);
+    const int flushed = replace_contents(file, bytes, length);
+    unlock_file(file);
+    fclose(file);
+    return flushed;
+}
+
+int write_file(const char *path, const char *bytes, size_t length, file_lock lock)
+{
+    if (lock == file_lock::exclusive)
+        return write_locked(path, bytes, length);
+
     FILE *const file = fopen(path, "wb");
     if (file == nullptr)
         return 0;
-
-    // The final zero byte belongs to the format (SavedFile.EndsWithOneZeroByte).
-    fwrite(text, strlen(text) + 1, 1, file);
+    fwrite(bytes, length, 1, file);
     const int flushed = fflush(file);
     fclose(file);
     return flushed;
 }
 
+int write_text_file(const char *path, const char *text)
+{
+    if (text == nullptr)
+        return 0;
+    // length + 1: the final zero byte belongs to the format (SavedFile.EndsWithOneZeroByte).
+    return write_file(path, text, strlen(text) + 1, file_lock::none);
+}
+
+json_file read_json_file(const char *path, const char *function, int level, const char *ending)
+{
+    json_file file = read_json_file(path);
+    if (file.readable && !file.root)
+        PARA_TRACE_AS(function, level, "Error before: [%s]%s", file.error, ending);
+    return file;
+}
+
 int write_json_file(const char *path, const cJSON *root)
 {
     const printed_ptr text(cJSON_Print(root));
-    return text ? write_text_file(path, text.get()) : 0;
+    return write_text_file(path, text.get());
 }

@@ -1,26 +1,10 @@
-// JSON files and the heap objects that come with them.
+// The files of the store: their paths, reading and writing them.
 #pragma once
 
-#include <cjson/cJSON.h>
+#include <cstddef>
+#include <cstdio>
 
-#include <cstdlib>
-#include <memory>
-
-struct text_delete {
-    void operator()(char *text) const { free(text); }
-};
-using text_ptr = std::unique_ptr<char, text_delete>;
-
-// Text that cJSON printed: cJSON's own allocator made it.
-struct printed_delete {
-    void operator()(char *text) const { cJSON_free(text); }
-};
-using printed_ptr = std::unique_ptr<char, printed_delete>;
-
-struct json_delete {
-    void operator()(cJSON *node) const { cJSON_Delete(node); }
-};
-using json_ptr = std::unique_ptr<cJSON, json_delete>;
+#include "base/json.h"
 
 constexpr int path_size = 128;
 
@@ -33,16 +17,32 @@ struct file_path {
 
 struct json_file {
     bool readable;
-    json_ptr root; // null when it is not readable or not JSON
+    json_ptr root;     // null when the file is not readable or not JSON
+    const char *error; // then where parsing stopped; empty for a file that is not readable
+    text_ptr text;     // the file as it was read, which error points into
 };
 
-// Reads a JSON file; text that is not JSON is traced as the function's. Some of them end that trace
-// with an empty line: their ending is a line break.
-json_file read_json_file(const char *path, const char *function, int level, const char *ending);
+json_file read_json_file(const char *path);
 
-// Writes a text and its final zero byte. Returns what fflush returned; 0 when the file cannot be
-// opened, which leaves an existing file as it is.
+enum class file_lock {
+    none,
+    exclusive, // flock; until it is ours, the file keeps its contents
+};
+
+// Replaces the contents of a file, or makes it. Returns what fflush returned; 0 when the file
+// cannot be opened.
+int write_file(const char *path, const char *bytes, size_t length, file_lock lock);
+
+// Replaces a file by a text and its final zero byte (SavedFile.EndsWithOneZeroByte); by nothing
+// when the text is null, for want of memory.
 int write_text_file(const char *path, const char *text);
 
-// Writes the text that cJSON_Print makes of the tree in the same way.
+// Waits until the exclusive lock on an open file is ours.
+void lock_file(FILE *file);
+void unlock_file(FILE *file);
+
+// Replaces the contents of a file that is open for writing. Returns what fflush returned.
+int replace_contents(FILE *file, const char *bytes, size_t length);
+
+json_file read_json_file(const char *path, const char *function, int level, const char *ending);
 int write_json_file(const char *path, const cJSON *root);

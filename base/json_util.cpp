@@ -3,37 +3,38 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "base/file.h"
+#include "base/json.h"
 #include "base/trace.h"
 #include "camparam/platform.h"
 
-static void trace_tree(const char *function, const cJSON *node, const char *tag, const void *caller)
+static void trace_tree(const trace_site &site, const cJSON *node, const char *tag,
+                       const void *caller)
 {
     const auto address = static_cast<unsigned>(reinterpret_cast<uintptr_t>(caller));
     if (node == nullptr) {
-        PARA_TRACE_AS(function, PARA_INFO, "ERROR : json null,return:0x%x", address);
+        PARA_TRACE_AT(site, PARA_INFO, "ERROR : json null,return:0x%x", address);
         return;
     }
 
-    // Printed at every level: whoever traces a tree that cannot be printed learns of it early.
+    // At every level, so that a tree that cannot be printed is noticed early.
     const printed_ptr text(cJSON_Print(node));
     const auto type = static_cast<unsigned>(node->type);
     if (!text)
-        PARA_TRACE_AS(function, PARA_INFO, "ERROR : json format,return:0x%x", address);
+        PARA_TRACE_AT(site, PARA_INFO, "ERROR : json format,return:0x%x", address);
     else if (tag != nullptr)
-        PARA_TRACE_AS(function, PARA_INFO, "dbg_msg:%s type:0x%x,%s", tag, type, text.get());
+        PARA_TRACE_AT(site, PARA_INFO, "dbg_msg:%s type:0x%x,%s", tag, type, text.get());
     else
-        PARA_TRACE_AS(function, PARA_INFO, "type:0x%x,%s", type, text.get());
+        PARA_TRACE_AT(site, PARA_INFO, "type:0x%x,%s", type, text.get());
 }
 
 void cJSON_Print_safe(const cJSON *node)
 {
-    trace_tree(__func__, node, nullptr, __builtin_return_address(0));
+    trace_tree(PARA_HERE, node, nullptr, __builtin_return_address(0));
 }
 
 void cJSON_Print2_safe(const cJSON *node, const char *tag)
 {
-    trace_tree(__func__, node, tag, __builtin_return_address(0));
+    trace_tree(PARA_HERE, node, tag, __builtin_return_address(0));
 }
 
 int json_object_get_int(const cJSON *node)

@@ -1,4 +1,4 @@
-// Holds a mutex for the rest of a block.
+// Hold a lock for the rest of a block.
 #pragma once
 
 #include <pthread.h>
@@ -12,4 +12,26 @@ public:
 
 private:
     pthread_mutex_t &mutex;
+};
+
+class read_guard {
+public:
+    explicit read_guard(pthread_rwlock_t &held) : lock(held) { pthread_rwlock_rdlock(&lock); }
+    ~read_guard() { pthread_rwlock_unlock(&lock); }
+    read_guard(const read_guard &) = delete;
+    read_guard &operator=(const read_guard &) = delete;
+
+private:
+    pthread_rwlock_t &lock;
+};
+
+class write_guard {
+public:
+    explicit write_guard(pthread_rwlock_t &held) : lock(held) { pthread_rwlock_wrlock(&lock); }
+    ~write_guard() { pthread_rwlock_unlock(&lock); }
+    write_guard(const write_guard &) = delete;
+    write_guard &operator=(const write_guard &) = delete;
+
+private:
+    pthread_rwlock_t &lock;
 };

@@ -1,7 +1,9 @@
-// What the modules' get_opt functions share: the list of member names in a request.
+// What the modules' get_opt functions share: how a request says which members it wants.
 #pragma once
 
 #include <cjson/cJSON.h>
+
+#include <cstring>
 
 #include "base/text.h"
 
@@ -12,4 +14,10 @@ inline bool asks_for_all(const cJSON *item)
         return false;
     const char *const name = cJSON_GetArrayItem(item, 0)->valuestring;
     return name != nullptr && begins_with(name, "all");
+}
+
+// Whether the request's own key asks for defaults.
+inline bool asks_for_defaults(const cJSON *item)
+{
+    return item->string != nullptr && strstr(item->string, "def") != nullptr;
 }

@@ -5,19 +5,25 @@
 
 enum { PARA_ERROR = 3, PARA_INFO = 6, PARA_DUMP = 7 };
 
+// The function that a message names, and a line of it. Code that several functions share traces in
+// the name of the one that called it, and takes its site as an argument.
+struct trace_site {
+    const char *function;
+    int line;
+};
+#define PARA_HERE (trace_site{__func__, __LINE__})
+
 // Emits a message, with prefix and line break, when the trace level admits it. The format is a
-// literal. PARA_TRACE_AS names the function for code that several modules share.
-#define PARA_TRACE_AS(function, level, ...)                                                        \
+// literal. (The pasted comma goes when no arguments follow.)
+#define PARA_TRACE_AT(site, level, format, ...)                                                    \
     do {                                                                                           \
         if (para_traces(level))                                                                    \
-            PARA_TRACE_FORMAT(function, level, __VA_ARGS__, "");                                   \
+            wnk_traceout(level, "[para %s +%-4d]" format "\n", (site).function, (site).line,       \
+                         ##__VA_ARGS__);                                                           \
     } while (0)
-#define PARA_TRACE(level, ...) PARA_TRACE_AS(__func__, level, __VA_ARGS__)
-
-// The empty text behind the arguments serves the "%s" behind the format: a message without
-// arguments of its own needs no second macro.
-#define PARA_TRACE_FORMAT(function, level, format, ...)                                            \
-    wnk_traceout(level, "[para %s +%-4d]" format "%s\n", function, __LINE__, __VA_ARGS__)
+#define PARA_TRACE_AS(function, level, ...)                                                        \
+    PARA_TRACE_AT((trace_site{function, __LINE__}), level, __VA_ARGS__)
+#define PARA_TRACE(level, ...) PARA_TRACE_AT(PARA_HERE, level, __VA_ARGS__)
 
 inline bool para_traces(int level)
 {

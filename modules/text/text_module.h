@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "base/file.h"
+#include "base/query.h"
 #include "camparam/platform.h"
 
 constexpr int module_name_size = 64;
@@ -13,12 +14,6 @@ constexpr int value_size = 256; // of a value that is read
 
 // "<dir>/<module><suffix>"
 file_path module_path(const char *dir, const char *module, const char *suffix);
-
-// Whether a request's own key asks for defaults.
-inline bool asks_for_defaults(const cJSON *item)
-{
-    return item->string != nullptr && strstr(item->string, "def") != nullptr;
-}
 
 // Copies a value of at most value_size - 1 characters. Returns whether the object has one.
 bool read_conf_value(configure *conf, const char *key, char (&value)[value_size]);
