@@ -3,73 +3,68 @@
 
 #include "base/query.h"
 #include "base/text.h"
-#include "base/trace.h"
-#include "base/word.h"
 #include "camparam/control.h"
+#include "modules/fixed/accessors.h"
 #include "modules/fixed/fixed_module.h"
 
-int para_af_def[7], para_af_min[7], para_af_max[7];
-int para_af_init[7], para_af_cur[7], para_af_exist[7];
+int para_af_def[PARA_AF_SLOTS], para_af_min[PARA_AF_SLOTS], para_af_max[PARA_AF_SLOTS];
+int para_af_init[PARA_AF_SLOTS], para_af_cur[PARA_AF_SLOTS], para_af_exist[PARA_AF_SLOTS];
 timespec af_item_start_time;
 static int af_item_changed;
 
-static constexpr param_member members[] = {
-#define AF_MEMBER(slot, name) {slot, #name, &null_names},
+static constexpr fixed_member members[] = {
+#define AF_MEMBER(number, name) {.slot = PARA_AF_##name, .key = #name},
 #include "camparam/af_members.def"
 };
+static constexpr auto order = order_of(members);
 
-constexpr int member_count = sizeof members / sizeof members[0];
-constexpr int slots = sizeof para_af_cur / sizeof para_af_cur[0];
-static_assert(member_count == slots - 1, "slot 0 is reserved");
-
-static constexpr param_table table = {
-    PARAM_ARRAYS(af), "af",
-    first_form,       slots,
-    members,          member_count,
-    nullptr,          0,
-    nullptr,          {&af_item_start_time, &af_item_changed},
-    &save_delay_ms,   "AF",
-    "para_init_af",   "af_page",
+static constexpr fixed_module af = {
+    .name = "af",
+    .title = "AF",
+    .page = af_page,
+    .values = VALUE_TABLES(af),
+    .slots = PARA_AF_SLOTS,
+    .members = list_of(members),
+    .file_order = order.list(),
+    .stamp = {.time = &af_item_start_time, .changed = &af_item_changed},
+    .rules = {.clears_presence = true,
+              .traces_unreadable = false,
+              .named_values = false,
+              .range_is_array = false,
+              .set_needs_presence = false,
+              .get_needs_presence = false,
+              .presence_of_number = PARA_PRESENT},
 };
 
+static int read(const int *values, int slot)
+{
+    return load_word(values[slot]);
+}
+
+static int read_present(const int *values, int slot)
+{
+    return load_word(values[slot]); // of an absent member too
+}
+
+[[gnu::always_inline]] static inline int set(int slot, int value, int (*setter)(int))
+{
+    if (!accepts(af, slot, value))
+        return 0;
+    return change_and_notify(af, slot, value, para_profile.af_set_notify_hook, setter);
+}
+
 #define AF_MEMBER(slot, name)                                                                      \
-    int para_get_af_##name##_def()                                                                 \
-    {                                                                                              \
-        return load_word(para_af_def[slot]);                                                       \
-    }                                                                                              \
-    int para_get_af_##name##_min()                                                                 \
-    {                                                                                              \
-        return load_word(para_af_min[slot]);                                                       \
-    }                                                                                              \
-    int para_get_af_##name##_max()                                                                 \
-    {                                                                                              \
-        return load_word(para_af_max[slot]);                                                       \
-    }                                                                                              \
-    int para_get_af_##name##_init()                                                                \
-    {                                                                                              \
-        return load_word(para_af_init[slot]);                                                      \
-    }                                                                                              \
-    int para_get_af_##name##_cur()                                                                 \
-    {                                                                                              \
-        return load_word(para_af_cur[slot]);                                                       \
-    }                                                                                              \
-    int para_set_af_##name##_cur(int value)                                                        \
-    {                                                                                              \
-        if (!param_accepts(table, slot, value))                                                    \
-            return 0;                                                                              \
-        return param_take(table, slot, value, para_profile.af_set_notify_hook,                     \
-                          para_set_af_##name##_cur);                                               \
-    }
+    DEFINE_GETTERS(af, name, PARA_AF_##name) DEFINE_SETTER(af, name, PARA_AF_##name)
 #include "camparam/af_members.def"
 
 int para_init_af(const char *)
 {
-    return param_start(table);
+    return start_module(af, PARA_HERE);
 }
 
 int para_get_af_member_json(const char *name, int *value, const char **)
 {
-    return param_get_member(table, table.cur, 0, name, value, nullptr);
+    return get_member(af, para_af_cur, 0, name, value, nullptr);
 }
 
 // Over the length of the key, so any prefix of "af" is answered (AfQuery.KeyMayBeCutShort).
@@ -83,10 +78,10 @@ int para_get_af_opt(const char *, const cJSON *item, cJSON **answer, const char 
     PARA_TRACE(PARA_INFO, "inter");
     if (is_addressed(item)) {
         if (asks_for_all(item)) {
-            *answer = param_answer_all(table, table.cur, 0);
+            *answer = answer_all(af, para_af_cur, 0);
             return 0;
         }
-        *answer = param_answer_listed(table, table.cur, 0, item);
+        *answer = answer_listed(af, para_af_cur, 0, item);
     }
     PARA_TRACE(PARA_INFO, "leave");
     return 0;
@@ -94,15 +89,15 @@ int para_get_af_opt(const char *, const cJSON *item, cJSON **answer, const char 
 
 int para_need_save_af(const char *)
 {
-    return param_due(table) ? 1 : 0;
+    return module_due(af) ? 1 : 0;
 }
 
 int para_save_af(const char *)
 {
-    return param_save(table);
+    return save_module(af);
 }
 
 void af_page()
 {
-    param_page(table);
+    page_module(af, PARA_HERE);
 }

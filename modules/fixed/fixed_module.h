@@ -1,194 +1,179 @@
-// The model of a module with fixed members: six parallel arrays of values, three files.
+// The model of a module with fixed members: six parallel tables of values, three files.
 //
-// A module is a param_table: its members and what is particular to it, as data. Reading the files,
-// checking changes, answering queries, saving and dumping are written once, in param_table.cpp.
+// A module is a fixed_module: its members, and what is particular to it, as data. What all of them
+// do alike is written once: loading.cpp reads the files, change.cpp sets, answer.cpp answers
+// queries, saving.cpp writes the current file, page.cpp dumps.
 #pragma once
 
 #include <cjson/cJSON.h>
 
-#include <ctime>
-
 #include "base/change.h"
-#include "base/file.h"
+#include "base/json.h"
+#include "base/trace.h"
 #include "base/word.h"
+#include "camparam/presence.h"
+#include "modules/fixed/file_order.h"
 #include "modules/fixed/value_names.h"
 
-// The presence of a member, 0 when the defaults file does not name it.
-enum {
-    PRESENT = 1,
-    PRESENT_AS_NUMBER = 0x80,
-    PRESENT_AS_NAME = 0x100,
+// Each value of every slot.
+struct value_tables {
+    int *def, *min, *max, *init, *cur, *exist;
 };
-
-struct param_member {
-    int slot; // within its instance
-    const char *key;
-    const param_names *names; // null_names when its values have none
-    bool loaded = true;       // from the files
-    bool queried = true;      // by its name, and dumped
-};
-
-// A member of the current file: which one is written, and whose presence decides that it is.
-struct param_written {
-    int slot;
-    int if_present;
-};
-
-// Where forms of the model differ.
-struct param_rules {
-    bool clears_presence;     // start-up forgets who was present
-    bool traces_unreadable;   // a file that cannot be read is traced
-    bool named_values;        // files may hold names for numbers
-    bool range_is_array;      // a range of another type with two elements is ignored
-    bool set_needs_presence;  // setters refuse an absent member
-    bool get_needs_presence;  // the current value of an absent member reads as -1
-    bool page_needs_presence; // the dump leaves absent members out
-    int number_bit;           // of the presence of a member that is exchanged as a number
-};
-
-constexpr param_rules first_form = {true, false, false, false, false, false, false, PRESENT};
-constexpr param_rules second_form = {false, true, true, true, true, true, false, PRESENT_AS_NUMBER};
+#define VALUE_TABLES(module)                                                                       \
+    {                                                                                              \
+        .def = para_##module##_def, .min = para_##module##_min, .max = para_##module##_max,        \
+        .init = para_##module##_init, .cur = para_##module##_cur, .exist = para_##module##_exist   \
+    }
 
 // A module whose members exist several times, in the files an object for each.
-struct param_instances {
-    const char *noun; // "video": the objects are "video0", "video1" ...
+struct module_instances {
     int capacity;
-    int stride; // slots from one instance to the next
     int *count; // in use; fixed after start-up
-    const char *check_function;
-    const char *page_noun;  // in the trace dump
-    const char *page_break; // there, behind its title
+    int stride; // slots from one instance to the next
+    int (*count_in)(const cJSON *range_root);
+    void (*page_title)(int instance, const trace_site &site);
 };
 
-// The key of an instance's object: the noun and the number.
+// Where a module differs from the others.
+struct module_rules {
+    bool clears_presence = false;     // at start-up
+    bool traces_unreadable = true;    // a file that cannot be read
+    bool named_values = true;         // files may hold names for numbers
+    bool range_is_array = true;       // an object with two members is none
+    bool set_needs_presence = true;   // setters refuse an absent member
+    bool get_needs_presence = true;   // the current value of an absent member reads as -1
+    bool page_needs_presence = false; // the dump leaves absent members out
+    int presence_of_number = PARA_PRESENT | PARA_PRESENT_AS_NUMBER;
+};
+
+struct fixed_module {
+    const char
+        *name; // as in its file names, "af" for "af_range.json", and before an instance number
+    const char *title; // of the dump
+    void (*page)();    // dumps it
+    value_tables values;
+    int slots; // of each table
+    fixed_members members;
+    file_slots file_order;
+    const module_instances *instances = nullptr; // null: the members stand at the top of the files
+    change_stamp stamp;
+    const int *save_delay_ms = &default_save_delay_ms;
+    module_rules rules = {};
+};
+
+inline bool is_named(const fixed_member &member)
+{
+    return member.names != &null_names;
+}
+
+inline int first_slot(const fixed_module &module, int instance)
+{
+    return module.instances != nullptr ? instance * module.instances->stride : 0;
+}
+
+inline int slot_of(const fixed_module &module, int instance, const fixed_member &member)
+{
+    return first_slot(module, instance) + member.slot;
+}
+
+inline int instance_count(const fixed_module &module)
+{
+    return module.instances != nullptr ? *module.instances->count : 1;
+}
+
+// The key of an instance's object: "video0".
 struct instance_key {
-    instance_key(const param_instances &instances, int instance);
+    instance_key(const fixed_module &module, int instance);
     char text[32];
 };
 
-// Each value of every slot.
-struct param_arrays {
-    int *def, *min, *max, *init, *cur, *exist;
-};
-#define PARAM_ARRAYS(module)                                                                       \
-    {                                                                                              \
-        para_##module##_def, para_##module##_min, para_##module##_max, para_##module##_init,       \
-            para_##module##_cur, para_##module##_exist                                             \
-    }
+// --- Loading ---
 
-struct param_table : param_arrays {
-    const char *module; // as in its file names, "af" for "af_range.json"
-    param_rules rules;
+// Loads range, defaults and current file, in this order, and dumps the values. Returns 0, or -1
+// when one of the first two is missing or not JSON.
+int start_module(const fixed_module &module, const trace_site &site);
 
-    int slots; // of each array
+// The steps of it, for a module with an order of its own. A missing or broken file gives null,
+// after the trace that its failure gets.
+json_ptr load_range_file(const fixed_module &module, const trace_site &site);
+json_ptr load_current_file(const fixed_module &module, const trace_site &site);
+void read_ranges(const fixed_module &module, int instance, const cJSON *object);
+void read_defaults(const fixed_module &module, int instance, const cJSON *object);
+void read_values(const fixed_module &module, int *values, const cJSON *object); // of one instance
+void keep_start_values(const fixed_module &module);
 
-    const param_member *members; // in slot order
-    int member_count;
-    const param_written *written; // null: the members in slot order
-    int written_count;
-    const param_instances *instances; // null: the members stand at the top of the files
+// How many of the objects "video0", "video1" ... a range file has, traced.
+int count_instances(const fixed_module &module, const cJSON *root, const trace_site &site);
 
-    change_stamp stamp;
-    const int *save_delay_ms;
+// --- Changes ---
 
-    const char *banner;        // of the trace dump
-    const char *init_function; // as which start-up is traced
-    const char *page_function; // as which the dump is traced
-};
-
-// Loads range, defaults and current file, in this order. Returns 0, or -1 when one of the first
-// two is missing or not JSON.
-int param_start(const param_table &table);
-
-// The parts of start-up, for modules with an order of their own. A missing or broken file gives
-// null, after the trace that its failure gets.
-json_ptr param_load_home_file(const param_table &table, const char *suffix, const char *unreadable);
-json_ptr param_load_current_file(const param_table &table);
-void param_read_range(const param_table &table, int instance, const cJSON *object);
-void param_read_defaults(const param_table &table, int instance, const cJSON *object);
-// Into the values of one instance.
-void param_read_values(const param_table &table, int *values, const cJSON *object);
-// Takes the current values as those of start-up, and dumps the table.
-void param_end_start(const param_table &table);
-
-// How many of the objects "video0", "video1" ... the range file has, and traces it.
-int param_count_instances(const param_instances &instances, const cJSON *range_root);
+// Whether a setter takes the value: it is within the slot's range and differs from the current one.
+// Inlined into every setter, where the module is a constant: most calls change nothing, and cost
+// little more than the comparisons (bench/accessors).
+[[gnu::always_inline]] inline bool accepts(const fixed_module &module, int slot, int value)
+{
+    if (value < load_word(module.values.min[slot]) || value > load_word(module.values.max[slot]))
+        return false;
+    if (value == load_word(module.values.cur[slot]))
+        return false; // restamping would let a client that repeats itself hold off the save
+    return !module.rules.set_needs_presence || load_word(module.values.exist[slot]) != 0;
+}
 
 // Stores an accepted value and stamps the change. Returns 1, as setters do that tell of a change.
-int param_change(const param_table &table, int slot, int value);
+int change_value(const fixed_module &module, int slot, int value);
 
 // The same, and tells the host: the hook gets the public setter that took the value, and its
-// arguments. Returns 0.
+// arguments. Returns 0, as public setters do.
 template <typename hook, typename... setter_and_instance>
-[[gnu::noinline]] int param_take(const param_table &table, int slot, int value, hook notify,
-                                 setter_and_instance... setter)
+[[gnu::noinline]] int change_and_notify(const fixed_module &module, int slot, int value,
+                                        hook notify, setter_and_instance... setter)
 {
-    param_change(table, slot, value);
+    change_value(module, slot, value);
     if (notify != nullptr)
         notify(setter..., value);
     return 0;
 }
 
 // Sets a member as a request does: from the number or from the text, whichever form its default
-// had. Returns whether the value changed.
-bool param_set_as_requested(const param_table &table, int instance, const param_member &member,
-                            int number, const char *text);
+// had. Returns 1 when the value changed, else 0.
+int set_as_requested(const fixed_module &module, int instance, const fixed_member &member,
+                     int number, const char *text);
 
-// The member of exactly that name, or null.
-const param_member *param_find(const param_table &table, const char *name);
-
-// Stores a member's value in one of the tables, and, where a place for it is given, the name of a
-// named member's value, null if it is exchanged as a number. Returns the member's presence.
-int param_get_member(const param_table &table, const int *values, int instance, const char *name,
-                     int *value, const char **text);
-
-// The answers to a query, new objects: every present member, or those among the item's names, with
-// their values in one of the tables.
-cJSON *param_answer_all(const param_table &table, const int *values, int instance);
-cJSON *param_answer_listed(const param_table &table, const int *values, int instance,
-                           const cJSON *item);
-
-bool param_due(const param_table &table);
-
-// Saves at once when the last change is that old. Returns 0.
-int param_save_after(const param_table &table, int delay_ms);
-
-// Writes the current file and clears the changed flag, whether or not the file opened. Returns what
-// fflush returned; 0 when the file did not open.
-int param_save(const param_table &table);
-
-// Traces the current value, default and range of every member.
-void param_page(const param_table &table);
-
-inline bool is_named(const param_member &member)
-{
-    return member.names != &null_names;
-}
-
-inline int first_slot(const param_table &table, int instance)
-{
-    return table.instances != nullptr ? instance * table.instances->stride : 0;
-}
-
-inline int param_slot(const param_table &table, int instance, const param_member &member)
-{
-    return first_slot(table, instance) + member.slot;
-}
-
-// Whether a setter takes the value: it is within the slot's range and differs from the current one.
-// Inlined into every setter, where the table is a constant: most calls change nothing, and cost
-// little more than the comparisons (bench/accessors).
-[[gnu::always_inline]] inline bool param_accepts(const param_table &table, int slot, int value)
-{
-    if (value < load_word(table.min[slot]) || value > load_word(table.max[slot]))
-        return false;
-    if (value == load_word(table.cur[slot]))
-        return false; // restamping would let a client that repeats itself hold off the save
-    return !table.rules.set_needs_presence || load_word(table.exist[slot]) != 0;
-}
+// --- Answers ---
 
 // The value, or -1 when the member is absent.
 inline int value_if_present(const int *values, const int *exist, int slot)
 {
     return load_word(exist[slot]) != 0 ? load_word(values[slot]) : -1;
 }
+
+// The member of exactly that name, or null.
+const fixed_member *find_member(const fixed_module &module, const char *name);
+
+// The first member that can be set whose name the text begins with, or null.
+const fixed_member *find_member_by_prefix(const fixed_module &module, const char *text);
+
+// Stores a member's value in one of the tables, and, where a place for it is given, the name of a
+// named member's value, null if it is exchanged as a number. Returns the member's presence.
+int get_member(const fixed_module &module, const int *values, int instance, const char *name,
+               int *value, const char **text);
+
+// The answers to a query, new objects: every present member, or those among the item's names, with
+// their values in one of the tables.
+cJSON *answer_all(const fixed_module &module, const int *values, int instance);
+cJSON *answer_listed(const fixed_module &module, const int *values, int instance,
+                     const cJSON *item);
+
+// --- Saving ---
+
+bool module_due(const fixed_module &module);
+
+// Saves at once when the last change is that old. Returns 0.
+int save_after(const fixed_module &module, int delay_ms);
+
+// Writes the current file and clears the mark of change, whether or not the file opened. Returns
+// what fflush returned; 0 when the file did not open.
+int save_module(const fixed_module &module);
+
+// Traces the current value, default and range of every member.
+void page_module(const fixed_module &module, const trace_site &site);

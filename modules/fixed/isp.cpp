@@ -1,258 +1,136 @@
 // The image signal processor: its values come from a style, and may be overridden by the ODM store.
 #include "modules/fixed/isp.h"
 
-#include <cstdio>
-#include <cstring>
-
-#include "base/query.h"
-#include "base/text.h"
-#include "base/trace.h"
-#include "base/word.h"
 #include "camparam/control.h"
 #include "camparam/odm.h"
-#include "modules/fixed/fixed_module.h"
+#include "modules/fixed/accessors.h"
 
-isp_record para_isp_def[2], para_isp_min[2], para_isp_max[2];
-isp_record para_isp_init[2], para_isp_cur[2], para_isp_exist[2];
+isp_record para_isp_def[PARA_ISP_INSTANCES], para_isp_min[PARA_ISP_INSTANCES];
+isp_record para_isp_max[PARA_ISP_INSTANCES], para_isp_init[PARA_ISP_INSTANCES];
+isp_record para_isp_cur[PARA_ISP_INSTANCES], para_isp_exist[PARA_ISP_INSTANCES];
 int isp_num;
 int isp_inited;
 timespec isp_item_start_time;
 int isp_item_changed;
 
-enum {
-#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) word_##name = word,
-#include "camparam/isp_members.def"
-};
-constexpr int record_words = sizeof(isp_record) / sizeof(int);
-static_assert(sizeof(isp_record) == 156, "hosts see the size");
+static_assert(sizeof(isp_record) == PARA_ISP_SLOTS * sizeof(int), "a slot is a word of the record");
 
 constexpr bool yes = true, no = false;
 
-// In the order of the record.
-static constexpr param_member members[] = {
-#define ISP_MEMBER(word, name, loaded, accessor, by_name, written)                                 \
-    {word, #name, &null_names, loaded, accessor},
+static constexpr fixed_member members[] = {
+#define ISP_MEMBER(number, name, in_files, accessor, by_name, in_answers)                          \
+    {.slot = PARA_ISP_##name,                                                                      \
+     .key = #name,                                                                                 \
+     .loaded = in_files,                                                                           \
+     .queried = accessor,                                                                          \
+     .settable = by_name,                                                                          \
+     .written = in_answers},
 #include "camparam/isp_members.def"
 };
-constexpr int member_count = sizeof members / sizeof members[0];
 
-// In the order of files and answers: that of the record, but for skin_saturation, which stands with
-// the colours.
-static constexpr int json_order[] = {
-    word_style,
-    word_exposure_mode,
-    word_shutter,
-    word_iris,
-    word_bright,
-    word_expcomp_mode,
-    word_expcomp_level,
-    word_backlight,
-    word_gain_limit,
-    word_manual_gain,
-    word_antiflicker,
-    word_meter,
-    word_wdr_strength,
-    word_wb_mode,
-    word_awb_sens,
-    word_rgain,
-    word_bgain,
-    word_rgain_tuning,
-    word_bgain_tuning,
-    word_ggain_tuning,
-    word_rgain_onepush,
-    word_bgain_onepush,
-    word_saturation,
-    word_skin_saturation,
-    word_hue,
-    word_temperature,
-    word_len_type,
-    word_luminance,
-    word_contrast,
-    word_sharpness,
-    word_blackwhite_mode,
-    word_gamma,
-    word_drc,
-    word_ccm_style,
-    word_nr2d,
-    word_nr3d,
-    word_hotpixel,
+static constexpr file_move moves[] = {
+    {.slot = PARA_ISP_skin_saturation,
+     .before = PARA_ISP_hue, // with the colours
+     .if_present = PARA_ISP_skin_saturation},
 };
+static constexpr auto order = order_of(members, moves);
+static_assert(is_permutation(order, members) && in_slot_order(members));
 
-// In the order in which a name is tried, drc behind wdr_strength: a name that begins with an
-// earlier one is taken by that one, as rgain_tuning is by rgain.
-static constexpr int by_name_order[] = {
-    word_style,
-    word_exposure_mode,
-    word_shutter,
-    word_iris,
-    word_bright,
-    word_expcomp_mode,
-    word_expcomp_level,
-    word_backlight,
-    word_gain_limit,
-    word_manual_gain,
-    word_antiflicker,
-    word_meter,
-    word_wdr_strength,
-    word_drc,
-    word_wb_mode,
-    word_awb_sens,
-    word_rgain,
-    word_bgain,
-    word_rgain_tuning,
-    word_bgain_tuning,
-    word_ggain_tuning,
-    word_rgain_onepush,
-    word_bgain_onepush,
-    word_saturation,
-    word_skin_saturation,
-    word_hue,
-    word_temperature,
-    word_luminance,
-    word_contrast,
-    word_sharpness,
-    word_blackwhite_mode,
-    word_gamma,
-    word_nr2d,
-    word_nr3d,
-};
-
-// A list of words holds exactly the members of a column.
-template <int count> constexpr bool lists(const int (&order)[count], const bool (&column)[38])
+static void page_title(int instance, const trace_site &site)
 {
-    int listed = 0;
-    for (const int word : order) {
-        int times = 0;
-        for (const int other : order)
-            times += other == word ? 1 : 0;
-        listed += times == 1 && column[word - 1] ? 1 : 0;
-    }
-    int wanted = 0;
-    for (const bool in_column : column)
-        wanted += in_column ? 1 : 0;
-    return listed == count && wanted == count;
-}
-static constexpr bool written_column[] = {
-#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) written,
-#include "camparam/isp_members.def"
-};
-static constexpr bool by_name_column[] = {
-#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) by_name,
-#include "camparam/isp_members.def"
-};
-static_assert(lists(json_order, written_column), "every written member, once");
-static_assert(lists(by_name_order, by_name_column), "every member that can be set by name, once");
-
-template <int count> struct written_list {
-    param_written rows[count];
-};
-
-template <int count> static constexpr written_list<count> written_in(const int (&order)[count])
-{
-    written_list<count> list = {};
-    for (int i = 0; i < count; i++)
-        list.rows[i] = {order[i], order[i]};
-    return list;
-}
-static constexpr auto written = written_in(json_order);
-
-static constexpr param_instances instances = {
-    "isp", isp_instances, record_words, &isp_num, "check_isp_num", "isp", "\n",
-};
-
-// Values are numbers alone, ranges true arrays; absent members read as they stand.
-static constexpr param_rules rules = {
-    false, false, false, true, true, false, true, PRESENT_AS_NUMBER,
-};
-
-static constexpr param_table table = {
-    {&para_isp_def[0].size, &para_isp_min[0].size, &para_isp_max[0].size, &para_isp_init[0].size,
-     &para_isp_cur[0].size, &para_isp_exist[0].size},
-    "isp",
-    rules,
-    isp_instances *record_words,
-    members,
-    member_count,
-    written.rows,
-    sizeof json_order / sizeof json_order[0],
-    &instances,
-    {&isp_item_start_time, &isp_item_changed},
-    &save_delay_ms,
-    "ISP",
-    "para_init_isp",
-    "isp_page",
-};
-
-void isp_read_values(isp_record &record, const cJSON *object)
-{
-    param_read_values(table, &record.size, object);
+    PARA_TRACE_AT(site, PARA_INFO, "isp%d param:\n", instance);
 }
 
-void isp_read_defaults(int instance, const cJSON *object)
-{
-    param_read_defaults(table, instance, object);
-}
+static constexpr module_instances instances = {
+    .capacity = PARA_ISP_INSTANCES,
+    .count = &isp_num,
+    .stride = PARA_ISP_SLOTS,
+    .count_in = check_isp_num,
+    .page_title = page_title,
+};
+
+// A record as the first of its words.
+#define RECORD_TABLE(field) (&para_isp_##field[0].size)
+
+constexpr fixed_module isp = {
+    .name = "isp",
+    .title = "ISP",
+    .page = isp_page,
+    .values = {.def = RECORD_TABLE(def),
+               .min = RECORD_TABLE(min),
+               .max = RECORD_TABLE(max),
+               .init = RECORD_TABLE(init),
+               .cur = RECORD_TABLE(cur),
+               .exist = RECORD_TABLE(exist)},
+    .slots = PARA_ISP_INSTANCES * PARA_ISP_SLOTS,
+    .members = list_of(members),
+    .file_order = order.list(),
+    .instances = &instances,
+    .stamp = {.time = &isp_item_start_time, .changed = &isp_item_changed},
+    .rules = {.traces_unreadable = false,
+              .named_values = false,
+              .get_needs_presence = false,
+              .page_needs_presence = true},
+};
 
 // --- Accessors ---
 
-static int read_word(const isp_record *records, int instance, int isp_record::*member)
+static int read(int instance, const isp_record *records, int slot)
 {
-    return is_isp_instance(instance) ? load_word(records[instance].*member) : 0;
+    if (!is_isp_instance(instance))
+        return 0;
+    return load_word(reinterpret_cast<const int *>(&records[instance])[slot]);
 }
 
-[[gnu::always_inline]] static inline bool accepts(int instance, int word, int value)
+static int read_present(int instance, const isp_record *records, int slot)
 {
-    return is_isp_instance(instance) && param_accepts(table, instance * record_words + word, value);
+    return read(instance, records, slot); // of an absent member too
 }
 
-#define ISP_GETTER(name, field)                                                                    \
-    int para_get_isp_##name##_##field(int instance)                                                \
-    {                                                                                              \
-        return read_word(para_isp_##field, instance, &isp_record::name);                           \
-    }
+[[gnu::always_inline]] static inline bool takes(int instance, int slot, int value)
+{
+    return is_isp_instance(instance) && accepts(isp, instance * PARA_ISP_SLOTS + slot, value);
+}
+
+[[gnu::always_inline]] static inline int change(int instance, int slot, int value)
+{
+    if (!takes(instance, slot, value))
+        return 0;
+    return change_value(isp, instance * PARA_ISP_SLOTS + slot, value);
+}
+
+[[gnu::always_inline]] static inline int set(int instance, int slot, int value,
+                                             int (*setter)(int, int))
+{
+    if (!takes(instance, slot, value))
+        return 0;
+    return change_and_notify(isp, instance * PARA_ISP_SLOTS + slot, value,
+                             para_profile.isp_set_notify_hook, setter, instance);
+}
+
 #define ISP_ACCESSORS_yes(name)                                                                    \
-    ISP_GETTER(name, def)                                                                          \
-    ISP_GETTER(name, min)                                                                          \
-    ISP_GETTER(name, max)                                                                          \
-    ISP_GETTER(name, init)                                                                         \
-    ISP_GETTER(name, cur)                                                                          \
-    int _para_set_isp_##name##_cur(int instance, int value)                                        \
-    {                                                                                              \
-        if (!accepts(instance, word_##name, value))                                                \
-            return 0;                                                                              \
-        return param_change(table, instance * record_words + word_##name, value);                  \
-    }                                                                                              \
-    int para_set_isp_##name##_cur(int instance, int value)                                         \
-    {                                                                                              \
-        if (!accepts(instance, word_##name, value))                                                \
-            return 0;                                                                              \
-        return param_take(table, instance * record_words + word_##name, value,                     \
-                          para_profile.isp_set_notify_hook, para_set_isp_##name##_cur, instance);  \
-    }
+    DEFINE_INSTANCE_GETTERS(isp, name, PARA_ISP_##name)                                            \
+    DEFINE_INSTANCE_SETTERS(isp, name, PARA_ISP_##name)
 #define ISP_ACCESSORS_no(name)
-#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) ISP_ACCESSORS_##accessor(name)
+#define ISP_MEMBER(slot, name, loaded, accessor, by_name, written) ISP_ACCESSORS_##accessor(name)
 #include "camparam/isp_members.def"
 
-#define ISP_NUM_yes(name)                                                                          \
-    int para_get_isp_##name##_num(const char *text)                                                \
-    {                                                                                              \
-        return number_of_text(null_names, text);                                                   \
-    }
+#define ISP_NUM_yes(name) DEFINE_NUM(isp, name, null_names)
 #define ISP_NUM_no(name)
-#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) ISP_NUM_##loaded(name)
+#define ISP_MEMBER(slot, name, loaded, accessor, by_name, written) ISP_NUM_##loaded(name)
 #include "camparam/isp_members.def"
 
 // --- Start-up ---
 
 int check_isp_num(const cJSON *root)
 {
-    return param_count_instances(instances, root);
+    return count_instances(isp, root, PARA_HERE);
 }
 
 static void write_sizes()
 {
     constexpr int size = sizeof(isp_record);
-    for (int instance = 0; instance < isp_instances; instance++) {
+    for (int instance = 0; instance < PARA_ISP_INSTANCES; instance++) {
         store_word(para_isp_min[instance].size, size);
         store_word(para_isp_max[instance].size, size);
         store_word(para_isp_def[instance].size, size);
@@ -261,20 +139,20 @@ static void write_sizes()
 }
 
 // Only the first instance has anything in the files; the second is counted.
-static int load_range()
+static int load_range(const trace_site &site)
 {
-    const json_ptr root = param_load_home_file(table, "_range.json", "");
+    const json_ptr root = load_range_file(isp, site);
     if (!root)
         return -1;
     isp_num = check_isp_num(root.get());
-    param_read_range(table, 0, cJSON_GetObjectItem(root.get(), "isp0"));
+    read_ranges(isp, 0, cJSON_GetObjectItem(root.get(), "isp0"));
     return 0;
 }
 
 static void load_style(const cJSON *style)
 {
-    isp_read_defaults(0, style);
-    isp_read_values(para_isp_cur[0], style);
+    read_defaults(isp, 0, style);
+    read_values(isp, &para_isp_cur[0].size, style);
 }
 
 static void load_default_style()
@@ -283,14 +161,14 @@ static void load_default_style()
     load_style(get_isp_style_json(index));
     store_word(para_isp_def[0].style, index);
     store_word(para_isp_cur[0].style, index);
-    store_word(para_isp_exist[0].style, PRESENT | PRESENT_AS_NUMBER);
+    store_word(para_isp_exist[0].style, PARA_PRESENT | PARA_PRESENT_AS_NUMBER);
 }
 
 // The saved style first, so that its values stand where the file has none of its own. A style that
 // differs from the default is a change: the file is saved again (IspStart.SavedStyle... tests).
-static bool load_current()
+static bool load_current(const trace_site &site)
 {
-    const json_ptr root = param_load_current_file(table);
+    const json_ptr root = load_current_file(isp, site);
     if (!root)
         return false;
     const cJSON *const saved = cJSON_GetObjectItem(root.get(), "isp0");
@@ -298,7 +176,7 @@ static bool load_current()
     if (style != nullptr)
         para_set_isp_style_cur(0, style->valueint);
     load_style(get_isp_style_json(para_get_isp_style_cur(0)));
-    isp_read_values(para_isp_cur[0], saved);
+    read_values(isp, &para_isp_cur[0].size, saved);
     return true;
 }
 
@@ -309,14 +187,15 @@ int para_init_isp(const char *)
     write_sizes();
     isp_inited = 1;
 
-    if (load_range() != 0)
+    if (load_range(PARA_HERE) != 0)
         return -1;
     para_init_isp_style();
     load_default_style();
-    const bool parse_ok = load_current();
+    const bool parse_ok = load_current(PARA_HERE);
     PARA_TRACE(PARA_INFO, "parse_ok:%d", parse_ok ? 1 : 0);
     parse_isp_def_odm(&para_isp_def[0]);
-    param_end_start(table);
+    keep_start_values(isp);
+    isp_page();
     return 0;
 }
 
@@ -324,8 +203,8 @@ int para_init_isp(const char *)
 
 int para_isp_cur_restore_isp_def()
 {
-    for (int slot = 0; slot < table.slots; slot++)
-        store_word(table.cur[slot], load_word(table.def[slot]));
+    for (int slot = 0; slot < isp.slots; slot++)
+        store_word(isp.values.cur[slot], load_word(isp.values.def[slot]));
     store_word(isp_item_changed, 1); // the time of the last change stands
     return 0;
 }
@@ -343,123 +222,4 @@ int para_set_isp_antiflicker_def(int instance, int value)
     para_set_odm_int("isp0_antiflicker_def", value); // one key, whatever the instance
     store_word(para_isp_def[instance].antiflicker, value);
     return 0;
-}
-
-// --- Requests ---
-
-static int get_member(const int *values, const char *name, int instance, int *value)
-{
-    return is_isp_instance(instance)
-               ? param_get_member(table, values, instance, name, value, nullptr)
-               : 0;
-}
-
-int para_get_isp_cur_member(const char *name, int instance, int *value, const char **)
-{
-    return get_member(table.cur, name, instance, value);
-}
-
-int para_get_isp_def_member(const char *name, int instance, int *value, const char **)
-{
-    return get_member(table.def, name, instance, value);
-}
-
-cJSON *isp_param_to_json(int instance, int use_defaults)
-{
-    if (!is_isp_instance(instance))
-        return cJSON_CreateObject();
-    return param_answer_all(table, use_defaults != 0 ? table.def : table.cur, instance);
-}
-
-int isp_set_member_by_name(const char *key, int instance, int number, const char *)
-{
-    if (!is_isp_instance(instance))
-        return 0;
-    for (const int word : by_name_order) {
-        const param_member &member = members[word - 1];
-        if (begins_with(key, member.key))
-            return param_set_as_requested(table, instance, member, number, nullptr) ? 1 : 0;
-    }
-    return 0;
-}
-
-// What a query's key asks for: an instance and one of its tables; no values for any other key.
-struct isp_query {
-    int instance;
-    const int *values;
-};
-
-static isp_query query_of(const char *key)
-{
-    struct {
-        const char *suffix;
-        const int *values;
-    } const forms[] = {{"", table.cur}, {"_def", table.def}, {"_cur_all", table.cur}};
-    for (int instance = 0; instance < isp_num; instance++) {
-        for (const auto &form : forms) {
-            char name[32];
-            snprintf(name, sizeof name, "isp%d%s", instance, form.suffix);
-            if (strcmp(key, name) == 0)
-                return {instance, form.values};
-        }
-    }
-    return {0, nullptr};
-}
-
-int para_get_isp_opt(const char *key, const cJSON *item, cJSON **answer, const char *)
-{
-    PARA_TRACE(PARA_DUMP, "inter %s", key);
-    const isp_query query = query_of(key);
-    if (query.values == nullptr)
-        return 0;
-    if (asks_for_all(item)) {
-        *answer = param_answer_all(table, query.values, query.instance);
-        return 0;
-    }
-    *answer = param_answer_listed(table, query.values, query.instance, item);
-    PARA_TRACE(PARA_INFO, "leave");
-    return 0;
-}
-
-constexpr int settable_keys = 6; // "isp0" to "isp5", of which two have a record
-
-// The instance that the item's key names, or -1.
-static int instance_to_set(const cJSON *item)
-{
-    for (int instance = 0; item->string != nullptr && instance < settable_keys; instance++) {
-        if (strcmp(item->string, instance_key(instances, instance).text) == 0)
-            return instance;
-    }
-    return -1;
-}
-
-// Tells no hook: IspSetRequest.TellsNoHook.
-int para_set_isp_opt(const char *, const cJSON *item, const char *)
-{
-    PARA_TRACE(PARA_INFO, "inter");
-    const int instance = instance_to_set(item);
-    if (instance < 0)
-        return 0;
-    const cJSON *child = nullptr;
-    cJSON_ArrayForEach(child, item)
-    {
-        if (child->string != nullptr)
-            isp_set_member_by_name(child->string, instance, child->valueint, child->valuestring);
-    }
-    return 0;
-}
-
-int para_need_save_isp(const char *)
-{
-    return param_due(table) ? 1 : 0;
-}
-
-int para_save_isp(const char *)
-{
-    return param_save(table);
-}
-
-void isp_page()
-{
-    param_page(table);
 }

@@ -3,8 +3,6 @@
 #include <cstring>
 
 #include "base/file.h"
-#include "base/trace.h"
-#include "base/word.h"
 #include "camparam/control.h"
 #include "camparam/odm.h"
 #include "modules/fixed/isp.h"
@@ -42,7 +40,7 @@ static void read_overrides()
         isp_antiflicker_def_odm = value;
 }
 
-static void add_style(const char *function, int index, const char *name)
+static void add_style(const trace_site &site, int index, const char *name)
 {
     isp_record &record = isp_para_in_style[index];
     record.size = static_cast<int>(sizeof record);
@@ -50,15 +48,14 @@ static void add_style(const char *function, int index, const char *name)
     cJSON *const style = cJSON_GetObjectItem(json_style_file, name);
     style_list[index] = style;
     if (style == nullptr) {
-        PARA_TRACE_AS(function, PARA_INFO, "error can not find style %s",
-                      name != nullptr ? name : "");
+        PARA_TRACE_AT(site, PARA_INFO, "error can not find style %s", name != nullptr ? name : "");
         return;
     }
-    PARA_TRACE_AS(function, PARA_INFO, "find style[%d]:%s", index, name);
+    PARA_TRACE_AT(site, PARA_INFO, "find style[%d]:%s", index, name);
     cJSON *const number = cJSON_GetObjectItem(style, "style");
     if (number != nullptr)
         cJSON_SetNumberValue(number, index); // the place in the list, whatever the file says
-    isp_read_values(record, style);
+    read_values(isp, &record.size, style);
 }
 
 static int allocate_styles(int count)
@@ -73,9 +70,13 @@ static int allocate_styles(int count)
 int para_init_isp_style()
 {
     const file_path path(para_profile.home_dir, "isp_def.json");
-    json_style_file = read_json_file(path.text, __func__, PARA_INFO, "\n").root.release();
-    if (json_style_file == nullptr)
+    json_file file = read_json_file(path.text);
+    json_style_file = file.root.release();
+    if (json_style_file == nullptr) {
+        if (file.readable)
+            PARA_TRACE(PARA_INFO, "Error before: [%s]\n", file.error);
         return -1;
+    }
 
     read_settings();
     const cJSON *const list = cJSON_GetObjectItem(json_style_file, "isp0_style_list");
@@ -95,7 +96,7 @@ int para_init_isp_style()
     const cJSON *entry = nullptr;
     cJSON_ArrayForEach(entry, list)
     {
-        add_style(__func__, index++, entry->valuestring);
+        add_style(PARA_HERE, index++, entry->valuestring);
     }
     return 0;
 }
@@ -122,7 +123,7 @@ int para_set_isp_style_def(int instance, int index)
 {
     if (!is_isp_instance(instance) || para_set_isp_style_def_index(instance, index) != 0)
         return -1;
-    isp_read_defaults(instance, get_isp_style_json(index));
+    read_defaults(isp, instance, get_isp_style_json(index));
     para_set_odm_int("isp0_style_def", index);
     return parse_isp_def_odm(&para_isp_def[instance]);
 }

@@ -6,9 +6,9 @@
 #include "base/text.h"
 
 static const char *const null_name[] = {"null"};
-const param_names null_names = names_of(null_name);
+const value_names null_names = names_of(null_name);
 
-int name_in_file(const param_names &names, const char *text)
+int name_in_file(const value_names &names, const char *text)
 {
     for (int i = names.count - 1; i >= 0; i--) {
         if (begins_with(names.names[i], text))
@@ -17,7 +17,7 @@ int name_in_file(const param_names &names, const char *text)
     return -1;
 }
 
-int number_of_text(const param_names &names, const char *text)
+int number_of_text(const value_names &names, const char *text)
 {
     if (text == nullptr)
         return no_number;
@@ -28,7 +28,7 @@ int number_of_text(const param_names &names, const char *text)
     return text[0] >= '0' && text[0] <= '9' ? leading_number(text) : no_number;
 }
 
-int exact_name(const param_names &names, const char *text)
+int exact_name(const value_names &names, const char *text)
 {
     for (int i = 0; text != nullptr && i < names.count; i++) {
         if (strcmp(names.names[i], text) == 0)
@@ -37,7 +37,7 @@ int exact_name(const param_names &names, const char *text)
     return -1;
 }
 
-const char *name_of_number(const param_names &names, int value)
+const char *name_of_number(const value_names &names, int value)
 {
     return value >= 0 && value < names.count ? names.names[value] : nullptr;
 }

@@ -18,7 +18,7 @@ static const char *const size[] = {
 };
 static_assert(sizeof size / sizeof size[0] == 47, "saved files and hosts hold the values");
 
-const param_names size_names = names_of(size);
+const value_names size_names = names_of(size);
 
 enum { HZ_60 = 0, HZ_50 = 1, ANY_MAINS = -1 };
 

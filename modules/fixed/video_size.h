@@ -3,4 +3,4 @@
 
 #include "modules/fixed/value_names.h"
 
-extern const param_names size_names;
+extern const value_names size_names;

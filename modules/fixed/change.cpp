@@ -1,0 +1,22 @@
+// Changing the values of a module with fixed members.
+#include "modules/fixed/fixed_module.h"
+
+int change_value(const fixed_module &module, int slot, int value)
+{
+    // The value first: a save that sees the mark must see the value too, or it would clear the mark
+    // of a value that it has not written.
+    store_word(module.values.cur[slot], value);
+    stamp_change(module.stamp);
+    return 1;
+}
+
+int set_as_requested(const fixed_module &module, int instance, const fixed_member &member,
+                     int number, const char *text)
+{
+    const int slot = slot_of(module, instance, member);
+    const int needed = is_named(member) ? PARA_PRESENT_AS_NAME : PARA_PRESENT_AS_NUMBER;
+    if ((load_word(module.values.exist[slot]) & needed) == 0)
+        return 0;
+    const int value = is_named(member) ? number_of_text(*member.names, text) : number;
+    return accepts(module, slot, value) ? change_value(module, slot, value) : 0;
+}

@@ -1,0 +1,122 @@
+// Requests to the ISP module, and saving it.
+#include <cstdio>
+#include <cstring>
+
+#include "base/query.h"
+#include "base/text.h"
+#include "modules/fixed/isp.h"
+
+static int get_isp_member(const int *values, const char *name, int instance, int *value)
+{
+    return is_isp_instance(instance) ? get_member(isp, values, instance, name, value, nullptr) : 0;
+}
+
+int para_get_isp_cur_member(const char *name, int instance, int *value, const char **)
+{
+    return get_isp_member(isp.values.cur, name, instance, value);
+}
+
+int para_get_isp_def_member(const char *name, int instance, int *value, const char **)
+{
+    return get_isp_member(isp.values.def, name, instance, value);
+}
+
+cJSON *isp_param_to_json(int instance, int use_defaults)
+{
+    if (!is_isp_instance(instance))
+        return cJSON_CreateObject();
+    return answer_all(isp, use_defaults != 0 ? isp.values.def : isp.values.cur, instance);
+}
+
+// In slot order, so that "rgain_tuning" is taken by "rgain"
+// (IspSetByName.LongerNamesAreTakenByShorterOnes).
+int isp_set_member_by_name(const char *key, int instance, int number, const char *)
+{
+    const fixed_member *const member = find_member_by_prefix(isp, key);
+    if (member == nullptr || !is_isp_instance(instance))
+        return 0;
+    return set_as_requested(isp, instance, *member, number, nullptr);
+}
+
+// What a query's key asks for: an instance and one of its tables; no values for any other key.
+struct isp_query {
+    int instance;
+    const int *values;
+};
+
+static isp_query query_of(const char *key)
+{
+    struct {
+        const char *suffix;
+        const int *values;
+    } const forms[] = {{.suffix = "", .values = isp.values.cur},
+                       {.suffix = "_def", .values = isp.values.def},
+                       {.suffix = "_cur_all", .values = isp.values.cur}};
+    for (int instance = 0; instance < isp_num; instance++) {
+        for (const auto &form : forms) {
+            char name[32];
+            snprintf(name, sizeof name, "isp%d%s", instance, form.suffix);
+            if (strcmp(key, name) == 0)
+                return {instance, form.values};
+        }
+    }
+    return {0, nullptr};
+}
+
+int para_get_isp_opt(const char *key, const cJSON *item, cJSON **answer, const char *)
+{
+    PARA_TRACE(PARA_DUMP, "inter %s", key);
+    const isp_query query = query_of(key);
+    if (query.values == nullptr)
+        return 0;
+    if (asks_for_all(item)) {
+        *answer = answer_all(isp, query.values, query.instance);
+        return 0;
+    }
+    *answer = answer_listed(isp, query.values, query.instance, item);
+    PARA_TRACE(PARA_INFO, "leave");
+    return 0;
+}
+
+constexpr int settable_keys = 6; // "isp0" to "isp5", of which two have a record
+
+// The instance that the item's key names, or -1.
+static int instance_to_set(const cJSON *item)
+{
+    for (int instance = 0; item->string != nullptr && instance < settable_keys; instance++) {
+        if (strcmp(item->string, instance_key(isp, instance).text) == 0)
+            return instance;
+    }
+    return -1;
+}
+
+// Tells no hook: IspSetRequest.TellsNoHook.
+int para_set_isp_opt(const char *, const cJSON *item, const char *)
+{
+    PARA_TRACE(PARA_INFO, "inter");
+    const int instance = instance_to_set(item);
+    if (instance < 0)
+        return 0;
+    const cJSON *child = nullptr;
+    cJSON_ArrayForEach(child, item)
+    {
+        if (child->string != nullptr)
+            isp_set_member_by_name(child->string, instance, child->valueint, child->valuestring);
+    }
+    return 0;
+}
+
+int para_need_save_isp(const char *)
+{
+    return module_due(isp) ? 1 : 0;
+}
+
+int para_save_isp(const char *)
+{
+    return save_module(isp);
+}
+
+void isp_page()
+{
+    page_module(isp, PARA_HERE);
+}

@@ -1,0 +1,27 @@
+#include "modules/fixed/module_file.h"
+
+#include <cstdio>
+
+#include "camparam/control.h"
+
+static file_path module_file(const char *dir, const fixed_module &module, const char *suffix)
+{
+    char name[64];
+    snprintf(name, sizeof name, "%s%s", module.name, suffix);
+    return {dir, name};
+}
+
+file_path home_file(const fixed_module &module, const char *suffix)
+{
+    return module_file(para_profile.home_dir, module, suffix);
+}
+
+file_path current_file(const fixed_module &module)
+{
+    return module_file(para_profile.data_dir, module, "_cur.json");
+}
+
+instance_key::instance_key(const fixed_module &module, int instance)
+{
+    snprintf(text, sizeof text, "%s%d", module.name, instance);
+}

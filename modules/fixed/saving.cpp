@@ -1,0 +1,40 @@
+// Saving the current values of a module with fixed members.
+#include "base/file.h"
+#include "modules/fixed/fixed_module.h"
+#include "modules/fixed/module_file.h"
+
+bool module_due(const fixed_module &module)
+{
+    return change_due(module.stamp, load_word(*module.save_delay_ms));
+}
+
+int save_after(const fixed_module &module, int delay_ms)
+{
+    if (change_due(module.stamp, delay_ms)) {
+        clear_change(module.stamp);
+        save_module(module);
+    }
+    return 0;
+}
+
+static json_ptr current_document(const fixed_module &module)
+{
+    if (module.instances == nullptr)
+        return json_ptr(answer_all(module, module.values.cur, 0));
+
+    json_ptr root(cJSON_CreateObject());
+    for (int instance = 0; instance < instance_count(module); instance++) {
+        cJSON_AddItemToObject(root.get(), instance_key(module, instance).text,
+                              answer_all(module, module.values.cur, instance));
+    }
+    return root;
+}
+
+int save_module(const fixed_module &module)
+{
+    const printed_ptr text(cJSON_Print(current_document(module).get()));
+    const int flushed = write_text_file(current_file(module).text, text.get());
+    // Last, and even when nothing was written: see SavedFile.FailedSaveIsNotRetried.
+    clear_change(module.stamp);
+    return flushed;
+}
