@@ -21,7 +21,7 @@ static cJSON *json_odm_file; // null until a file is loaded or a value set; neve
 
 timespec odm_item_start_time;
 static int odm_item_changed;
-static constexpr change_stamp stamp = {&odm_item_start_time, &odm_item_changed};
+static constexpr change_stamp stamp = {.time = &odm_item_start_time, .changed = &odm_item_changed};
 
 static int odm_persist_dir_missing;
 
@@ -66,13 +66,11 @@ int para_init_odm(const char *)
         store_word(odm_persist_dir_missing, 1);
     move_legacy_file();
 
-    json_file file = read_json_file(store_path().text, __func__, PARA_ERROR, "\n");
+    json_file file = read_json_file(store_path().text);
     if (!file.readable)
         return 0;
-    if (!file.root)
-        return -1;
-    if (!cJSON_IsObject(file.root.get())) {
-        PARA_TRACE(PARA_ERROR, "odm.json holds no object"); // and so would lose what is set
+    if (!file.root) {
+        PARA_TRACE(PARA_ERROR, "Error before: [%s]\n", file.error);
         return -1;
     }
 
@@ -156,7 +154,8 @@ int _para_set_odm_string(const char *key, const char *text)
     const lock_guard guard(document_mutex);
     cJSON *const item = item_to_set(key);
     if (item == nullptr) {
-        return cJSON_AddStringToObject(json_odm_file, key, text) != nullptr ? 1 : 0;
+        cJSON_AddStringToObject(json_odm_file, key, text); // nothing for a null text
+        return 1;
     }
     if (item->valuestring != nullptr && text != nullptr && strcmp(item->valuestring, text) == 0)
         return 0;
@@ -186,7 +185,7 @@ int para_set_odm_string(const char *key, const char *text)
 
 int para_need_save_odm(const char *)
 {
-    return change_due(stamp, save_delay_ms) ? 1 : 0;
+    return change_due(stamp, default_save_delay_ms) ? 1 : 0;
 }
 
 static printed_ptr printed_document()
@@ -200,5 +199,5 @@ int para_save_odm(const char *)
     make_persist_dir_if_missing();
     clear_change(stamp); // before the document is read: a change from now on is saved again
     const printed_ptr text = printed_document();
-    return text ? write_text_file(store_path().text, text.get()) : 0;
+    return write_text_file(store_path().text, text.get());
 }
