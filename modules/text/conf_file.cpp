@@ -1,13 +1,10 @@
-#include "modules/text/text_module.h"
-
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
-#include <cerrno>
+// The ".conf" files of the modules whose values are texts.
 #include <cstdio>
+#include <cstring>
 
-#include "base/trace.h"
+#include "base/text_buffer.h"
+#include "camparam/control.h"
+#include "modules/text/text_module.h"
 
 file_path module_path(const char *dir, const char *module, const char *suffix)
 {
@@ -18,51 +15,50 @@ file_path module_path(const char *dir, const char *module, const char *suffix)
     return {dir, name};
 }
 
-bool read_conf_value(configure *conf, const char *key, char (&value)[value_size])
+bool read_value(configure *conf, const char *key, char (&value)[value_size])
 {
     return conf != nullptr && key != nullptr && conf->conf_get(conf, key, value, value_size) == 0;
 }
 
-void lock_file(int descriptor)
+bool load_conf_files(const char *name, configure *def, configure *cur)
 {
-    while (flock(descriptor, LOCK_EX) != 0 && errno == EINTR) {
-        // A signal of the host's does not make the file ours.
-    }
+    if (def == nullptr || cur == nullptr)
+        return false;
+    const file_path home = module_path(para_profile.home_dir, name, ".conf");
+    if (configure_parse(def, 0, home.text) != 0)
+        return false;
+    configure_parse(cur, 0, home.text);
+    configure_parse(cur, 0, module_path(para_profile.data_dir, name, ".conf").text);
+    return true;
 }
 
-int write_conf_locked(const char *path, configure *conf)
+text_ptr conf_lines(configure *cur)
 {
-    // Opened without truncating: until the lock is ours, the file is its holder's.
-    const int descriptor = open(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
-    if (descriptor < 0)
-        return 0;
-    FILE *const file = fdopen(descriptor, "wb");
-    if (file == nullptr) {
-        close(descriptor);
-        return 0;
-    }
-
-    lock_file(descriptor);
-    if (ftruncate(descriptor, 0) != 0)
-        PARA_TRACE(PARA_ERROR, "%s cannot be emptied", path);
-    rewind(file);
-    conf->conf_loop(conf, loop_2_conf, file);
-    const int flushed = fflush(file);
-    flock(descriptor, LOCK_UN);
-    fclose(file);
-    return flushed;
+    text_buffer lines;
+    if (lines.stream() == nullptr || cur == nullptr)
+        return nullptr;
+    cur->conf_loop(cur, loop_2_conf, lines.stream());
+    return text_ptr(lines.release());
 }
 
-int write_conf_to_buffer(const char *function, const char *module, configure *conf, char *buffer,
-                         int size)
+int save_conf_lines(const char *name, const text_ptr &lines, file_lock lock)
 {
-    conf_buffer_state state = {buffer, size, 0, 0};
+    if (!lines)
+        return 0;
+    const file_path path = module_path(para_profile.data_dir, name, ".conf");
+    return write_file(path.text, lines.get(), strlen(lines.get()), lock);
+}
+
+int write_conf_to_buffer(const char *module, configure *conf, char *buffer, int size,
+                         const trace_site &site)
+{
+    conf_buffer_state state = {.buffer = buffer, .size = size};
     if (size > 0) {
         memset(buffer, 0, static_cast<size_t>(size));
         conf->conf_loop(conf, loop_2_buf, &state);
     }
     if (size <= 0 || state.overflow != 0) {
-        PARA_TRACE_AS(function, PARA_ERROR, "%s buf is not enough", module);
+        PARA_TRACE_AT(site, PARA_ERROR, "%s buf is not enough", module);
         return 0;
     }
     return state.used + 1;

@@ -1,49 +1,14 @@
 // Rewriting single lines of ".conf" files that other programs own.
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/types.h>
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 
+#include "base/file.h"
+#include "base/text_buffer.h"
 #include "base/trace.h"
 #include "camparam/conf.h"
 #include "camparam/platform.h"
-#include "modules/text/text_module.h"
-
-// Text that grows as it is written.
-class text_buffer {
-public:
-    text_buffer() : stream(open_memstream(&text, &size)) {}
-    ~text_buffer()
-    {
-        close();
-        free(text);
-    }
-    text_buffer(const text_buffer &) = delete;
-    text_buffer &operator=(const text_buffer &) = delete;
-
-    FILE *file() const { return stream; }
-
-    // Ends writing. Returns whether all of it is there.
-    bool close()
-    {
-        const bool closed = stream != nullptr && fclose(stream) == 0;
-        stream = nullptr;
-        return closed;
-    }
-
-    const char *data() const { return text; }
-    size_t length() const { return size; }
-
-private:
-    char *text = nullptr;
-    size_t size = 0;
-    FILE *stream;
-};
 
 struct file_close {
     void operator()(FILE *file) const { fclose(file); }
@@ -74,29 +39,21 @@ static bool replace_lines(FILE *from, const char *key, const char *new_line, FIL
     return feof(from) != 0 && ferror(from) == 0;
 }
 
-static bool rewrite(FILE *file, const text_buffer &text)
-{
-    if (ftruncate(fileno(file), 0) != 0)
-        return false;
-    rewind(file);
-    return fwrite(text.data(), 1, text.length(), file) == text.length() && fflush(file) == 0;
-}
-
 int update_conf(const char *path, const char *key, const char *line)
 {
     if (path == nullptr || key == nullptr || line == nullptr)
         return -1;
     const file_ptr file(fopen(path, "r+e"));
     text_buffer text;
-    if (!file || text.file() == nullptr)
+    if (!file || text.stream() == nullptr)
         return -1;
 
     // Locked before it is read, so that nothing another program writes in between is lost.
-    const int descriptor = fileno(file.get());
-    lock_file(descriptor);
-    const bool read = replace_lines(file.get(), key, line, text.file());
-    const bool rewritten = text.close() && read && rewrite(file.get(), text);
-    flock(descriptor, LOCK_UN);
+    lock_file(file.get());
+    const bool complete = replace_lines(file.get(), key, line, text.stream()) && text.finish();
+    const bool rewritten =
+        complete && replace_contents(file.get(), text.data(), text.length()) == 0;
+    unlock_file(file.get());
     return rewritten ? 0 : -1;
 }
 
@@ -120,21 +77,21 @@ static int update_quoted(const char *path, const char *key, const char *value, b
     if (key == nullptr || value == nullptr)
         return -1;
     text_buffer line;
-    if (line.file() == nullptr)
+    if (line.stream() == nullptr)
         return -1;
     if (in_quotes)
-        fprintf(line.file(), "%s = \"%s\"", key, value);
+        fprintf(line.stream(), "%s = \"%s\"", key, value);
     else
-        fprintf(line.file(), "%s=%s", key, value);
-    return line.close() ? update_conf(path, key, line.data()) : -1;
+        fprintf(line.stream(), "%s=%s", key, value);
+    return line.finish() ? update_conf(path, key, line.data()) : -1;
 }
 
-static int update_line(const char *function, const char *path, const char *key, const char *value,
+static int update_line(const trace_site &site, const char *path, const char *key, const char *value,
                        const char *format, const line_formats &known)
 {
     const bool in_quotes = is_format(format, known.quoted);
     if (!in_quotes && !is_format(format, known.plain)) {
-        PARA_TRACE_AS(function, PARA_ERROR, "error: format is wrong");
+        PARA_TRACE_AT(site, PARA_ERROR, "error: format is wrong");
         return -1;
     }
     return update_quoted(path, key, value, in_quotes);
@@ -142,12 +99,13 @@ static int update_line(const char *function, const char *path, const char *key, 
 
 int update_line_conf_str(const char *path, const char *key, const char *value, const char *format)
 {
-    return update_line(__func__, path, key, value, format, {"%s = \"%s\"", "%s=%s"});
+    return update_line(PARA_HERE, path, key, value, format,
+                       {.quoted = "%s = \"%s\"", .plain = "%s=%s"});
 }
 
 int update_line_conf_int(const char *path, const char *key, int value, const char *format)
 {
     char digits[32];
-    return update_line(__func__, path, key, lib_itoa(value, digits), format,
-                       {"%s = \"%d\"", "%s=%d"});
+    return update_line(PARA_HERE, path, key, lib_itoa(value, digits), format,
+                       {.quoted = "%s = \"%d\"", .plain = "%s=%d"});
 }

@@ -1,31 +1,96 @@
-// What the modules that keep their values in configure objects share.
+// The model of a module whose values are texts, kept in two configure objects of the host: pattern
+// modules, whose range files tell their members, and conf-file modules, which have no ranges.
+//
+// registry.cpp finds modules and tells which are due, conf_file.cpp loads and saves their values,
+// answer.cpp answers queries.
 #pragma once
 
 #include <cjson/cJSON.h>
 
-#include <cstring>
+#include <ctime>
 
+#include "base/change.h"
 #include "base/file.h"
-#include "base/query.h"
+#include "base/trace.h"
 #include "camparam/platform.h"
 
 constexpr int module_name_size = 64;
 constexpr int value_size = 256; // of a value that is read
 
+struct file_set;
+
+struct text_module {
+    // Fixed after start-up.
+    char name[module_name_size];
+    bool listed;           // the record is a module's; the name may be empty
+    const file_set *files; // of a pattern module
+    cJSON *range;          // of a pattern module whose range file could be read
+    // Fixed after start-up in a pattern module; see conf_objects_lock for the others.
+    configure *def;
+    configure *cur;
+    // Any thread.
+    timespec change_time;
+    int changed;
+};
+
+// --- Records ---
+
+// The modules of one kind. The first row of the table that starts is that of the kind itself, and
+// stands for no module.
+struct text_registry {
+    text_module *records;
+    int capacity;
+    int next; // 0: not started; else one more than the records that are taken for good
+};
+
+// Empties the next record and gives it the name. Null when all of them are taken.
+text_module *take_record(text_registry &registry, const char *name);
+
+// The module of that name, or null.
+text_module *find_module(const text_registry &registry, const char *name);
+
+change_stamp stamp_of(text_module &module);
+
+// 1: the module is due; 0: it is not; -1: there is none of that name.
+int need_save(const text_registry &registry, const char *name);
+
+// --- Values ---
+
+// Frees the objects of a module, which then has no values.
+void free_values(text_module &module);
+
+// Copies a value of at most value_size - 1 characters. Returns whether the object has one.
+bool read_value(configure *conf, const char *key, char (&value)[value_size]);
+
 // "<dir>/<module><suffix>"
 file_path module_path(const char *dir, const char *module, const char *suffix);
 
-// Copies a value of at most value_size - 1 characters. Returns whether the object has one.
-bool read_conf_value(configure *conf, const char *key, char (&value)[value_size]);
+// Reads the defaults into both objects, and the saved values over them into the current one. A
+// saved file that cannot be read leaves the defaults. Returns whether there is a defaults file.
+bool load_conf_files(const char *name, configure *def, configure *cur);
 
-// Waits until the exclusive lock on an open file is ours.
-void lock_file(int descriptor);
+// The lines of a saved file, for the caller to free(); null when there is no object, or memory ran
+// out.
+text_ptr conf_lines(configure *cur);
 
-// Writes an object's entries to a file under an exclusive lock, which another process may hold: its
-// contents stand until then. Returns what fflush returned; 0 when the file cannot be opened.
-int write_conf_locked(const char *path, configure *conf);
+// Writes them. Returns what fflush returned; 0 when the file cannot be opened.
+int save_conf_lines(const char *name, const text_ptr &lines, file_lock lock);
 
-// Writes an object's entries to a buffer. Returns the bytes used with the final zero; 0, traced as
-// the function's, when they do not fit.
-int write_conf_to_buffer(const char *function, const char *module, configure *conf, char *buffer,
-                         int size);
+// Writes an object's entries to a buffer. Returns the bytes used with the final zero; 0, traced,
+// when they do not fit.
+int write_conf_to_buffer(const char *module, configure *conf, char *buffer, int size,
+                         const trace_site &site);
+
+// --- Answers ---
+
+// In which form the members of a module are answered: as texts, or, where their range file says
+// that they are numbers, as such.
+enum class answer_form { texts, by_range };
+
+// Adds every entry of a configure object. Returns what its loop returned; -1 when there is no
+// object.
+int add_all(const text_module &module, configure *values, answer_form form, cJSON *answer);
+
+// Adds those among the item's names that the object has. A member without a range has no form.
+void add_listed(const text_module &module, configure *values, answer_form form, const cJSON *item,
+                cJSON *answer);

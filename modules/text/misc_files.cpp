@@ -1,0 +1,119 @@
+// The two file sets of "misc".
+#include <cstring>
+
+#include "base/file.h"
+#include "camparam/control.h"
+#include "camparam/json_util.h"
+#include "modules/text/pattern_module.h"
+
+// The number item of the range tree that tells the file set; null until "misc" is loaded.
+static const cJSON *misc_version;
+
+static bool is_current_set()
+{
+    return misc_version->valueint != 0;
+}
+
+// --- Loading ---
+
+int fix_old_misc_def_cur_conf(const char *path, configure *conf)
+{
+    const json_file file = read_json_file(path);
+    if (file.readable && !file.root)
+        PARA_TRACE(PARA_ERROR, "Error before: [%s]", file.error);
+    if (!file.root || conf == nullptr)
+        return -1;
+    const cJSON *member = nullptr;
+    cJSON_ArrayForEach(member, file.root.get())
+    {
+        char number[32];
+        if (member->string == nullptr)
+            continue;
+        const char *const text =
+            cJSON_IsString(member) ? member->valuestring : lib_itoa(member->valueint, number);
+        conf->conf_set(conf, member->string, text);
+    }
+    return 0;
+}
+
+int para_init_misc_legacy_test()
+{
+    return 0;
+}
+
+// The range tree of either set, with its version in misc_version; null when there is none.
+static cJSON *load_range(const trace_site &site)
+{
+    json_file file = read_json_file(file_path(para_profile.home_dir, "misc_range.json").text);
+    if (!file.readable)
+        PARA_TRACE_AT(site, PARA_ERROR, "Error range def buf");
+    else if (!file.root)
+        PARA_TRACE_AT(site, PARA_ERROR, "Error before: [%s]", file.error);
+    if (!file.root)
+        return nullptr;
+
+    const cJSON *const version = cJSON_GetObjectItem(file.root.get(), "version");
+    const bool current_set = version != nullptr && version->valueint != 0;
+    cJSON *const range =
+        current_set ? file.root.release() : fix_old_misc_range_conf(file.root.get());
+    misc_version = cJSON_GetObjectItem(range, "version");
+    cJSON_Print_safe(range);
+    return range;
+}
+
+static bool load_legacy_set(configure *cur, configure *def)
+{
+    const file_path defaults(para_profile.home_dir, "misc_def.json");
+    fix_old_misc_def_cur_conf(defaults.text, def);
+    fix_old_misc_def_cur_conf(defaults.text, cur);
+    fix_old_misc_def_cur_conf(file_path(para_profile.data_dir, "misc_cur.json").text, cur);
+    return true;
+}
+
+int para_init_misc_legacy(const char *, configure **cur, configure **def, cJSON **range)
+{
+    *cur = configure_init();
+    *def = configure_init();
+    PARA_TRACE(PARA_INFO, "enter");
+    cJSON *const loaded = load_range(PARA_HERE);
+    if (loaded == nullptr)
+        return -1;
+    *range = loaded;
+
+    PARA_TRACE(PARA_INFO, "enter misc version:%d", misc_version->valueint);
+    const bool has_values =
+        is_current_set() ? load_conf_files("misc", *def, *cur) : load_legacy_set(*cur, *def);
+    if (!has_values)
+        return -1;
+    return para_init_misc_legacy_test();
+}
+
+bool load_misc(text_module &module, const char *name, const trace_site &)
+{
+    return para_init_misc_legacy(name, &module.cur, &module.def, &module.range) == 0;
+}
+
+// --- Saving ---
+
+static int save_legacy_set(const char *name)
+{
+    const json_ptr root(cJSON_CreateObject());
+    Create_Json_Misc_Object(name, root.get(), 0);
+    const printed_ptr text(cJSON_Print(root.get()));
+    return write_text_file(file_path(para_profile.data_dir, "misc_cur.json").text, text.get());
+}
+
+int para_save_misc_legacy(const char *name, configure *cur)
+{
+    if (misc_version == nullptr)
+        return 0;
+    if (!is_current_set())
+        return save_legacy_set(name);
+    // Without the lock that other modules' files are written under.
+    return save_conf_lines("misc", conf_lines(cur), file_lock::none);
+}
+
+int save_misc(const text_module &module)
+{
+    return para_save_misc_legacy(module.name, module.cur);
+}

@@ -1,0 +1,79 @@
+// The legacy range files of "misc": an enum member's first and last text stand for a stretch of a
+// fixed table.
+#include <cstring>
+
+#include "base/text.h"
+#include "base/trace.h"
+#include "camparam/misc.h"
+
+struct name_table {
+    const char *member;
+    const char *const *names;
+    int count;
+};
+
+static const name_table *table_of(const char *member)
+{
+    static const name_table tables[] = {
+#define MISC_ENUM_MEMBER(name) {#name, name, sizeof name / sizeof name[0]},
+#include "camparam/misc_members.def"
+    };
+    for (const name_table &table : tables) {
+        if (strcmp(table.member, member) == 0)
+            return &table;
+    }
+    return nullptr;
+}
+
+// The stretch from the first table text that begins with the one name to the one that begins with
+// the other. The end is looked for from the beginning of the table on, so a pair in the wrong order
+// gives a list that is short or empty (MiscWidening.* tests).
+static cJSON *widened(const name_table &table, const char *first, const char *last)
+{
+    cJSON *const list = cJSON_CreateArray();
+    bool started = false;
+    for (int i = 0; i < table.count; i++) {
+        started = started || begins_with(table.names[i], first);
+        if (started)
+            cJSON_AddItemToArray(list, cJSON_CreateString(table.names[i]));
+        if (begins_with(table.names[i], last))
+            break;
+    }
+    return list;
+}
+
+// The member of the new range, or null for one that is dropped.
+static cJSON *fixed_member(const cJSON *old_member)
+{
+    if (!cJSON_IsArray(old_member))
+        return nullptr;
+    const cJSON *const first = cJSON_GetArrayItem(old_member, 0);
+    const cJSON *const last = cJSON_GetArrayItem(old_member, 1);
+    if (first == nullptr || last == nullptr)
+        return nullptr;
+
+    const name_table *const table = table_of(old_member->string);
+    if (table == nullptr)
+        return cJSON_Duplicate(old_member, 1);
+    if (!cJSON_IsString(first) || !cJSON_IsString(last))
+        return nullptr;
+    return widened(*table, first->valuestring, last->valuestring);
+}
+
+cJSON *fix_old_misc_range_conf(const cJSON *old_range)
+{
+    cJSON *const range = cJSON_CreateObject();
+    cJSON_AddNumberToObject(range, "version", 0);
+    const cJSON *old_member = nullptr;
+    cJSON_ArrayForEach(old_member, old_range)
+    {
+        if (old_member->string == nullptr)
+            continue;
+        PARA_TRACE(PARA_INFO, "element is %s,size:%d", old_member->string,
+                   cJSON_GetArraySize(old_member));
+        cJSON *const member = fixed_member(old_member);
+        if (member != nullptr)
+            cJSON_AddItemToObject(range, old_member->string, member);
+    }
+    return range;
+}

@@ -1,0 +1,32 @@
+// What the files of the pattern modules share: the modules, and what their ranges say.
+#pragma once
+
+#include "camparam/misc.h"
+#include "modules/text/text_module.h"
+
+extern text_registry patterns;
+
+// The files of a pattern module. Where they differ, they are a row of the table in
+// pattern_module.cpp.
+struct file_set {
+    const char *module;       // null: every module that has no row of its own
+    bool keeps_failed_record; // else the next module takes it
+    bool (*load)(text_module &module, const char *name, const trace_site &site);
+    int (*save)(const text_module &module);
+};
+
+// The sets of misc.
+bool load_misc(text_module &module, const char *name, const trace_site &site);
+int save_misc(const text_module &module);
+
+// A member's range, or null.
+const cJSON *range_of(const text_module &module, const char *member);
+
+// PARA_KIND_NUMBER, PARA_KIND_ENUM, or 0, traced.
+int kind_of(const text_module &module, const char *member);
+
+// Position of a text in a range, or -1.
+int position_of(const cJSON *range, const char *text);
+
+// The same for an enum member; -1 for any other.
+int enum_position(const text_module &module, const char *member, const char *text);

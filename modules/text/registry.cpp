@@ -1,0 +1,52 @@
+// The records of the modules whose values are texts.
+#include <cstdio>
+#include <cstring>
+
+#include "modules/text/text_module.h"
+
+void free_values(text_module &module)
+{
+    if (module.def != nullptr)
+        configure_free(module.def);
+    if (module.cur != nullptr)
+        configure_free(module.cur);
+    module.def = nullptr;
+    module.cur = nullptr;
+}
+
+text_module *take_record(text_registry &registry, const char *name)
+{
+    if (registry.next > registry.capacity)
+        return nullptr;
+
+    text_module &module = registry.records[registry.next - 1];
+    free_values(module); // of a module that failed to load
+    cJSON_Delete(module.range);
+    module = {};
+    snprintf(module.name, sizeof module.name, "%s", name);
+    module.listed = true;
+    return &module;
+}
+
+text_module *find_module(const text_registry &registry, const char *name)
+{
+    for (int i = 0; name != nullptr && i < registry.capacity; i++) {
+        text_module &module = registry.records[i];
+        if (module.listed && strcmp(module.name, name) == 0)
+            return &module;
+    }
+    return nullptr;
+}
+
+change_stamp stamp_of(text_module &module)
+{
+    return {&module.change_time, &module.changed};
+}
+
+int need_save(const text_registry &registry, const char *name)
+{
+    text_module *const module = find_module(registry, name);
+    if (module == nullptr)
+        return -1;
+    return change_due(stamp_of(*module), default_save_delay_ms) ? 1 : 0;
+}
