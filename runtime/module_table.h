@@ -1,23 +1,16 @@
-// What start-up and the request handlers share about modules and protocol converters.
+// Walking the module table.
 #pragma once
 
-#include <cjson/cJSON.h>
+#include "camparam/module.h"
 
-// The parsed web-name file, or null. Fixed after start-up.
-extern cJSON *para_config;
-
-// Translates requests of another form, told by their "msg_from", and the replies to them.
-struct para_protocol {
-    const char *name;
-    int (*init)();
-    // A new request tree, or null with a reply text of at most size - 1 characters, or none.
-    cJSON *(*convert)(const char *request, char *error, int size);
-    // Heap text for free(), or null.
-    char *(*reverse_convert)(cJSON *reply);
-};
-
-extern const para_protocol module_para_protocol_handle[];
-extern const int module_para_protocol_handle_num;
-
-// Counts the static rows of the module table; 0 when none is named "end".
+// Counts the static rows; 0 when none is named "end".
 int count_static_modules();
+
+// The rows in use. A row without a name belongs to no module: every walk skips it.
+template <typename action> void for_each_module(const action &act)
+{
+    for (int i = 0; i < module_para_handle_num; i++) {
+        if (module_para_handle[i].name != nullptr)
+            act(module_para_handle[i]);
+    }
+}

@@ -3,21 +3,15 @@
 #include <pthread.h>
 #include <sys/prctl.h>
 #include <sys/select.h>
-#include <sys/socket.h>
 
-#include "base/lock.h"
 #include "base/trace.h"
 #include "base/word.h"
 #include "camparam/audio.h"
-#include "camparam/command.h"
 #include "camparam/control.h"
-#include "camparam/module.h"
-#include "camparam/platform.h"
 #include "camparam/video.h"
+#include "runtime/save_pass.h"
+#include "server/socket.h"
 #include "share/datagram.h"
-
-// Held by a save pass, and by nothing else.
-static pthread_mutex_t save_mutex = PTHREAD_MUTEX_INITIALIZER;
 
 // Host thread only; no_thread when none runs.
 constexpr pthread_t no_thread = 0;
@@ -29,55 +23,21 @@ static int stop_requested = 0;
 // Fixed before the thread starts.
 static int server = -1;
 
-static void save_module(const char *function, const para_module &row)
-{
-    PARA_TRACE_AS(function, PARA_INFO, "%s save...", row.name);
-    if (row.save(row.name) != 0)
-        PARA_TRACE_AS(function, PARA_ERROR, "%s save err", row.name);
-}
+// --- Para_Process ---
 
-enum class save_mode { due, forced };
-
-static bool to_be_saved(const para_module &row, save_mode mode)
-{
-    if (mode == save_mode::forced)
-        return row.save != nullptr;
-    return row.need_save != nullptr && row.need_save(row.name) != 0;
-}
-
-static int save_param(save_mode mode)
-{
-    const lock_guard guard(save_mutex);
-    bool saved = false;
-    for (int i = 0; i < module_para_handle_num; i++) {
-        const para_module &row = module_para_handle[i];
-        if (to_be_saved(row, mode)) {
-            save_module(__func__, row);
-            saved = true;
-        }
-    }
-    if (saved)
-        lib_system("sync");
-    return 0;
-}
-
-// Hands a datagram to the dispatcher. A failed or empty receive is ignored.
+// A failed or empty receive is ignored.
 static void serve_datagram(para_message &message, socklen_t &sender_size)
 {
-    const ssize_t length = recvfrom(server, message.text, sizeof message.text - 1, MSG_DONTWAIT,
-                                    reinterpret_cast<sockaddr *>(&message.sender), &sender_size);
-    if (length <= 0 || take_share_datagram(message.text, length))
-        return;
-
-    message.text[length] = '\0';
-    para_server_message_Process(&message);
+    const ssize_t length = receive_datagram(message, sender_size);
+    if (length > 0 && !take_share_datagram(message.text, length))
+        para_server_message_Process(&message);
 }
 
 // Waits for a datagram, 100 ms at the most. Returns what select returned.
 static int wait_for_datagram(const fd_set &watched, fd_set &readable)
 {
     readable = watched;
-    timeval turn = {0, 100000};
+    timeval turn = {.tv_sec = 0, .tv_usec = 100000};
     return select((server < 0 ? 0 : server) + 1, &readable, nullptr, nullptr, &turn);
 }
 
@@ -108,7 +68,9 @@ void *platformparam_Process(void *)
     return nullptr;
 }
 
-int start_save_thread(int server_socket)
+// --- The host's side ---
+
+int start_thread(int server_socket)
 {
     server = server_socket;
     pthread_t started = no_thread;

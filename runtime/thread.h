@@ -2,4 +2,4 @@
 #pragma once
 
 // Starts the thread on a server socket, or on none (-1). Returns what pthread_create returned.
-int start_save_thread(int server_socket);
+int start_thread(int server_socket);

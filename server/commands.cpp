@@ -1,14 +1,16 @@
-// The commands that hosts have registered.
+// The commands that hosts have registered, and requests to them.
 #include <pthread.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+#include "base/json.h"
 #include "base/text.h"
 #include "base/trace.h"
 #include "camparam/command.h"
 #include "camparam/json_util.h"
+#include "server/socket.h"
 
 struct registration {
     char name[64];
@@ -102,5 +104,30 @@ int param_base_json_dispose(para_message *message, cJSON *request, cJSON **reply
         return -1;
     }
     PARA_TRACE(PARA_INFO, "ret == 0");
+    return 0;
+}
+
+static const char invalid_command[] = "{\"err\":\"Invalid API command\"}";
+
+int Recive_message_Process_api(para_message *message, cJSON *request, int mode)
+{
+    const json_ptr tree(request);
+    const char *const name = json_object_get_string(cJSON_GetObjectItem(request, "msg_name"));
+    if (name == nullptr) {
+        PARA_TRACE(PARA_ERROR, "msg_name is NULL");
+        reply_text(*message, invalid_command);
+        return -1;
+    }
+
+    cJSON *stored = nullptr;
+    const int result = param_base_json_dispose(message, request, &stored, mode);
+    const json_ptr reply(stored);
+    if (result == -1) {
+        PARA_TRACE(PARA_ERROR, "not found api command: %s", name);
+        reply_text(*message, invalid_command);
+        return 0;
+    }
+    if (reply)
+        reply_tree(*message, reply.get());
     return 0;
 }

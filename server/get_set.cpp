@@ -1,18 +1,14 @@
-// Get and set requests on the modules, and requests to the host's commands.
+// Get and set requests on the modules.
 #include <cstring>
 
-#include "base/file.h"
+#include "base/json.h"
 #include "base/text.h"
 #include "base/trace.h"
 #include "camparam/command.h"
 #include "camparam/json_util.h"
 #include "camparam/module.h"
-#include "runtime/module_table.h"
-
-static void reply_text(const para_message *message, const char *text)
-{
-    SendBuf2Client(message->socket, message->sender, text, static_cast<int>(strlen(text)));
-}
+#include "server/protocol.h"
+#include "server/socket.h"
 
 // The converter for requests that come from there, or null.
 static const para_protocol *find_protocol(const char *msg_from)
@@ -32,7 +28,7 @@ static const para_module *find_module(const char *key)
 {
     for (int i = 0; key != nullptr && i < module_para_handle_num; i++) {
         const char *const name = module_para_handle[i].name;
-        if (begins_with(key, name))
+        if (name != nullptr && begins_with(key, name))
             return &module_para_handle[i];
     }
     return nullptr;
@@ -80,7 +76,7 @@ static json_ptr converted(const para_message *message, const para_protocol &prot
     char error[1024] = "";
     json_ptr request(protocol.convert(message->text, error, sizeof error));
     if (!request)
-        reply_text(message, error);
+        reply_text(*message, error);
     return request;
 }
 
@@ -89,19 +85,17 @@ static bool dumps_requests()
     return para_traces(PARA_DUMP) && !para_traces(PARA_DUMP + 1);
 }
 
-static void send_reply(const char *function, const para_message *message,
-                       const para_protocol *protocol, cJSON *reply)
+static void send_reply(const para_message &message, const para_protocol *protocol, cJSON *reply,
+                       const trace_site &site)
 {
     if (protocol == nullptr) {
-        const printed_ptr text(cJSON_Print(reply));
-        if (text)
-            reply_text(message, text.get());
+        reply_tree(message, reply);
         return;
     }
 
     if (dumps_requests()) {
         const printed_ptr text(cJSON_Print(reply));
-        PARA_TRACE_AS(function, PARA_DUMP, "reverse_convert:%s", text ? text.get() : "");
+        PARA_TRACE_AT(site, PARA_DUMP, "reverse_convert:%s", text ? text.get() : "");
     }
     const text_ptr text(protocol->reverse_convert(reply));
     if (text)
@@ -123,40 +117,12 @@ int Recive_message_Process_gset(para_message *message, cJSON *request, int mode)
         cJSON_Print_safe(tree.get());
 
     const json_ptr reply(cJSON_CreateObject());
-    if (mode == 0) {
+    if (mode == PARA_GET) {
         get_members(tree.get(), reply.get());
     } else {
         set_members(tree.get());
         echo_identifiers(tree.get(), reply.get());
     }
-    send_reply(__func__, message, protocol, reply.get());
-    return 0;
-}
-
-static const char invalid_command[] = "{\"err\":\"Invalid API command\"}";
-
-int Recive_message_Process_api(para_message *message, cJSON *request, int mode)
-{
-    const json_ptr tree(request);
-    const char *const name = json_object_get_string(cJSON_GetObjectItem(request, "msg_name"));
-    if (name == nullptr) {
-        PARA_TRACE(PARA_ERROR, "msg_name is NULL");
-        reply_text(message, invalid_command);
-        return -1;
-    }
-
-    cJSON *stored = nullptr;
-    const int result = param_base_json_dispose(message, request, &stored, mode);
-    const json_ptr reply(stored);
-    if (result == -1) {
-        PARA_TRACE(PARA_ERROR, "not found api command: %s", name);
-        reply_text(message, invalid_command);
-        return 0;
-    }
-    if (reply) {
-        const printed_ptr text(cJSON_Print(reply.get()));
-        if (text)
-            reply_text(message, text.get());
-    }
+    send_reply(*message, protocol, reply.get(), PARA_HERE);
     return 0;
 }

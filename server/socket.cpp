@@ -1,16 +1,12 @@
-// The server's socket, and the first look at a datagram: what kind of request is it?
+// The server's socket: opening it, receiving and replying.
+#include "server/socket.h"
+
 #include <sys/select.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <cstring>
 
-#include "base/file.h"
-#include "base/server_port.h"
-#include "base/text.h"
 #include "base/trace.h"
-#include "camparam/command.h"
-#include "camparam/json_util.h"
 
 int para_server_init()
 {
@@ -24,7 +20,7 @@ int para_server_init()
 
     sockaddr_in address = {};
     address.sin_family = AF_INET;
-    address.sin_port = htons(server_port);
+    address.sin_port = htons(PARA_SERVER_PORT);
     address.sin_addr.s_addr = htonl(INADDR_ANY);
     const int bound =
         bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address);
@@ -38,6 +34,15 @@ int para_server_init()
     return descriptor;
 }
 
+ssize_t receive_datagram(para_message &message, socklen_t &sender_size)
+{
+    const ssize_t length = recvfrom(message.socket, message.text, PARA_MESSAGE_MAX, MSG_DONTWAIT,
+                                    reinterpret_cast<sockaddr *>(&message.sender), &sender_size);
+    if (length >= 0)
+        message.text[length] = '\0';
+    return length;
+}
+
 int SendBuf2Client(int socket, struct sockaddr_in client, const char *text, int length)
 {
     if (length == 0)
@@ -49,31 +54,14 @@ int SendBuf2Client(int socket, struct sockaddr_in client, const char *text, int 
     return 0;
 }
 
-enum { GET = 0, SET = 1 };
-
-int para_server_message_Process(para_message *message)
+void reply_text(const para_message &message, const char *text)
 {
-    json_ptr request(cJSON_Parse(message->text));
-    if (!request) {
-        PARA_TRACE(PARA_ERROR, "cJSON_Parse err,Rec buffer: %s", message->text);
-        return 0;
-    }
+    SendBuf2Client(message.socket, message.sender, text, static_cast<int>(strlen(text)));
+}
 
-    const char *const type = json_object_get_string(cJSON_GetObjectItem(request.get(), "msg_type"));
-    if (type == nullptr) {
-        PARA_TRACE(PARA_ERROR, "get msg_type err");
-        return 0;
-    }
-
-    // "get" and "set" may be cut short, down to nothing; longer types name commands. The order
-    // decides for the types that several tests fit (Server.TellsRequestsByTheirType).
-    if (begins_with("get", type))
-        Recive_message_Process_gset(message, request.release(), GET);
-    else if (begins_with("set", type))
-        Recive_message_Process_gset(message, request.release(), SET);
-    else if (strstr(type, "get") != nullptr)
-        Recive_message_Process_api(message, request.release(), GET);
-    else if (strstr(type, "set") != nullptr)
-        Recive_message_Process_api(message, request.release(), SET);
-    return 0;
+void reply_tree(const para_message &message, const cJSON *tree)
+{
+    const printed_ptr text(cJSON_Print(tree));
+    if (text)
+        reply_text(message, text.get());
 }

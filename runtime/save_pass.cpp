@@ -1,0 +1,39 @@
+#include "runtime/save_pass.h"
+
+#include "base/lock.h"
+#include "base/trace.h"
+#include "camparam/platform.h"
+#include "runtime/module_table.h"
+
+// Held by a save pass, and by nothing else.
+static pthread_mutex_t save_mutex = PTHREAD_MUTEX_INITIALIZER;
+
+static bool to_be_saved(const para_module &row, save_mode mode)
+{
+    if (mode == save_mode::forced)
+        return row.save != nullptr;
+    return row.need_save != nullptr && row.need_save(row.name) != 0;
+}
+
+static void save_row(const para_module &row, const trace_site &site)
+{
+    PARA_TRACE_AT(site, PARA_INFO, "%s save...", row.name);
+    if (row.save(row.name) != 0)
+        PARA_TRACE_AT(site, PARA_ERROR, "%s save err", row.name);
+}
+
+int save_param(save_mode mode)
+{
+    const lock_guard guard(save_mutex);
+    const trace_site site = PARA_HERE;
+    bool saved = false;
+    for_each_module([&](const para_module &row) {
+        if (to_be_saved(row, mode)) {
+            save_row(row, site);
+            saved = true;
+        }
+    });
+    if (saved)
+        lib_system("sync");
+    return 0;
+}

@@ -1,0 +1,35 @@
+// The first look at a datagram: what kind of request is it?
+#include <cstring>
+
+#include "base/json.h"
+#include "base/text.h"
+#include "base/trace.h"
+#include "camparam/command.h"
+#include "camparam/json_util.h"
+
+int para_server_message_Process(para_message *message)
+{
+    json_ptr request(cJSON_Parse(message->text));
+    if (!request) {
+        PARA_TRACE(PARA_ERROR, "cJSON_Parse err,Rec buffer: %s", message->text);
+        return 0;
+    }
+
+    const char *const type = json_object_get_string(cJSON_GetObjectItem(request.get(), "msg_type"));
+    if (type == nullptr) {
+        PARA_TRACE(PARA_ERROR, "get msg_type err");
+        return 0;
+    }
+
+    // "get" and "set" may be cut short, down to nothing; longer types name commands. The order
+    // decides for the types that several tests fit (Server.TellsRequestsByTheirType).
+    if (begins_with("get", type))
+        Recive_message_Process_gset(message, request.release(), PARA_GET);
+    else if (begins_with("set", type))
+        Recive_message_Process_gset(message, request.release(), PARA_SET);
+    else if (strstr(type, "get") != nullptr)
+        Recive_message_Process_api(message, request.release(), PARA_GET);
+    else if (strstr(type, "set") != nullptr)
+        Recive_message_Process_api(message, request.release(), PARA_SET);
+    return 0;
+}

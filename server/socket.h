@@ -1,0 +1,16 @@
+// What receives requests and sends replies.
+#pragma once
+
+#include <sys/socket.h>
+#include <sys/types.h>
+
+#include "base/json.h"
+#include "camparam/command.h"
+
+// Receives one datagram without waiting, and ends its text. Returns its length, or -1.
+ssize_t receive_datagram(para_message &message, socklen_t &sender_size);
+
+void reply_text(const para_message &message, const char *text);
+
+// Sends the text that cJSON_Print makes of the tree.
+void reply_tree(const para_message &message, const cJSON *tree);
