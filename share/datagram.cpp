@@ -23,7 +23,7 @@ bool take_share_datagram(const char *bytes, ssize_t length)
         return false;
 
     memcpy(&datagram, bytes, sizeof datagram);
-    if (datagram.type > 1)
+    if (datagram.type > PARA_SHARE_TEXT)
         return false;
     if (apply(&datagram) != 0)
         PARA_TRACE(PARA_ERROR, "share datagram refused: %.16s.%.16s", datagram.module,

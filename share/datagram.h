@@ -3,6 +3,6 @@
 
 #include <sys/types.h>
 
-// Hands a received datagram to the host's handler. Returns whether it was one for it: it is of that
-// form, which no JSON text is, and a handler is set.
+// Hands a received datagram to the host's handler. Returns false for one of another form (no JSON
+// text has that of a share datagram), and while no handler is set.
 bool take_share_datagram(const char *bytes, ssize_t length);

@@ -9,18 +9,17 @@
 #include <cstdio>
 
 #include "base/trace.h"
-#include "camparam/share.h"
 
 share_map_name::share_map_name(int module)
 {
-    snprintf(text, sizeof text, "/camparam_share_%d", module);
+    snprintf(text, sizeof text, PARA_SHARE_MAP_NAME, module);
 }
 
-constexpr long long largest_map = 1LL << 30; // a slip in the arguments shall not eat the memory
+constexpr long long largest_map = 1LL << 30; // a mistaken size must not exhaust the memory
 
-static share_map *create_map(const char *name, size_t size)
+static para_share_map *create_map(const char *name, size_t size)
 {
-    shm_unlink(name); // who is attached to an older one keeps it, at its size
+    shm_unlink(name); // clients already attached keep the old mapping
     const int descriptor = shm_open(name, O_CREAT | O_EXCL | O_RDWR, 0666);
     if (descriptor < 0)
         return nullptr;
@@ -31,12 +30,12 @@ static share_map *create_map(const char *name, size_t size)
     close(descriptor);
     if (map == MAP_FAILED)
         shm_unlink(name);
-    return map != MAP_FAILED ? static_cast<share_map *>(map) : nullptr;
+    return map != MAP_FAILED ? static_cast<para_share_map *>(map) : nullptr;
 }
 
 void *para_share_publish(int module, int entry_count, int entry_size)
 {
-    const long long size = static_cast<long long>(sizeof(share_map)) +
+    const long long size = static_cast<long long>(sizeof(para_share_map)) +
                            static_cast<long long>(entry_count) * entry_size;
     if (!is_share_module(module) || entry_count < 0 || entry_size < 0 || size > largest_map) {
         PARA_TRACE(PARA_ERROR, "ERROR: share module %d of %d x %d bytes", module, entry_count,
@@ -44,7 +43,7 @@ void *para_share_publish(int module, int entry_count, int entry_size)
         return nullptr;
     }
 
-    share_map *const map = create_map(share_map_name(module).text, static_cast<size_t>(size));
+    para_share_map *const map = create_map(share_map_name(module).text, static_cast<size_t>(size));
     if (map == nullptr) {
         PARA_TRACE(PARA_ERROR, "ERROR: share module %d cannot be published", module);
         return nullptr;
