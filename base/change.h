@@ -10,7 +10,6 @@ struct change_stamp {
 };
 
 constexpr int default_save_delay_ms = 2000; // of every module that has none of its own
-constexpr int save_delay_ms = default_save_delay_ms;
 
 void stamp_change(const change_stamp &stamp);
 bool change_due(const change_stamp &stamp, int delay_ms);

@@ -8,7 +8,6 @@
 #include <cstring>
 #include <utility>
 
-#include "base/trace.h"
 #include "camparam/platform.h"
 
 file_path::file_path(const char *dir, const char *name)
@@ -93,18 +92,4 @@ int write_text_file(const char *path, const char *text)
         return 0;
     // length + 1: the final zero byte belongs to the format (SavedFile.EndsWithOneZeroByte).
     return write_file(path, text, strlen(text) + 1, file_lock::none);
-}
-
-json_file read_json_file(const char *path, const char *function, int level, const char *ending)
-{
-    json_file file = read_json_file(path);
-    if (file.readable && !file.root)
-        PARA_TRACE_AS(function, level, "Error before: [%s]%s", file.error, ending);
-    return file;
-}
-
-int write_json_file(const char *path, const cJSON *root)
-{
-    const printed_ptr text(cJSON_Print(root));
-    return write_text_file(path, text.get());
 }

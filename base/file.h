@@ -43,6 +43,3 @@ void unlock_file(FILE *file);
 
 // Replaces the contents of a file that is open for writing. Returns what fflush returned.
 int replace_contents(FILE *file, const char *bytes, size_t length);
-
-json_file read_json_file(const char *path, const char *function, int level, const char *ending);
-int write_json_file(const char *path, const cJSON *root);

@@ -21,8 +21,6 @@ struct trace_site {
             wnk_traceout(level, "[para %s +%-4d]" format "\n", (site).function, (site).line,       \
                          ##__VA_ARGS__);                                                           \
     } while (0)
-#define PARA_TRACE_AS(function, level, ...)                                                        \
-    PARA_TRACE_AT((trace_site{function, __LINE__}), level, __VA_ARGS__)
 #define PARA_TRACE(level, ...) PARA_TRACE_AT(PARA_HERE, level, __VA_ARGS__)
 
 inline bool para_traces(int level)
