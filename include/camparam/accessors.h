@@ -1,12 +1,27 @@
 /**
  * @file accessors.h
- * The functions that each member of a module with fixed members has, for the headers that declare
- * them. Hosts need nothing of this file.
+ * The tables of a module with fixed members, and the functions that each member has, for the
+ * headers that declare them.
  */
 #ifndef CAMPARAM_ACCESSORS_H
 #define CAMPARAM_ACCESSORS_H
 
 #include "camparam/api.h"
+
+/**
+ * The six tables of a module, with a place for each slot (or, of the ISP, for each instance). Hosts
+ * read them, as single words, and write through the setters.
+ *
+ * para_<module>_def: default; _min, _max: lowest and highest accepted value; _init: current value
+ * as start-up left it; _cur: current value; _exist: presence, the bits of presence.h.
+ */
+#define PARA_DECLARE_TABLES(type, module, places)                                                  \
+    PARA_API extern type para_##module##_def[places];                                              \
+    PARA_API extern type para_##module##_min[places];                                              \
+    PARA_API extern type para_##module##_max[places];                                              \
+    PARA_API extern type para_##module##_init[places];                                             \
+    PARA_API extern type para_##module##_cur[places];                                              \
+    PARA_API extern type para_##module##_exist[places];
 
 /** para_get_<module>_<m>_def, _min, _max, _init, _cur with these parameters, in parentheses. */
 #define PARA_DECLARE_GETTERS(module, name, parameters)                                             \

@@ -27,13 +27,9 @@ enum {
     PARA_AF_SLOTS
 };
 
-/** The values by slot. Hosts read them, and write through the setters. */
-PARA_API extern int para_af_def[PARA_AF_SLOTS];   /**< default */
-PARA_API extern int para_af_min[PARA_AF_SLOTS];   /**< lowest accepted value */
-PARA_API extern int para_af_max[PARA_AF_SLOTS];   /**< highest accepted value */
-PARA_API extern int para_af_init[PARA_AF_SLOTS];  /**< current value as start-up left it */
-PARA_API extern int para_af_cur[PARA_AF_SLOTS];   /**< current value */
-PARA_API extern int para_af_exist[PARA_AF_SLOTS]; /**< nonzero: named in the defaults file */
+/** The values by slot: para_af_def and its relatives, see accessors.h. A member is present when its
+ * word in para_af_exist is not 0. */
+PARA_DECLARE_TABLES(int, af, PARA_AF_SLOTS)
 
 /** Time (CLOCK_MONOTONIC) of the last accepted change. */
 PARA_API extern struct timespec af_item_start_time;

@@ -33,14 +33,8 @@ enum {
     PARA_AUDIO_SLOTS
 };
 
-/** The values by slot. Hosts read them, and write through the setters. */
-PARA_API extern int para_audio_def[PARA_AUDIO_SLOTS];  /**< default */
-PARA_API extern int para_audio_min[PARA_AUDIO_SLOTS];  /**< lowest accepted value */
-PARA_API extern int para_audio_max[PARA_AUDIO_SLOTS];  /**< highest accepted value */
-PARA_API extern int para_audio_init[PARA_AUDIO_SLOTS]; /**< current value as start-up left it */
-PARA_API extern int para_audio_cur[PARA_AUDIO_SLOTS];  /**< current value */
-/** Presence: the bits of presence.h. */
-PARA_API extern int para_audio_exist[PARA_AUDIO_SLOTS];
+/** The values by slot: para_audio_def and its relatives, see accessors.h. */
+PARA_DECLARE_TABLES(int, audio, PARA_AUDIO_SLOTS)
 
 /** Time (CLOCK_MONOTONIC) of the last accepted change. */
 PARA_API extern struct timespec audio_item_start_time;

@@ -40,14 +40,8 @@ typedef struct isp_record {
 #include "camparam/isp_members.def"
 } isp_record;
 
-/** The values by instance. Hosts read them, and write through the setters. */
-PARA_API extern isp_record para_isp_def[PARA_ISP_INSTANCES]; /**< default */
-PARA_API extern isp_record para_isp_min[PARA_ISP_INSTANCES]; /**< lowest accepted value */
-PARA_API extern isp_record para_isp_max[PARA_ISP_INSTANCES]; /**< highest accepted value */
-PARA_API extern isp_record
-    para_isp_init[PARA_ISP_INSTANCES]; /**< current value as start-up left it */
-PARA_API extern isp_record para_isp_cur[PARA_ISP_INSTANCES];   /**< current value */
-PARA_API extern isp_record para_isp_exist[PARA_ISP_INSTANCES]; /**< presence, see presence.h */
+/** The values by instance: para_isp_def and its relatives, see accessors.h. */
+PARA_DECLARE_TABLES(isp_record, isp, PARA_ISP_INSTANCES)
 
 /** Instances in use, 0 to 2; fixed after start-up. */
 PARA_API extern int isp_num;

@@ -39,14 +39,8 @@ enum {
  * s * PARA_VIDEO_STREAM_SLOTS + m. */
 enum { PARA_VIDEO_STREAMS = 6, PARA_VIDEO_SLOTS = PARA_VIDEO_STREAMS * PARA_VIDEO_STREAM_SLOTS };
 
-/** The values by slot. Hosts read them, and write through the setters. */
-PARA_API extern int para_video_def[PARA_VIDEO_SLOTS];  /**< default */
-PARA_API extern int para_video_min[PARA_VIDEO_SLOTS];  /**< lowest accepted value */
-PARA_API extern int para_video_max[PARA_VIDEO_SLOTS];  /**< highest accepted value */
-PARA_API extern int para_video_init[PARA_VIDEO_SLOTS]; /**< current value as start-up left it */
-PARA_API extern int para_video_cur[PARA_VIDEO_SLOTS];  /**< current value */
-/** Presence: the bits of presence.h. */
-PARA_API extern int para_video_exist[PARA_VIDEO_SLOTS];
+/** The values by slot: para_video_def and its relatives, see accessors.h. */
+PARA_DECLARE_TABLES(int, video, PARA_VIDEO_SLOTS)
 
 /** Streams in use, 0 to 6; fixed after start-up. */
 PARA_API extern int g_num_stream;
