@@ -1,12 +1,19 @@
+// What the files of modules with fixed members define alike.
+#pragma once
+
+#include "modules/fixed/value_names.h"
+
+// The tables of values.
+#define DEFINE_TABLES(module, slots)                                                               \
+    int para_##module##_def[slots], para_##module##_min[slots], para_##module##_max[slots];        \
+    int para_##module##_init[slots], para_##module##_cur[slots], para_##module##_exist[slots];
+
 // Defines the accessors of a member, each as one call of a function of the including file:
 //   read(values, slot)           a value of one of the tables
 //   read_present(values, slot)   the same for the tables "init" and "cur"
 //   change(slot, value)          an internal setter's work
 //   set(slot, value, setter)     a public setter's
 // In a module with instances, each takes the instance first.
-#pragma once
-
-#include "modules/fixed/value_names.h"
 
 #define DEFINE_GETTERS(module, name, slot)                                                         \
     int para_get_##module##_##name##_def()                                                         \

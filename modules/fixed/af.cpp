@@ -1,14 +1,12 @@
 // Focus and zoom. Changed by the direct setters alone: its row has no set_opt.
 #include "camparam/af.h"
 
-#include "base/query.h"
 #include "base/text.h"
 #include "camparam/control.h"
 #include "modules/fixed/accessors.h"
 #include "modules/fixed/fixed_module.h"
 
-int para_af_def[PARA_AF_SLOTS], para_af_min[PARA_AF_SLOTS], para_af_max[PARA_AF_SLOTS];
-int para_af_init[PARA_AF_SLOTS], para_af_cur[PARA_AF_SLOTS], para_af_exist[PARA_AF_SLOTS];
+DEFINE_TABLES(af, PARA_AF_SLOTS)
 timespec af_item_start_time;
 static int af_item_changed;
 
@@ -76,13 +74,8 @@ static bool is_addressed(const cJSON *item)
 int para_get_af_opt(const char *, const cJSON *item, cJSON **answer, const char *)
 {
     PARA_TRACE(PARA_INFO, "inter");
-    if (is_addressed(item)) {
-        if (asks_for_all(item)) {
-            *answer = answer_all(af, para_af_cur, 0);
-            return 0;
-        }
-        *answer = answer_listed(af, para_af_cur, 0, item);
-    }
+    if (is_addressed(item))
+        return answer_query(af, para_af_cur, 0, item, answer, PARA_HERE);
     PARA_TRACE(PARA_INFO, "leave");
     return 0;
 }

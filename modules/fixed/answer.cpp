@@ -1,6 +1,7 @@
 // Answering queries about a module with fixed members.
 #include <cstring>
 
+#include "base/query.h"
 #include "base/text.h"
 #include "modules/fixed/fixed_module.h"
 
@@ -97,4 +98,16 @@ cJSON *answer_listed(const fixed_module &module, const int *values, int instance
         add_listed(module, presence, name, value, text, object);
     }
     return object;
+}
+
+int answer_query(const fixed_module &module, const int *values, int instance, const cJSON *item,
+                 cJSON **answer, const trace_site &site)
+{
+    if (asks_for_all(item)) {
+        *answer = answer_all(module, values, instance);
+        return 0;
+    }
+    *answer = answer_listed(module, values, instance, item);
+    PARA_TRACE_AT(site, PARA_INFO, "leave");
+    return 0;
 }

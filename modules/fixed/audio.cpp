@@ -1,14 +1,11 @@
 // Sound capture, encoding and output.
 #include "camparam/audio.h"
 
-#include "base/query.h"
 #include "camparam/control.h"
 #include "modules/fixed/accessors.h"
 #include "modules/fixed/fixed_module.h"
 
-int para_audio_def[PARA_AUDIO_SLOTS], para_audio_min[PARA_AUDIO_SLOTS];
-int para_audio_max[PARA_AUDIO_SLOTS], para_audio_init[PARA_AUDIO_SLOTS];
-int para_audio_cur[PARA_AUDIO_SLOTS], para_audio_exist[PARA_AUDIO_SLOTS];
+DEFINE_TABLES(audio, PARA_AUDIO_SLOTS)
 timespec audio_item_start_time;
 int audio_save_param_time = default_save_delay_ms;
 int audio_item_changed;
@@ -106,13 +103,7 @@ int para_set_audio_member_json(const char *name, int value, const char *text)
 int para_get_audio_opt(const char *, const cJSON *item, cJSON **answer, const char *)
 {
     PARA_TRACE(PARA_INFO, "inter");
-    if (asks_for_all(item)) {
-        *answer = answer_all(audio, para_audio_cur, 0);
-        return 0;
-    }
-    *answer = answer_listed(audio, para_audio_cur, 0, item);
-    PARA_TRACE(PARA_INFO, "leave");
-    return 0;
+    return answer_query(audio, para_audio_cur, 0, item, answer, PARA_HERE);
 }
 
 int para_set_audio_opt(const char *, const cJSON *item, const char *)

@@ -164,6 +164,11 @@ cJSON *answer_all(const fixed_module &module, const int *values, int instance);
 cJSON *answer_listed(const fixed_module &module, const int *values, int instance,
                      const cJSON *item);
 
+// A query's work: answers with all members or with the listed ones. The latter is traced as
+// "leave". Returns 0.
+int answer_query(const fixed_module &module, const int *values, int instance, const cJSON *item,
+                 cJSON **answer, const trace_site &site);
+
 // --- Saving ---
 
 bool module_due(const fixed_module &module);

@@ -2,7 +2,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include "base/query.h"
 #include "base/text.h"
 #include "modules/fixed/isp.h"
 
@@ -69,13 +68,7 @@ int para_get_isp_opt(const char *key, const cJSON *item, cJSON **answer, const c
     const isp_query query = query_of(key);
     if (query.values == nullptr)
         return 0;
-    if (asks_for_all(item)) {
-        *answer = answer_all(isp, query.values, query.instance);
-        return 0;
-    }
-    *answer = answer_listed(isp, query.values, query.instance, item);
-    PARA_TRACE(PARA_INFO, "leave");
-    return 0;
+    return answer_query(isp, query.values, query.instance, item, answer, PARA_HERE);
 }
 
 constexpr int settable_keys = 6; // "isp0" to "isp5", of which two have a record

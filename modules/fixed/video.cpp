@@ -9,9 +9,7 @@
 #include "modules/fixed/fixed_module.h"
 #include "modules/fixed/video_size.h"
 
-int para_video_def[PARA_VIDEO_SLOTS], para_video_min[PARA_VIDEO_SLOTS];
-int para_video_max[PARA_VIDEO_SLOTS], para_video_init[PARA_VIDEO_SLOTS];
-int para_video_cur[PARA_VIDEO_SLOTS], para_video_exist[PARA_VIDEO_SLOTS];
+DEFINE_TABLES(video, PARA_VIDEO_SLOTS)
 int g_num_stream;
 int video_init_done;
 timespec video_item_start_time;
