@@ -6,7 +6,11 @@
 #ifndef CAMPARAM_ACCESSORS_H
 #define CAMPARAM_ACCESSORS_H
 
+#include <cjson/cJSON.h>
+#include <time.h>
+
 #include "camparam/api.h"
+#include "camparam/presence.h"
 
 /**
  * The six tables of a module, with a place for each slot (or, of the ISP, for each instance). Hosts
@@ -31,17 +35,30 @@
     PARA_API int para_get_##module##_##name##_init parameters;                                     \
     PARA_API int para_get_##module##_##name##_cur parameters;
 
-/** para_set_<module>_<m>_cur, the public setter. */
+/** para_set_<module>_<m>_cur: the public setter. */
 #define PARA_DECLARE_SETTER(module, name, parameters)                                              \
     PARA_API int para_set_##module##_##name##_cur parameters;
 
-/** The public setter, and the one that tells no hook: _para_set_<module>_<m>_cur. */
-#define PARA_DECLARE_SETTERS(module, name, parameters)                                             \
-    PARA_DECLARE_SETTER(module, name, parameters)                                                  \
+/** _para_set_<module>_<m>_cur: the setter that tells no hook. */
+#define PARA_DECLARE_INTERNAL_SETTER(module, name, parameters)                                     \
     PARA_API int _para_set_##module##_##name##_cur parameters;
 
 /** para_get_<module>_<m>_num: the value of a text. */
 #define PARA_DECLARE_NUM(module, name)                                                             \
     PARA_API int para_get_##module##_##name##_num(const char *text);
+
+/** The functions of the module's row, see module.h, and the one that traces the table. */
+#define PARA_DECLARE_ROW(module)                                                                   \
+    PARA_API int para_init_##module(const char *name);                                             \
+    PARA_API int para_get_##module##_opt(const char *key, const cJSON *item, cJSON **answer,       \
+                                         const char *name);                                        \
+    PARA_API int para_need_save_##module(const char *name);                                        \
+    PARA_API int para_save_##module(const char *name);                                             \
+    PARA_API void module##_page(void);
+
+/** The same of a module that can be set by requests. */
+#define PARA_DECLARE_SETTABLE_ROW(module)                                                          \
+    PARA_DECLARE_ROW(module)                                                                       \
+    PARA_API int para_set_##module##_opt(const char *key, const cJSON *item, const char *name);
 
 #endif

@@ -9,11 +9,7 @@
 #ifndef CAMPARAM_AF_H
 #define CAMPARAM_AF_H
 
-#include <cjson/cJSON.h>
-#include <time.h>
-
 #include "camparam/accessors.h"
-#include "camparam/api.h"
 
 PARA_BEGIN_DECLS
 
@@ -56,9 +52,6 @@ PARA_API extern struct timespec af_item_start_time;
  */
 PARA_API int para_get_af_member_json(const char *name, int *value, const char **text);
 
-/** Trace the table at level 6: current, default and range of each member. */
-PARA_API void af_page(void);
-
 /**
  * The module's row functions, see module.h. The store calls them; a host saves with
  * platformparam_save(). Saving clears the mark of change whether or not the file opened.
@@ -68,11 +61,9 @@ PARA_API void af_page(void);
  * item whose own key is neither "af" nor a beginning of it is not answered.
  * para_need_save_af: 1 when the last change is unsaved and at least 2000 ms old, else 0.
  * para_save_af: writes "af_cur.json"; what fflush() returned, 0 when the file did not open.
+ * af_page: traces the table at level 6: current, default and range of each member.
  */
-PARA_API int para_init_af(const char *name);
-PARA_API int para_get_af_opt(const char *key, const cJSON *item, cJSON **answer, const char *name);
-PARA_API int para_need_save_af(const char *name);
-PARA_API int para_save_af(const char *name);
+PARA_DECLARE_ROW(af)
 
 PARA_END_DECLS
 

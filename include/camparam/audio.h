@@ -15,12 +15,7 @@
 #ifndef CAMPARAM_AUDIO_H
 #define CAMPARAM_AUDIO_H
 
-#include <cjson/cJSON.h>
-#include <time.h>
-
 #include "camparam/accessors.h"
-#include "camparam/api.h"
-#include "camparam/presence.h"
 
 PARA_BEGIN_DECLS
 
@@ -61,7 +56,8 @@ PARA_API extern int audio_save_param_time;
  */
 #define AUDIO_MEMBER(slot, name)                                                                   \
     PARA_DECLARE_GETTERS(audio, name, (void))                                                      \
-    PARA_DECLARE_SETTERS(audio, name, (int value))                                                 \
+    PARA_DECLARE_SETTER(audio, name, (int value))                                                  \
+    PARA_DECLARE_INTERNAL_SETTER(audio, name, (int value))                                         \
     PARA_DECLARE_NUM(audio, name)
 #include "camparam/audio_members.def"
 
@@ -100,9 +96,6 @@ PARA_API int save_cur_audio_param_delay(int delay_ms);
 /** Set the save delay in milliseconds, without a test; it counts from the next check. @return 0 */
 PARA_API int para_set_audio_save_param_time(int delay_ms);
 
-/** Trace the table at level 6: current, default and range of each member. */
-PARA_API void audio_page(void);
-
 /**
  * The module's row functions, see module.h. The store calls them; a host saves with
  * platformparam_save(). Saving clears the mark of change whether or not the file opened.
@@ -114,13 +107,9 @@ PARA_API void audio_page(void);
  * para_get_audio_opt: the item is an array of member names, or of one name that begins with "all".
  * para_need_save_audio: 1 when the last change is unsaved and as old as the save delay, else 0.
  * para_save_audio: writes "audio_cur.json"; what fflush() returned, 0 when the file did not open.
+ * audio_page: traces the table at level 6: current, default and range of each member.
  */
-PARA_API int para_init_audio(const char *name);
-PARA_API int para_set_audio_opt(const char *key, const cJSON *item, const char *name);
-PARA_API int para_get_audio_opt(const char *key, const cJSON *item, cJSON **answer,
-                                const char *name);
-PARA_API int para_need_save_audio(const char *name);
-PARA_API int para_save_audio(const char *name);
+PARA_DECLARE_SETTABLE_ROW(audio)
 
 PARA_END_DECLS
 

@@ -11,12 +11,7 @@
 #ifndef CAMPARAM_ISP_H
 #define CAMPARAM_ISP_H
 
-#include <cjson/cJSON.h>
-#include <time.h>
-
 #include "camparam/accessors.h"
-#include "camparam/api.h"
-#include "camparam/presence.h"
 
 PARA_BEGIN_DECLS
 
@@ -68,7 +63,8 @@ PARA_API extern int isp_item_changed;
  */
 #define ISP_ACCESSORS_yes(name)                                                                    \
     PARA_DECLARE_GETTERS(isp, name, (int instance))                                                \
-    PARA_DECLARE_SETTERS(isp, name, (int instance, int value))
+    PARA_DECLARE_SETTER(isp, name, (int instance, int value))                                      \
+    PARA_DECLARE_INTERNAL_SETTER(isp, name, (int instance, int value))
 #define ISP_ACCESSORS_no(name)
 #define ISP_MEMBER(slot, name, loaded, accessor, by_name, written) ISP_ACCESSORS_##accessor(name)
 #include "camparam/isp_members.def"
@@ -125,9 +121,6 @@ PARA_API int para_isp_cur_restore_isp_def(void);
  * has one key for all instances: at the next start the value is instance 0's. @return 0
  */
 PARA_API int para_set_isp_antiflicker_def(int instance, int value);
-
-/** Trace the table at level 6: the present members of each instance. */
-PARA_API void isp_page(void);
 
 /* --- Picture styles: named sets of values, numbered from 0 in the order of the style file --------
  */
@@ -190,12 +183,9 @@ PARA_API int parse_isp_def_odm(isp_record *record);
  * defaults; the item is an array of member names, or of one name that begins with "all".
  * para_need_save_isp: 1 when the last change is unsaved and at least 2000 ms old, else 0.
  * para_save_isp: writes "isp_cur.json"; what fflush() returned, 0 when the file did not open.
+ * isp_page: traces the table at level 6: the present members of each instance.
  */
-PARA_API int para_init_isp(const char *name);
-PARA_API int para_set_isp_opt(const char *key, const cJSON *item, const char *name);
-PARA_API int para_get_isp_opt(const char *key, const cJSON *item, cJSON **answer, const char *name);
-PARA_API int para_need_save_isp(const char *name);
-PARA_API int para_save_isp(const char *name);
+PARA_DECLARE_SETTABLE_ROW(isp)
 
 PARA_END_DECLS
 

@@ -17,12 +17,7 @@
 #ifndef CAMPARAM_VIDEO_H
 #define CAMPARAM_VIDEO_H
 
-#include <cjson/cJSON.h>
-#include <time.h>
-
 #include "camparam/accessors.h"
-#include "camparam/api.h"
-#include "camparam/presence.h"
 
 PARA_BEGIN_DECLS
 
@@ -73,7 +68,8 @@ PARA_API extern int video_save_param_time;
  */
 #define VIDEO_MEMBER(slot, name)                                                                   \
     PARA_DECLARE_GETTERS(video, name, (int stream))                                                \
-    PARA_DECLARE_SETTERS(video, name, (int stream, int value))                                     \
+    PARA_DECLARE_SETTER(video, name, (int stream, int value))                                      \
+    PARA_DECLARE_INTERNAL_SETTER(video, name, (int stream, int value))                             \
     PARA_DECLARE_NUM(video, name)
 #include "camparam/video_members.def"
 
@@ -136,9 +132,6 @@ PARA_API int save_cur_video_param_delay(int delay_ms);
 /** Set the save delay in milliseconds, without a test; it counts from the next check. @return 0 */
 PARA_API int para_set_video_save_param_time(int delay_ms);
 
-/** Trace the table at level 6: current, default and range of each member of each stream. */
-PARA_API void video_page(void);
-
 /**
  * Look up the picture dimensions of a size name. Reads constant tables only.
  *
@@ -173,13 +166,9 @@ PARA_API int para_video_size_enum(void *unused1, void *unused2);
  * para_need_save_video: 1 when the last change is unsaved and as old as the save delay, else 0.
  * para_save_video: writes "video_cur.json" with all streams; what fflush() returned, 0 when the
  * file did not open.
+ * video_page: traces the table at level 6: those of each stream.
  */
-PARA_API int para_init_video(const char *name);
-PARA_API int para_set_video_opt(const char *key, const cJSON *item, const char *name);
-PARA_API int para_get_video_opt(const char *key, const cJSON *item, cJSON **answer,
-                                const char *name);
-PARA_API int para_need_save_video(const char *name);
-PARA_API int para_save_video(const char *name);
+PARA_DECLARE_SETTABLE_ROW(video)
 
 PARA_END_DECLS
 

@@ -1,55 +1,75 @@
-// What the files of modules with fixed members define alike.
+// What modules with fixed members define alike. Each function is one call.
 #pragma once
 
-#include "modules/fixed/value_names.h"
+#include "camparam/control.h"
+#include "modules/fixed/fixed_module.h"
 
 // The tables of values.
 #define DEFINE_TABLES(module, slots)                                                               \
     int para_##module##_def[slots], para_##module##_min[slots], para_##module##_max[slots];        \
     int para_##module##_init[slots], para_##module##_cur[slots], para_##module##_exist[slots];
 
-// Defines the accessors of a member, each as one call of a function of the including file:
-//   read(values, slot)           a value of one of the tables
-//   read_present(values, slot)   the same for the tables "init" and "cur"
-//   change(slot, value)          an internal setter's work
-//   set(slot, value, setter)     a public setter's
-// In a module with instances, each takes the instance first.
+// The functions of the module's row but for start-up and requests, and the dump.
+#define DEFINE_ROW(module)                                                                         \
+    int para_need_save_##module(const char *)                                                      \
+    {                                                                                              \
+        return module_due(module);                                                                 \
+    }                                                                                              \
+    int para_save_##module(const char *)                                                           \
+    {                                                                                              \
+        return save_module(module);                                                                \
+    }                                                                                              \
+    void module##_page()                                                                           \
+    {                                                                                              \
+        page_module(module, PARA_HERE);                                                            \
+    }
 
 #define DEFINE_GETTERS(module, name, slot)                                                         \
     int para_get_##module##_##name##_def()                                                         \
     {                                                                                              \
-        return read(para_##module##_def, slot);                                                    \
+        return load_word(para_##module##_def[slot]);                                               \
     }                                                                                              \
     int para_get_##module##_##name##_min()                                                         \
     {                                                                                              \
-        return read(para_##module##_min, slot);                                                    \
+        return load_word(para_##module##_min[slot]);                                               \
     }                                                                                              \
     int para_get_##module##_##name##_max()                                                         \
     {                                                                                              \
-        return read(para_##module##_max, slot);                                                    \
+        return load_word(para_##module##_max[slot]);                                               \
     }                                                                                              \
     int para_get_##module##_##name##_init()                                                        \
     {                                                                                              \
-        return read_present(para_##module##_init, slot);                                           \
+        return current_value(module, para_##module##_init, slot);                                  \
     }                                                                                              \
     int para_get_##module##_##name##_cur()                                                         \
     {                                                                                              \
-        return read_present(para_##module##_cur, slot);                                            \
+        return current_value(module, para_##module##_cur, slot);                                   \
     }
 
 #define DEFINE_SETTER(module, name, slot)                                                          \
     int para_set_##module##_##name##_cur(int value)                                                \
     {                                                                                              \
-        return set(slot, value, para_set_##module##_##name##_cur);                                 \
+        return set_and_notify(module, slot, value, para_profile.module##_set_notify_hook,          \
+                              para_set_##module##_##name##_cur);                                   \
     }
 
-#define DEFINE_SETTERS(module, name, slot)                                                         \
-    DEFINE_SETTER(module, name, slot)                                                              \
+#define DEFINE_INTERNAL_SETTER(module, name, slot)                                                 \
     int _para_set_##module##_##name##_cur(int value)                                               \
     {                                                                                              \
-        return change(slot, value);                                                                \
+        return set_value(module, slot, value);                                                     \
     }
 
+#define DEFINE_NUM(module, name, names)                                                            \
+    int para_get_##module##_##name##_num(const char *text)                                         \
+    {                                                                                              \
+        return number_of_text(names, text);                                                        \
+    }
+
+// Of a module with instances, by functions of its own, which know what an instance is:
+//   read(instance, values, slot)           a value of one of the tables
+//   read_current(instance, values, slot)   the same of the tables "init" and "cur"
+//   change(instance, slot, value)          an internal setter's work
+//   set(instance, slot, value, setter)     a public setter's
 #define DEFINE_INSTANCE_GETTERS(module, name, slot)                                                \
     int para_get_##module##_##name##_def(int instance)                                             \
     {                                                                                              \
@@ -65,11 +85,11 @@
     }                                                                                              \
     int para_get_##module##_##name##_init(int instance)                                            \
     {                                                                                              \
-        return read_present(instance, para_##module##_init, slot);                                 \
+        return read_current(instance, para_##module##_init, slot);                                 \
     }                                                                                              \
     int para_get_##module##_##name##_cur(int instance)                                             \
     {                                                                                              \
-        return read_present(instance, para_##module##_cur, slot);                                  \
+        return read_current(instance, para_##module##_cur, slot);                                  \
     }
 
 #define DEFINE_INSTANCE_SETTERS(module, name, slot)                                                \
@@ -80,10 +100,4 @@
     int _para_set_##module##_##name##_cur(int instance, int value)                                 \
     {                                                                                              \
         return change(instance, slot, value);                                                      \
-    }
-
-#define DEFINE_NUM(module, name, names)                                                            \
-    int para_get_##module##_##name##_num(const char *text)                                         \
-    {                                                                                              \
-        return number_of_text(names, text);                                                        \
     }

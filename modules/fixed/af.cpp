@@ -2,9 +2,7 @@
 #include "camparam/af.h"
 
 #include "base/text.h"
-#include "camparam/control.h"
 #include "modules/fixed/accessors.h"
-#include "modules/fixed/fixed_module.h"
 
 DEFINE_TABLES(af, PARA_AF_SLOTS)
 timespec af_item_start_time;
@@ -33,23 +31,6 @@ static constexpr fixed_module af = {
               .get_needs_presence = false,
               .presence_of_number = PARA_PRESENT},
 };
-
-static int read(const int *values, int slot)
-{
-    return load_word(values[slot]);
-}
-
-static int read_present(const int *values, int slot)
-{
-    return load_word(values[slot]); // of an absent member too
-}
-
-[[gnu::always_inline]] static inline int set(int slot, int value, int (*setter)(int))
-{
-    if (!accepts(af, slot, value))
-        return 0;
-    return change_and_notify(af, slot, value, para_profile.af_set_notify_hook, setter);
-}
 
 #define AF_MEMBER(slot, name)                                                                      \
     DEFINE_GETTERS(af, name, PARA_AF_##name) DEFINE_SETTER(af, name, PARA_AF_##name)
@@ -80,17 +61,4 @@ int para_get_af_opt(const char *, const cJSON *item, cJSON **answer, const char 
     return 0;
 }
 
-int para_need_save_af(const char *)
-{
-    return module_due(af) ? 1 : 0;
-}
-
-int para_save_af(const char *)
-{
-    return save_module(af);
-}
-
-void af_page()
-{
-    page_module(af, PARA_HERE);
-}
+DEFINE_ROW(af)

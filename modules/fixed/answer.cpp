@@ -23,12 +23,6 @@ const fixed_member *find_member_by_prefix(const fixed_module &module, const char
     return nullptr;
 }
 
-static int value_of(const fixed_module &module, const int *values, int slot)
-{
-    return module.rules.get_needs_presence ? value_if_present(values, module.values.exist, slot)
-                                           : load_word(values[slot]);
-}
-
 int get_member(const fixed_module &module, const int *values, int instance, const char *name,
                int *value, const char **text)
 {
@@ -38,7 +32,7 @@ int get_member(const fixed_module &module, const int *values, int instance, cons
 
     const int slot = slot_of(module, instance, *member);
     const int presence = load_word(module.values.exist[slot]);
-    *value = value_of(module, values, slot);
+    *value = current_value(module, values, slot);
     if (text != nullptr && is_named(*member)) {
         const bool as_name = (presence & PARA_PRESENT_AS_NAME) != 0;
         *text = as_name ? name_of_number(*member->names, *value) : nullptr;

@@ -1,9 +1,7 @@
 // Sound capture, encoding and output.
 #include "camparam/audio.h"
 
-#include "camparam/control.h"
 #include "modules/fixed/accessors.h"
-#include "modules/fixed/fixed_module.h"
 
 DEFINE_TABLES(audio, PARA_AUDIO_SLOTS)
 timespec audio_item_start_time;
@@ -47,31 +45,10 @@ static constexpr fixed_module audio = {
     .save_delay_ms = &audio_save_param_time,
 };
 
-static int read(const int *values, int slot)
-{
-    return load_word(values[slot]);
-}
-
-static int read_present(const int *values, int slot)
-{
-    return value_if_present(values, para_audio_exist, slot);
-}
-
-[[gnu::always_inline]] static inline int change(int slot, int value)
-{
-    return accepts(audio, slot, value) ? change_value(audio, slot, value) : 0;
-}
-
-[[gnu::always_inline]] static inline int set(int slot, int value, int (*setter)(int))
-{
-    if (!accepts(audio, slot, value))
-        return 0;
-    return change_and_notify(audio, slot, value, para_profile.audio_set_notify_hook, setter);
-}
-
 #define AUDIO_MEMBER(slot, name)                                                                   \
     DEFINE_GETTERS(audio, name, PARA_AUDIO_##name)                                                 \
-    DEFINE_SETTERS(audio, name, PARA_AUDIO_##name)                                                 \
+    DEFINE_SETTER(audio, name, PARA_AUDIO_##name)                                                  \
+    DEFINE_INTERNAL_SETTER(audio, name, PARA_AUDIO_##name)                                         \
     DEFINE_NUM(audio, name, name##_names)
 #include "camparam/audio_members.def"
 
@@ -109,22 +86,10 @@ int para_get_audio_opt(const char *, const cJSON *item, cJSON **answer, const ch
 int para_set_audio_opt(const char *, const cJSON *item, const char *)
 {
     PARA_TRACE(PARA_INFO, "inter");
-    int changed = 0;
-    const cJSON *child = nullptr;
-    cJSON_ArrayForEach(child, item)
-    {
-        if (child->string != nullptr)
-            changed |=
-                para_set_audio_member_json(child->string, child->valueint, child->valuestring);
-    }
+    const int changed = set_each(item, para_set_audio_member_json);
     if (changed != 0 && para_profile.audio_set_request_hook != nullptr)
         para_profile.audio_set_request_hook(item);
     return 0;
-}
-
-int para_need_save_audio(const char *)
-{
-    return module_due(audio) ? 1 : 0;
 }
 
 int save_cur_audio_param_delay(int)
@@ -138,12 +103,4 @@ int para_set_audio_save_param_time(int delay_ms)
     return 0;
 }
 
-int para_save_audio(const char *)
-{
-    return save_module(audio);
-}
-
-void audio_page()
-{
-    page_module(audio, PARA_HERE);
-}
+DEFINE_ROW(audio)

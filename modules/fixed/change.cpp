@@ -18,5 +18,5 @@ int set_as_requested(const fixed_module &module, int instance, const fixed_membe
     if ((load_word(module.values.exist[slot]) & needed) == 0)
         return 0;
     const int value = is_named(member) ? number_of_text(*member.names, text) : number;
-    return accepts(module, slot, value) ? change_value(module, slot, value) : 0;
+    return set_value(module, slot, value);
 }

@@ -134,17 +134,50 @@ template <typename hook, typename... setter_and_instance>
     return 0;
 }
 
+// An internal setter's work. Returns 1 when the value changed, else 0.
+[[gnu::always_inline]] inline int set_value(const fixed_module &module, int slot, int value)
+{
+    return accepts(module, slot, value) ? change_value(module, slot, value) : 0;
+}
+
+// A public setter's work. Returns 0.
+template <typename hook, typename... setter_and_instance>
+[[gnu::always_inline]] inline int set_and_notify(const fixed_module &module, int slot, int value,
+                                                 const hook &notify, setter_and_instance... setter)
+{
+    if (!accepts(module, slot, value))
+        return 0;
+    return change_and_notify(module, slot, value, notify, setter...);
+}
+
 // Sets a member as a request does: from the number or from the text, whichever form its default
 // had. Returns 1 when the value changed, else 0.
 int set_as_requested(const fixed_module &module, int instance, const fixed_member &member,
                      int number, const char *text);
 
+// Applies each member of a set request. Returns 1 when any value changed, else 0.
+template <typename setter> int set_each(const cJSON *item, const setter &set)
+{
+    int changed = 0;
+    const cJSON *child = nullptr;
+    cJSON_ArrayForEach(child, item)
+    {
+        if (child->string != nullptr)
+            changed |= set(child->string, child->valueint, child->valuestring);
+    }
+    return changed;
+}
+
 // --- Answers ---
 
-// The value, or -1 when the member is absent.
-inline int value_if_present(const int *values, const int *exist, int slot)
+// A value in the tables of current and of start-up values: -1 for an absent member, where the
+// module has that rule.
+[[gnu::always_inline]] inline int current_value(const fixed_module &module, const int *values,
+                                                int slot)
 {
-    return load_word(exist[slot]) != 0 ? load_word(values[slot]) : -1;
+    if (module.rules.get_needs_presence && load_word(module.values.exist[slot]) == 0)
+        return -1;
+    return load_word(values[slot]);
 }
 
 // The member of exactly that name, or null.
@@ -171,7 +204,8 @@ int answer_query(const fixed_module &module, const int *values, int instance, co
 
 // --- Saving ---
 
-bool module_due(const fixed_module &module);
+// 1 when the last change is unsaved and as old as the save delay, else 0.
+int module_due(const fixed_module &module);
 
 // Saves at once when the last change is that old. Returns 0.
 int save_after(const fixed_module &module, int delay_ms);

@@ -1,7 +1,6 @@
 // The image signal processor: its values come from a style, and may be overridden by the ODM store.
 #include "modules/fixed/isp.h"
 
-#include "camparam/control.h"
 #include "camparam/odm.h"
 #include "modules/fixed/accessors.h"
 
@@ -82,30 +81,25 @@ static int read(int instance, const isp_record *records, int slot)
     return load_word(reinterpret_cast<const int *>(&records[instance])[slot]);
 }
 
-static int read_present(int instance, const isp_record *records, int slot)
+static int read_current(int instance, const isp_record *records, int slot)
 {
     return read(instance, records, slot); // of an absent member too
 }
 
-[[gnu::always_inline]] static inline bool takes(int instance, int slot, int value)
-{
-    return is_isp_instance(instance) && accepts(isp, instance * PARA_ISP_SLOTS + slot, value);
-}
-
 [[gnu::always_inline]] static inline int change(int instance, int slot, int value)
 {
-    if (!takes(instance, slot, value))
+    if (!is_isp_instance(instance))
         return 0;
-    return change_value(isp, instance * PARA_ISP_SLOTS + slot, value);
+    return set_value(isp, instance * PARA_ISP_SLOTS + slot, value);
 }
 
 [[gnu::always_inline]] static inline int set(int instance, int slot, int value,
                                              int (*setter)(int, int))
 {
-    if (!takes(instance, slot, value))
+    if (!is_isp_instance(instance))
         return 0;
-    return change_and_notify(isp, instance * PARA_ISP_SLOTS + slot, value,
-                             para_profile.isp_set_notify_hook, setter, instance);
+    return set_and_notify(isp, instance * PARA_ISP_SLOTS + slot, value,
+                          para_profile.isp_set_notify_hook, setter, instance);
 }
 
 #define ISP_ACCESSORS_yes(name)                                                                    \
@@ -223,3 +217,5 @@ int para_set_isp_antiflicker_def(int instance, int value)
     store_word(para_isp_def[instance].antiflicker, value);
     return 0;
 }
+
+DEFINE_ROW(isp)

@@ -1,4 +1,4 @@
-// Requests to the ISP module, and saving it.
+// Requests to the ISP module.
 #include <cstdio>
 #include <cstring>
 
@@ -90,26 +90,8 @@ int para_set_isp_opt(const char *, const cJSON *item, const char *)
     const int instance = instance_to_set(item);
     if (instance < 0)
         return 0;
-    const cJSON *child = nullptr;
-    cJSON_ArrayForEach(child, item)
-    {
-        if (child->string != nullptr)
-            isp_set_member_by_name(child->string, instance, child->valueint, child->valuestring);
-    }
+    set_each(item, [instance](const char *key, int number, const char *text) {
+        return isp_set_member_by_name(key, instance, number, text);
+    });
     return 0;
-}
-
-int para_need_save_isp(const char *)
-{
-    return module_due(isp) ? 1 : 0;
-}
-
-int para_save_isp(const char *)
-{
-    return save_module(isp);
-}
-
-void isp_page()
-{
-    page_module(isp, PARA_HERE);
 }

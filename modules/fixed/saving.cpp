@@ -3,9 +3,9 @@
 #include "modules/fixed/fixed_module.h"
 #include "modules/fixed/module_file.h"
 
-bool module_due(const fixed_module &module)
+int module_due(const fixed_module &module)
 {
-    return change_due(module.stamp, load_word(*module.save_delay_ms));
+    return change_due(module.stamp, load_word(*module.save_delay_ms)) ? 1 : 0;
 }
 
 int save_after(const fixed_module &module, int delay_ms)

@@ -3,10 +3,8 @@
 
 #include "base/query.h"
 #include "base/text.h"
-#include "camparam/control.h"
 #include "camparam/platform.h"
 #include "modules/fixed/accessors.h"
-#include "modules/fixed/fixed_module.h"
 #include "modules/fixed/video_size.h"
 
 DEFINE_TABLES(video, PARA_VIDEO_SLOTS)
@@ -79,34 +77,33 @@ static int read(int stream, const int *values, int slot)
     return can_be_read(stream) ? load_word(values[stream * PARA_VIDEO_STREAM_SLOTS + slot]) : -1;
 }
 
-static int read_present(int stream, const int *values, int slot)
+static int read_current(int stream, const int *values, int slot)
 {
     if (!can_be_read(stream))
         return -1;
-    return value_if_present(values, para_video_exist, stream * PARA_VIDEO_STREAM_SLOTS + slot);
+    return current_value(video, values, stream * PARA_VIDEO_STREAM_SLOTS + slot);
 }
 
-[[gnu::always_inline]] static inline bool takes(int stream, int slot, int value)
+static bool is_in_use(int stream)
 {
-    return stream >= 0 && stream < g_num_stream &&
-           accepts(video, stream * PARA_VIDEO_STREAM_SLOTS + slot, value);
+    return stream >= 0 && stream < g_num_stream;
 }
 
 [[gnu::always_inline]] static inline int change(int stream, int slot, int value)
 {
-    if (!takes(stream, slot, value))
+    if (!is_in_use(stream))
         return 0;
-    return change_value(video, stream * PARA_VIDEO_STREAM_SLOTS + slot, value);
+    return set_value(video, stream * PARA_VIDEO_STREAM_SLOTS + slot, value);
 }
 
 using stream_setter = int (*)(int, int);
 
 [[gnu::always_inline]] static inline int set(int stream, int slot, int value, stream_setter setter)
 {
-    if (!takes(stream, slot, value))
+    if (!is_in_use(stream))
         return 0;
-    return change_and_notify(video, stream * PARA_VIDEO_STREAM_SLOTS + slot, value,
-                             para_profile.video_set_notify_hook, setter, stream);
+    return set_and_notify(video, stream * PARA_VIDEO_STREAM_SLOTS + slot, value,
+                          para_profile.video_set_notify_hook, setter, stream);
 }
 
 static int set_by_name(int stream, const value_names &names, const char *text, stream_setter setter)
@@ -213,7 +210,7 @@ int para_get_video_member(const char *name, int stream, int *value, const char *
 int para_set_video_member(const char *name, int stream, int value, const char *text)
 {
     const fixed_member *const member = find_member_by_prefix(video, name);
-    if (member == nullptr || stream < 0 || stream >= g_num_stream)
+    if (member == nullptr || !is_in_use(stream))
         return 0;
     return set_as_requested(video, stream, *member, value, text);
 }
@@ -248,18 +245,10 @@ int para_set_video_opt(const char *, const cJSON *item, const char *)
     const int stream = stream_of_key(item, PARA_VIDEO_STREAMS);
     if (stream < 0)
         return 0;
-    const cJSON *child = nullptr;
-    cJSON_ArrayForEach(child, item)
-    {
-        if (child->string != nullptr)
-            para_set_video_member(child->string, stream, child->valueint, child->valuestring);
-    }
+    set_each(item, [stream](const char *name, int value, const char *text) {
+        return para_set_video_member(name, stream, value, text);
+    });
     return 0;
-}
-
-int para_need_save_video(const char *)
-{
-    return module_due(video) ? 1 : 0;
 }
 
 int save_cur_video_param_delay(int delay_ms)
@@ -274,12 +263,4 @@ int para_set_video_save_param_time(int delay_ms)
     return 0;
 }
 
-int para_save_video(const char *)
-{
-    return save_module(video);
-}
-
-void video_page()
-{
-    page_module(video, PARA_HERE);
-}
+DEFINE_ROW(video)
