@@ -9,7 +9,14 @@
     int para_##module##_def[slots], para_##module##_min[slots], para_##module##_max[slots];        \
     int para_##module##_init[slots], para_##module##_cur[slots], para_##module##_exist[slots];
 
-// The functions of the module's row but for start-up and requests, and the dump.
+// Start-up of a module that has no order of its own for it.
+#define DEFINE_START(module)                                                                       \
+    int para_init_##module(const char *)                                                           \
+    {                                                                                              \
+        return start_module(module, PARA_HERE);                                                    \
+    }
+
+// The functions of the module's row that save, and the dump.
 #define DEFINE_ROW(module)                                                                         \
     int para_need_save_##module(const char *)                                                      \
     {                                                                                              \

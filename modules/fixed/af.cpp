@@ -19,7 +19,6 @@ static constexpr fixed_module af = {
     .title = "AF",
     .page = af_page,
     .values = VALUE_TABLES(af),
-    .slots = PARA_AF_SLOTS,
     .members = list_of(members),
     .file_order = order.list(),
     .stamp = {.time = &af_item_start_time, .changed = &af_item_changed},
@@ -36,10 +35,7 @@ static constexpr fixed_module af = {
     DEFINE_GETTERS(af, name, PARA_AF_##name) DEFINE_SETTER(af, name, PARA_AF_##name)
 #include "camparam/af_members.def"
 
-int para_init_af(const char *)
-{
-    return start_module(af, PARA_HERE);
-}
+DEFINE_START(af)
 
 int para_get_af_member_json(const char *name, int *value, const char **)
 {

@@ -38,7 +38,6 @@ static constexpr fixed_module audio = {
     .title = "AUDIO",
     .page = audio_page,
     .values = VALUE_TABLES(audio),
-    .slots = PARA_AUDIO_SLOTS,
     .members = list_of(members),
     .file_order = order.list(),
     .stamp = {.time = &audio_item_start_time, .changed = &audio_item_changed},
@@ -59,10 +58,7 @@ static constexpr fixed_module audio = {
     }
 #include "camparam/audio_members.def"
 
-int para_init_audio(const char *)
-{
-    return start_module(audio, PARA_HERE);
-}
+DEFINE_START(audio)
 
 int para_get_audio_member_json(const char *name, int *value, const char **text)
 {
@@ -71,10 +67,7 @@ int para_get_audio_member_json(const char *name, int *value, const char **text)
 
 int para_set_audio_member_json(const char *name, int value, const char *text)
 {
-    const fixed_member *const member = find_member(audio, name);
-    if (member == nullptr || (is_named(*member) && text == nullptr))
-        return 0;
-    return set_as_requested(audio, 0, *member, value, text);
+    return set_member(audio, name, value, text);
 }
 
 int para_get_audio_opt(const char *, const cJSON *item, cJSON **answer, const char *)

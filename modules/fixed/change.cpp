@@ -20,3 +20,11 @@ int set_as_requested(const fixed_module &module, int instance, const fixed_membe
     const int value = is_named(member) ? number_of_text(*member.names, text) : number;
     return set_value(module, slot, value);
 }
+
+int set_member(const fixed_module &module, const char *name, int number, const char *text)
+{
+    const fixed_member *const member = find_member(module, name);
+    if (member == nullptr || (is_named(*member) && text == nullptr))
+        return 0;
+    return set_as_requested(module, 0, *member, number, text);
+}

@@ -52,7 +52,6 @@ struct fixed_module {
     const char *title; // of the dump
     void (*page)();    // dumps it
     value_tables values;
-    int slots; // of each table
     fixed_members members;
     file_slots file_order;
     const module_instances *instances = nullptr; // null: the members stand at the top of the files
@@ -69,6 +68,14 @@ inline bool is_named(const fixed_member &member)
 inline int first_slot(const fixed_module &module, int instance)
 {
     return module.instances != nullptr ? instance * module.instances->stride : 0;
+}
+
+// Of each table; slots before the first member's are reserved.
+inline int slot_count(const fixed_module &module)
+{
+    if (module.instances != nullptr)
+        return module.instances->capacity * module.instances->stride;
+    return module.members.first->slot + module.members.count;
 }
 
 inline int slot_of(const fixed_module &module, int instance, const fixed_member &member)
@@ -154,6 +161,10 @@ template <typename hook, typename... setter_and_instance>
 // had. Returns 1 when the value changed, else 0.
 int set_as_requested(const fixed_module &module, int instance, const fixed_member &member,
                      int number, const char *text);
+
+// The same for the member of exactly that name; 0 for an unknown name, and for a named member
+// without a text.
+int set_member(const fixed_module &module, const char *name, int number, const char *text);
 
 // Applies each member of a set request. Returns 1 when any value changed, else 0.
 template <typename setter> int set_each(const cJSON *item, const setter &set)

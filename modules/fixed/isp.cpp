@@ -61,7 +61,6 @@ constexpr fixed_module isp = {
                .init = RECORD_TABLE(init),
                .cur = RECORD_TABLE(cur),
                .exist = RECORD_TABLE(exist)},
-    .slots = PARA_ISP_INSTANCES * PARA_ISP_SLOTS,
     .members = list_of(members),
     .file_order = order.list(),
     .instances = &instances,
@@ -197,7 +196,7 @@ int para_init_isp(const char *)
 
 int para_isp_cur_restore_isp_def()
 {
-    for (int slot = 0; slot < isp.slots; slot++)
+    for (int slot = 0; slot < slot_count(isp); slot++)
         store_word(isp.values.cur[slot], load_word(isp.values.def[slot]));
     store_word(isp_item_changed, 1); // the time of the last change stands
     return 0;

@@ -147,7 +147,7 @@ json_ptr load_current_file(const fixed_module &module, const trace_site &site)
 
 static void clear_presence(const fixed_module &module)
 {
-    for (int slot = 0; slot < module.slots; slot++)
+    for (int slot = 0; slot < slot_count(module); slot++)
         store_word(module.values.exist[slot], 0);
 }
 
@@ -183,7 +183,7 @@ static void load_current(const fixed_module &module, const trace_site &site)
 
 void keep_start_values(const fixed_module &module)
 {
-    for (int slot = 0; slot < module.slots; slot++)
+    for (int slot = 0; slot < slot_count(module); slot++)
         store_word(module.values.init[slot], load_word(module.values.cur[slot]));
 }
 

@@ -52,7 +52,6 @@ static constexpr fixed_module video = {
     .title = "VIDEO",
     .page = video_page,
     .values = VALUE_TABLES(video),
-    .slots = PARA_VIDEO_SLOTS,
     .members = list_of(members),
     .file_order = order.list(),
     .instances = &streams,
