@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "runtime/module_row.h"
 #include "support/store.h"
 
 using testing::ElementsAre;
@@ -33,14 +34,6 @@ int never_called(const char *)
     return 1;
 }
 
-std::vector<std::string> row_names(int from = 0)
-{
-    std::vector<std::string> names;
-    for (int i = from; i < module_para_handle_num; i++)
-        names.emplace_back(module_para_handle[i].name);
-    return names;
-}
-
 std::string list_of(const std::string &key, const std::string &prefix, int count)
 {
     std::string text = "{\"" + key + "\":[";
@@ -67,7 +60,7 @@ TEST_F(ModuleTable, HoldsTheStaticRowsInOrderAndTheDefaultPatterns)
 
 TEST_F(ModuleTable, FocusAndZoomCanBeReadAndSavedButNotSet)
 {
-    const para_module &row = module_para_handle[2];
+    const para_module &row = row_named("af");
     EXPECT_STREQ(row.name, "af");
     EXPECT_EQ(row.init, para_init_af);
     EXPECT_EQ(row.init_stage2, nullptr);
@@ -79,13 +72,13 @@ TEST_F(ModuleTable, FocusAndZoomCanBeReadAndSavedButNotSet)
 
 TEST_F(ModuleTable, PseudoModulesOnlyAnswer)
 {
-    EXPECT_EQ(module_para_handle[8].get_opt, nullptr) << "msg_type is never echoed";
-    EXPECT_EQ(module_para_handle[9].get_opt, para_get_msg_name_opt);
-    EXPECT_EQ(module_para_handle[10].get_opt, para_get_msg_id_opt);
-    for (int i = 8; i <= 10; i++) {
-        EXPECT_EQ(module_para_handle[i].init, nullptr);
-        EXPECT_EQ(module_para_handle[i].set_opt, nullptr);
-        EXPECT_EQ(module_para_handle[i].save, nullptr);
+    EXPECT_EQ(row_named("msg_type").get_opt, nullptr) << "msg_type is never echoed";
+    EXPECT_EQ(row_named("msg_name").get_opt, para_get_msg_name_opt);
+    EXPECT_EQ(row_named("msg_id").get_opt, para_get_msg_id_opt);
+    for (const char *name : {"msg_type", "msg_name", "msg_id"}) {
+        EXPECT_EQ(row_named(name).init, nullptr);
+        EXPECT_EQ(row_named(name).set_opt, nullptr);
+        EXPECT_EQ(row_named(name).save, nullptr);
     }
 }
 
@@ -94,7 +87,7 @@ TEST_F(ModuleTable, PatternListsComeFromTheWebNameFile)
     write_home("www2json.json",
                "{'json_pattern_list':['one','two'],'conf_pattern_list':['three']}");
     start_store();
-    EXPECT_THAT(row_names(17), ElementsAre("one", "two", "three"));
+    EXPECT_THAT(appended_rows(), ElementsAre("one", "two", "three"));
     EXPECT_THAT(traces_of("register_para_handle_json_pattern"),
                 ElementsAre("add json_pattern:one\n", "add json_pattern:two\n"));
     EXPECT_THAT(traces_of("register_para_handle_conf_pattern"),
@@ -105,14 +98,14 @@ TEST_F(ModuleTable, AnAbsentListFallsBackToItsDefault)
 {
     write_home("www2json.json", "{'conf_pattern_list':['three']}");
     start_store();
-    EXPECT_THAT(row_names(17), ElementsAre("misc", "three"));
+    EXPECT_THAT(appended_rows(), ElementsAre("misc", "three"));
 }
 
 TEST_F(ModuleTable, AnEmptyListAddsNothing)
 {
     write_home("www2json.json", "{'json_pattern_list':[]}");
     start_store();
-    EXPECT_THAT(row_names(17), ElementsAre("netport", "overlay", "ndi_config"));
+    EXPECT_THAT(appended_rows(), ElementsAre("netport", "overlay", "ndi_config"));
 }
 
 TEST_F(ModuleTable, AListEntryThatIsNoTextIsPassedOver)
@@ -120,7 +113,7 @@ TEST_F(ModuleTable, AListEntryThatIsNoTextIsPassedOver)
     write_home("www2json.json",
                "{'json_pattern_list':[5,null,'one',{}],'conf_pattern_list':'netport'}");
     start_store();
-    EXPECT_THAT(row_names(17), ElementsAre("one"));
+    EXPECT_THAT(appended_rows(), ElementsAre("one"));
 }
 
 TEST_F(ModuleTable, StopsAtSixtyFourRowsWithOneTraceForEachAppenderCutShort)
@@ -133,8 +126,8 @@ TEST_F(ModuleTable, StopsAtSixtyFourRowsWithOneTraceForEachAppenderCutShort)
     register_para_handle_extern(&host);
     start_store();
 
-    EXPECT_EQ(module_para_handle_num, 64);
-    EXPECT_STREQ(module_para_handle[63].name, "j46");
+    EXPECT_EQ(module_para_handle_num, PARA_MODULES_MAX);
+    EXPECT_EQ(row_names().back(), "j46");
     const std::string full = "err not enough module_para_handle";
     EXPECT_EQ(count_traces(full, "register_para_handle_json_pattern"), 1);
     EXPECT_THAT(levels_of(full, "register_para_handle_json_pattern"), ElementsAre(3));
@@ -144,14 +137,14 @@ TEST_F(ModuleTable, StopsAtSixtyFourRowsWithOneTraceForEachAppenderCutShort)
 
 TEST_F(ModuleTable, AFullTableRefusesTheHostsModules)
 {
-    module_para_handle_num = 64;
+    module_para_handle_num = PARA_MODULES_MAX;
     EXPECT_EQ(register_para_handle_json_pattern(), -1);
     EXPECT_EQ(register_para_handle_conf_pattern(), -1);
     EXPECT_EQ(register_para_handle_extern_pattern(), 0) << "nothing is staged";
     module_para_handle_num = 0;
     const para_module host = {"host", nullptr, nullptr, host_set, host_get, nullptr, nullptr};
     register_para_handle_extern(&host);
-    module_para_handle_num = 64;
+    module_para_handle_num = PARA_MODULES_MAX;
     EXPECT_EQ(register_para_handle_extern_pattern(), -1);
 }
 
@@ -177,7 +170,7 @@ TEST_F(ModuleTable, AHostModuleBringsItsRequestFunctionsAlone)
     start_store();
 
     ASSERT_EQ(module_para_handle_num, 22);
-    const para_module &row = module_para_handle[21];
+    const para_module &row = row_named("host");
     EXPECT_EQ(row.name, host.name) << "the name text itself, not a copy";
     EXPECT_EQ(row.set_opt, host_set);
     EXPECT_EQ(row.get_opt, host_get);
@@ -205,9 +198,9 @@ TEST_F(ModuleTable, OfferingANameAgainReplacesItsFunctions)
 
     start_store();
     ASSERT_EQ(module_para_handle_num, 22);
-    EXPECT_EQ(module_para_handle[21].name, first.name);
-    EXPECT_EQ(module_para_handle[21].set_opt, other_set);
-    EXPECT_EQ(module_para_handle[21].get_opt, other_get);
+    EXPECT_EQ(row_named("host").name, first.name);
+    EXPECT_EQ(row_named("host").set_opt, other_set);
+    EXPECT_EQ(row_named("host").get_opt, other_get);
 }
 
 TEST_F(ModuleTable, OfferingAfterStartUpIsRefused)
@@ -257,5 +250,5 @@ TEST_F(ModuleTable, StagesThirtyTwoHostModules)
 
     start_store();
     EXPECT_EQ(module_para_handle_num, 21 + 32);
-    EXPECT_EQ(module_para_handle[21 + 31].get_opt, other_get);
+    EXPECT_EQ(row_named("host31").get_opt, other_get);
 }

@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "runtime/module_row.h"
 #include "support/store.h"
 
 using testing::ElementsAre;
@@ -80,7 +81,7 @@ protected:
         row.save = save;
     }
 
-    para_module &row = module_para_handle[16];
+    para_module &row = row_named("end");
 };
 
 TEST_F(SaveThread, HasItsName)
@@ -111,7 +112,7 @@ TEST_F(SaveThread, RunsItsPassesWithoutAServer)
     const int taken = socket(AF_INET, SOCK_DGRAM, 0);
     sockaddr_in address = {};
     address.sin_family = AF_INET;
-    address.sin_port = htons(6800);
+    address.sin_port = htons(PARA_SERVER_PORT);
     ASSERT_EQ(bind(taken, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
 
     start_store();
@@ -140,7 +141,7 @@ TEST_F(SaveThread, AFailedSaveIsTracedAndStillFollowedBySync)
 TEST_F(SaveThread, AForcedPassSavesEveryModuleUnasked)
 {
     row.need_save = nullptr;
-    module_para_handle[8].save = save;
+    row_named("msg_type").save = save;
     start_store();
     EXPECT_EQ(platformparam_save(), 0);
     // Every module is saved in table order; those of the library have no row in the test's record.

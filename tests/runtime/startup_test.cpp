@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "runtime/module_row.h"
 #include "support/store.h"
 
 using testing::ElementsAre;
@@ -57,11 +58,11 @@ TEST_F(StartUp, TracesTheContractsJsonVersionFirst)
 
 TEST_F(StartUp, CallsEveryInitInTableOrderAndThenEverySecondStage)
 {
-    for (const int row : {8, 11, 16}) {
-        module_para_handle[row].init = init_ok;
-        module_para_handle[row].init_stage2 = second_stage;
+    for (const char *name : {"msg_type", "video2", "end"}) {
+        row_named(name).init = init_ok;
+        row_named(name).init_stage2 = second_stage;
     }
-    module_para_handle[11].init = init_fails;
+    row_named("video2").init = init_fails;
     start_store();
     EXPECT_THAT(calls, ElementsAre("init msg_type", "init video2", "init end", "stage2 msg_type",
                                    "stage2 video2", "stage2 end"));
@@ -69,8 +70,8 @@ TEST_F(StartUp, CallsEveryInitInTableOrderAndThenEverySecondStage)
 
 TEST_F(StartUp, TracesAFailedModuleAndGoesOn)
 {
-    module_para_handle[8].init = init_fails;
-    module_para_handle[16].init = init_ok;
+    row_named("msg_type").init = init_fails;
+    row_named("end").init = init_ok;
     start_store();
     EXPECT_EQ(count_traces("msg_type init err", "platformparam_init"), 1);
     EXPECT_EQ(count_traces("end init err", "platformparam_init"), 0);
@@ -105,8 +106,7 @@ TEST_F(StartUp, TheWebNameFileMayHaveAnotherName)
     write_home("names.json", "{'json_pattern_list':['right'],'conf_pattern_list':[]}");
     para_profile.www2json_name = "names.json";
     start_store();
-    ASSERT_EQ(module_para_handle_num, 18);
-    EXPECT_STREQ(module_para_handle[17].name, "right");
+    EXPECT_THAT(appended_rows(), ElementsAre("right"));
 }
 
 TEST_F(StartUp, AWebNamePathOverTheLimitIsAFileThatIsNotThere)
@@ -130,7 +130,7 @@ TEST_F(StartUp, AClientProcessStartsNothing)
 
 TEST_F(StartUp, TracesErrorsAtThreeAndProgressAtSix)
 {
-    module_para_handle[8].init = init_fails;
+    row_named("msg_type").init = init_fails;
     start_store();
     const std::string self = "platformparam_init";
     EXPECT_THAT(levels_of("Error before: []", self), ElementsAre(3));

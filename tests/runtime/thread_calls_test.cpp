@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "runtime/module_row.h"
 #include "support/store.h"
 
 using testing::Each;
@@ -123,7 +124,7 @@ PARA_API ssize_t sendto(int socket, const void *bytes, size_t size, int flags,
 
 class ThreadCalls : public Store {
 protected:
-    ThreadCalls() { module_para_handle[8].need_save = count_pass; }
+    ThreadCalls() { row_named("msg_type").need_save = count_pass; }
 };
 
 TEST_F(ThreadCalls, EveryWaitLastsAHundredMillisecondsAtMost)
@@ -143,7 +144,7 @@ TEST_F(ThreadCalls, NothingBlocks)
     client.ask("{'msg_type':'get'}");
     stop_store();
     EXPECT_THAT(seen().receive_flags, ElementsAre(MSG_DONTWAIT));
-    EXPECT_THAT(seen().receive_sizes, ElementsAre(4096U));
+    EXPECT_THAT(seen().receive_sizes, ElementsAre(size_t{PARA_MESSAGE_MAX}));
     EXPECT_THAT(seen().send_flags, ElementsAre(MSG_DONTWAIT));
 }
 

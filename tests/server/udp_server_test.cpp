@@ -126,7 +126,7 @@ TEST_F(Server, TextOfAnEarlierDatagramDoesNotLeakIntoAShorterOne)
 TEST_F(Server, ServesADatagramOfAllOf4096Bytes)
 {
     std::string request = "{\"msg_type\":\"get\",\"msg_id\":9}";
-    request.insert(1, 4096 - request.size(), ' ');
+    request.insert(1, PARA_MESSAGE_MAX - request.size(), ' ');
     ASSERT_EQ(request.size(), 4096U);
     EXPECT_EQ(client.ask(request), "{'msg_id':9}");
 }
@@ -137,12 +137,13 @@ TEST_F(Server, CutsALongerDatagram)
     request.insert(1, 4097 - request.size(), ' ');
     client.send(request);
     EXPECT_TRUE(client.stays_silent());
-    EXPECT_EQ(count_traces("cJSON_Parse err,Rec buffer: " + request.substr(0, 4096)), 1);
+    EXPECT_EQ(count_traces("cJSON_Parse err,Rec buffer: " + request.substr(0, PARA_MESSAGE_MAX)),
+              1);
 }
 
 TEST_F(Server, RefusesDeepNesting)
 {
-    client.send(std::string(4096, '['));
+    client.send(std::string(PARA_MESSAGE_MAX, '['));
     std::string request = "{\"msg_type\":\"get\",\"af\":";
     client.send(request + std::string(10000, '[') + std::string(10000, ']') + "}");
     client.send(request + std::string(900, '[') + std::string(900, ']') + "}");
@@ -178,7 +179,9 @@ TEST_F(Server, ListensOnAllAddresses)
 {
     const std::optional<std::string> sockets = read_file("/proc/net/udp");
     ASSERT_TRUE(sockets);
-    EXPECT_THAT(*sockets, HasSubstr(" 00000000:1A90 ")) << "0.0.0.0 port 6800";
+    char address[32];
+    snprintf(address, sizeof address, " 00000000:%04X ", PARA_SERVER_PORT);
+    EXPECT_THAT(*sockets, HasSubstr(address));
 }
 
 TEST_F(Server, CannotOpenATakenPort)

@@ -279,11 +279,11 @@ TEST_F(WebSet, ServesAFullDatagramOfPairs)
     std::string members;
     const std::string frame = set_request("");
     int pairs = 0;
-    while (frame.size() + query.size() + 4 <= 4096) {
+    while (frame.size() + query.size() + 4 <= PARA_MESSAGE_MAX) {
         query += query.empty() ? "z=1" : "&z=1";
         members += pairs++ == 0 ? "'zoom':1" : ",'zoom':1";
     }
-    query += std::string(4096 - frame.size() - query.size(), '&');
+    query += std::string(PARA_MESSAGE_MAX - frame.size() - query.size(), '&');
     ASSERT_EQ(set_request(query).size(), 4096U);
     EXPECT_EQ(set(query), "result=success");
     EXPECT_THAT(calls(), ElementsAre("set near={" + members + "} for near"));

@@ -7,16 +7,15 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstring>
 
-namespace {
-
-std::string object_path(int module)
+std::string OwnSharedMemory::object_path(int module)
 {
-    return "/dev/shm/camparam_share_" + std::to_string(module);
+    char name[64];
+    snprintf(name, sizeof name, PARA_SHARE_MAP_NAME, module);
+    return std::string("/dev/shm") + name;
 }
-
-} // namespace
 
 std::string word_bytes(uint32_t word)
 {
@@ -43,13 +42,13 @@ static std::string datagram(uint32_t type, int instance, int value, const std::s
 std::string number_datagram(const std::string &module, const std::string &member, int instance,
                             int value)
 {
-    return datagram(0, instance, value, module, member, "");
+    return datagram(PARA_SHARE_NUMBER, instance, value, module, member, "");
 }
 
 std::string text_datagram(const std::string &module, const std::string &member, int instance,
                           const std::string &text)
 {
-    return datagram(1, instance, 0, module, member, text);
+    return datagram(PARA_SHARE_TEXT, instance, 0, module, member, text);
 }
 
 OwnSharedMemory::OwnSharedMemory()
@@ -79,7 +78,7 @@ DatagramReceiver::DatagramReceiver() : descriptor(socket(AF_INET, SOCK_DGRAM, 0)
 {
     sockaddr_in address = {};
     address.sin_family = AF_INET;
-    address.sin_port = htons(6800);
+    address.sin_port = htons(PARA_SERVER_PORT);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     const auto *const any = reinterpret_cast<const sockaddr *>(&address);
     EXPECT_EQ(bind(descriptor, any, sizeof address), 0) << strerror(errno);
@@ -92,7 +91,7 @@ DatagramReceiver::~DatagramReceiver()
 
 std::string DatagramReceiver::receive() const
 {
-    char bytes[4096];
+    char bytes[PARA_MESSAGE_MAX];
     pollfd readable = {descriptor, POLLIN, 0};
     if (poll(&readable, 1, 20000) != 1)
         return "none";

@@ -24,6 +24,7 @@ class OwnSharedMemory {
 protected:
     OwnSharedMemory();
 
+    static std::string object_path(int module);
     // Writes an object as a main program might; the words follow each other.
     static void write_object(int module, const std::string &bytes);
     static std::string read_object(int module);

@@ -24,6 +24,8 @@ const char not_registered[] = "ERROR: main program don't register this share mod
 const char no_module[] = "ERROR: This mod is not exist!\n";
 const char no_entry[] = "ERROR: This share map is not exist!\n";
 
+constexpr size_t header_size = sizeof(para_share_map);
+
 std::string header(uint32_t registered, uint32_t count, uint32_t size)
 {
     return word_bytes(registered) + word_bytes(count) + word_bytes(size);
@@ -83,14 +85,14 @@ using ShareEntry = Share;
 
 TEST_F(SharePublish, MakesAnObjectOfHeaderAndEmptyEntries)
 {
-    for (int module = 0; module < 4; module++) {
+    for (int module = 0; module < PARA_SHARE_MODULES; module++) {
         char *const map = static_cast<char *>(para_share_publish(module, 3, 8 + module));
         ASSERT_NE(map, nullptr);
         const uint32_t size = static_cast<uint32_t>(8 + module);
         EXPECT_EQ(read_object(module), header(1, 3, size) + std::string(3 * size, '\0'));
-        EXPECT_EQ(std::string(map, 12), header(1, 3, size));
-        map[12] = 'x';
-        EXPECT_EQ(read_object(module)[12], 'x');
+        EXPECT_EQ(std::string(map, header_size), header(1, 3, size));
+        map[header_size] = 'x';
+        EXPECT_EQ(read_object(module)[header_size], 'x');
     }
 }
 
@@ -118,7 +120,7 @@ TEST_F(SharePublish, RefusesSizesThatAreNone)
 
 TEST_F(SharePublish, RefusesModulesThatAreNone)
 {
-    for (const int module : {-1, 4, 5, INT_MIN, INT_MAX}) {
+    for (const int module : {-1, int{PARA_SHARE_MODULES}, 5, INT_MIN, INT_MAX}) {
         forget_traces();
         EXPECT_EQ(para_share_publish(module, 1, 8), nullptr);
         EXPECT_FALSE(object_exists(module));
@@ -135,7 +137,7 @@ TEST_F(SharePublish, ARefusedOneLeavesThePublishedOneAlone)
 
 TEST_F(SharePublish, TracesWhatTheSystemRefuses)
 {
-    mkdir("/dev/shm/camparam_share_0", 0755);
+    mkdir(object_path(0).c_str(), 0755);
     EXPECT_EQ(para_share_publish(0, 1, 8), nullptr);
     EXPECT_THAT(traces_of("para_share_publish"), SizeIs(1));
 }
@@ -158,7 +160,7 @@ TEST_F(SharePublish, KeepsNoDescriptorOpen)
 
 TEST_F(ShareRegister, RefusesAModuleAboveThree)
 {
-    for (const int module : {4, 5, INT_MAX}) {
+    for (const int module : {int{PARA_SHARE_MODULES}, 5, INT_MAX}) {
         forget_traces();
         EXPECT_EQ(para_share_register(module), -1);
         EXPECT_THAT(register_traces(), ElementsAre(no_module)) << module;
@@ -178,7 +180,7 @@ TEST_F(ShareRegister, ANegativeModuleHasNoMap)
 TEST_F(ShareRegister, RefusesAModuleThatIsNotPublished)
 {
     const size_t before = open_descriptors();
-    for (int module = 0; module < 4; module++) {
+    for (int module = 0; module < PARA_SHARE_MODULES; module++) {
         forget_traces();
         EXPECT_EQ(para_share_register(module), -1);
         EXPECT_THAT(register_traces(), ElementsAre(pointer_trace(nullptr), not_registered));
@@ -191,19 +193,19 @@ TEST_F(ShareRegister, AttachesWhatThisProcessHasPublished)
 {
     char *const published = static_cast<char *>(para_share_publish(3, 2, 8));
     EXPECT_EQ(para_share_register(3), 0);
-    char *const attached = entry(3, 1) - 12;
+    char *const attached = entry(3, 1) - header_size;
     EXPECT_THAT(register_traces(), ElementsAre(pointer_trace(attached)));
-    strcpy(published + 12, "seen");
+    strcpy(published + header_size, "seen");
     EXPECT_STREQ(entry(3, 1), "seen");
     strcpy(entry(3, 2), "back");
-    EXPECT_STREQ(published + 12 + 8, "back");
+    EXPECT_STREQ(published + header_size + 8, "back");
 }
 
 TEST_F(ShareRegister, AttachesWhatAnotherProcessHasPublished)
 {
     ASSERT_TRUE(in_other_process([] {
         char *const map = static_cast<char *>(para_share_publish(2, 2, 16));
-        return map != nullptr && strcpy(map + 12 + 16, "from there") != nullptr;
+        return map != nullptr && strcpy(map + header_size + 16, "from there") != nullptr;
     }));
     EXPECT_EQ(para_share_register(2), 0);
     EXPECT_STREQ(entry(2, 2), "from there");
@@ -222,7 +224,7 @@ TEST_F(ShareRegister, WorksInAClientProcess)
         return para_set_share_video_bitRate_number(1, 4096) == 0;
     }));
     EXPECT_EQ(main_program.receive(), number_datagram("video", "bitRate", 1, 4096));
-    EXPECT_STREQ(published + 12, "client");
+    EXPECT_STREQ(published + header_size, "client");
 }
 
 TEST_F(ShareRegister, OpensTheSocketAtTheFirstSuccessOnly)
@@ -231,9 +233,9 @@ TEST_F(ShareRegister, OpensTheSocketAtTheFirstSuccessOnly)
     const size_t before = open_descriptors();
     EXPECT_EQ(para_share_register(0), -1);
     EXPECT_EQ(open_descriptors(), before);
-    for (int module = 0; module < 4; module++)
+    for (int module = 0; module < PARA_SHARE_MODULES; module++)
         para_share_publish(module, 1, 8);
-    for (int module = 0; module < 4; module++) {
+    for (int module = 0; module < PARA_SHARE_MODULES; module++) {
         EXPECT_EQ(para_share_register(module), 0);
         EXPECT_EQ(para_share_register(module), 0);
         EXPECT_EQ(open_descriptors(), before + 1);
@@ -268,7 +270,7 @@ TEST_F(ShareRegister, RefusesAnObjectThatDoesNotHoldItsEntries)
     const std::string objects[] = {
         "",
         word_bytes(1),
-        header(1, 1, 8).substr(0, 11),
+        header(1, 1, 8).substr(0, header_size - 1),
         header(1, 1, 8),
         header(1, 1, 8) + std::string(7, '\0'),
         header(1, 0x7fffffff, 0xffffffff) + std::string(100, '\0'),
@@ -300,8 +302,8 @@ TEST_F(ShareRegister, AReplacedModuleIsAttachedByTheNextRegistration)
     char *const old_entry = entry(1, 1);
 
     char *const new_map = static_cast<char *>(para_share_publish(1, 2, 16));
-    strcpy(old_map + 12, "old");
-    strcpy(new_map + 12, "new");
+    strcpy(old_map + header_size, "old");
+    strcpy(new_map + header_size, "new");
     EXPECT_STREQ(entry(1, 1), "old") << "until it registers again";
     EXPECT_EQ(para_share_register(1), 0);
     EXPECT_STREQ(entry(1, 1), "new");
@@ -313,7 +315,7 @@ TEST_F(ShareRegister, AWithdrawnModuleIsNotPublished)
 {
     para_share_publish(1, 1, 8);
     EXPECT_EQ(para_share_register(1), 0);
-    unlink("/dev/shm/camparam_share_1");
+    unlink(object_path(1).c_str());
     EXPECT_EQ(para_share_register(1), -1);
 }
 
@@ -340,7 +342,7 @@ TEST_F(ShareEntry, AreNumberedFromOne)
     char *const published = static_cast<char *>(para_share_publish(2, 3, 20));
     para_share_register(2);
     for (int number = 1; number <= 3; number++) {
-        published[12 + 20 * (number - 1)] = static_cast<char>('0' + number);
+        published[header_size + 20 * (number - 1)] = static_cast<char>('0' + number);
         EXPECT_EQ(*entry(2, number), '0' + number);
         EXPECT_EQ(entry(2, number) - entry(2, 1), 20 * (number - 1));
     }
@@ -371,7 +373,7 @@ TEST_F(ShareEntry, OfAnEmptyMapIsOutOfRange)
 
 TEST_F(ShareEntry, OfAModuleAboveThreeIsNull)
 {
-    for (const int module : {4, INT_MAX}) {
+    for (const int module : {int{PARA_SHARE_MODULES}, INT_MAX}) {
         forget_traces();
         EXPECT_EQ(para_get_share_map(module, 1), nullptr);
         EXPECT_THAT(entry_traces(), ElementsAre(no_module)) << module;

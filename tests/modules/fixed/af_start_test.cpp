@@ -26,7 +26,7 @@ TEST_F(AfStart, EveryMemberHasTheValuesOfItsFiles)
         EXPECT_EQ(member.def(), member.slot + 10) << member.key;
         EXPECT_EQ(member.cur(), member.slot) << member.key;
         EXPECT_EQ(member.init(), member.slot) << member.key;
-        EXPECT_EQ(para_af_exist[member.slot], 1) << member.key;
+        EXPECT_EQ(para_af_exist[member.slot], PARA_PRESENT) << member.key;
         EXPECT_EQ(&para_af_cur[member.slot] - para_af_cur, member.slot);
     }
     EXPECT_THAT(para_af_cur, ElementsAre(0, 1, 2, 3, 4, 5, 6));
@@ -128,7 +128,7 @@ TEST_F(AfStart, KeysAreReadWithoutRegardToCase)
     write_home("af_def.json", "{'ZOOM_Value':7}");
     init();
     EXPECT_EQ(para_get_af_zoom_value_def(), 7);
-    EXPECT_EQ(para_af_exist[6], 1);
+    EXPECT_EQ(para_af_exist[PARA_AF_zoom_value], PARA_PRESENT);
 }
 
 TEST_F(AfStart, RangesNeedTwoElementsAndMayHaveMore)

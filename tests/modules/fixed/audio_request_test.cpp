@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "modules/fixed/audio_fixture.h"
+#include "modules/fixed/presence.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -15,13 +16,13 @@ TEST_F(AudioQuery, MemberLookUpGivesValueNameAndPresence)
     init(named_defaults);
     int value = 77;
     const char *text = "untouched";
-    EXPECT_EQ(para_get_audio_member_json("audioInput", &value, &text), 0x101);
+    EXPECT_EQ(para_get_audio_member_json("audioInput", &value, &text), present_as_name);
     EXPECT_EQ(value, 1);
     EXPECT_STREQ(text, "micin");
-    EXPECT_EQ(para_get_audio_member_json("audioInput", &value, nullptr), 0x101);
+    EXPECT_EQ(para_get_audio_member_json("audioInput", &value, nullptr), present_as_name);
 
     text = "untouched";
-    EXPECT_EQ(para_get_audio_member_json("sampleRate", &value, &text), 0x81);
+    EXPECT_EQ(para_get_audio_member_json("sampleRate", &value, &text), present_as_number);
     EXPECT_EQ(value, 48000);
     EXPECT_STREQ(text, "untouched");
 
@@ -37,7 +38,7 @@ TEST_F(AudioQuery, ANamedMemberGivenAsANumberHasNoText)
     init(numeric_defaults);
     int value = 77;
     const char *text = "replaced";
-    EXPECT_EQ(para_get_audio_member_json("aeFormat", &value, &text), 0x81);
+    EXPECT_EQ(para_get_audio_member_json("aeFormat", &value, &text), present_as_number);
     EXPECT_EQ(value, 1);
     EXPECT_EQ(text, nullptr);
 }
@@ -85,7 +86,7 @@ TEST_F(AudioSetRequest, AppliesEachMemberInTheFormOfItsDefault)
     change("{'aeFormat':'G711A','sampleRate':8000,'unknown':1,'adtsFlag':1}");
     EXPECT_EQ(para_get_audio_aeFormat_cur(), 1);
     EXPECT_EQ(para_get_audio_sampleRate_cur(), 8000);
-    EXPECT_EQ(para_audio_cur[2], 0) << "absent";
+    EXPECT_EQ(para_audio_cur[PARA_AUDIO_adtsFlag], 0) << "absent";
     EXPECT_THAT(traces_of("para_set_audio_opt"), ElementsAre("inter\n"));
     EXPECT_TRUE(change_pending());
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "modules/fixed/audio_fixture.h"
+#include "modules/fixed/presence.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -35,7 +36,7 @@ TEST_F(AudioStart, EveryMemberHasTheValuesOfItsFiles)
         EXPECT_EQ(member.def(), member.slot + 100) << member.key;
         EXPECT_EQ(member.cur(), member.slot + 50) << member.key;
         EXPECT_EQ(member.init(), member.slot + 50) << member.key;
-        EXPECT_EQ(para_audio_exist[member.slot], 0x81) << member.key;
+        EXPECT_EQ(para_audio_exist[member.slot], present_as_number) << member.key;
         EXPECT_EQ(para_audio_cur[member.slot], member.slot + 50);
     }
 }
@@ -55,9 +56,9 @@ TEST_F(AudioStart, AbsentMembersReadAsMinusOneWhereCurrentValuesAreConcerned)
 TEST_F(AudioStart, PresenceTellsTheFormOfTheDefault)
 {
     init(named_defaults);
-    EXPECT_EQ(para_audio_exist[1], 0x101);
-    EXPECT_EQ(para_audio_exist[3], 0x81);
-    EXPECT_EQ(para_audio_exist[2], 0);
+    EXPECT_EQ(para_audio_exist[PARA_AUDIO_aeFormat], present_as_name);
+    EXPECT_EQ(para_audio_exist[PARA_AUDIO_sampleRate], present_as_number);
+    EXPECT_EQ(para_audio_exist[PARA_AUDIO_adtsFlag], 0);
     EXPECT_EQ(para_get_audio_aeFormat_def(), 0);
     EXPECT_EQ(para_get_audio_audioInput_def(), 1);
     EXPECT_EQ(para_get_audio_audioInput_cur(), 1);
@@ -66,10 +67,11 @@ TEST_F(AudioStart, PresenceTellsTheFormOfTheDefault)
 TEST_F(AudioStart, ANumericMemberGivenAsTextReadsItsOneName)
 {
     init("{'mute':'null','denoise':'','agcEnable':'on','sampleRate':true}");
-    EXPECT_EQ(para_audio_exist[11], 0x101) << "null is its one name";
-    EXPECT_EQ(para_audio_exist[12], 0x101);
-    EXPECT_EQ(para_audio_exist[13], 1) << "named in the file, in no form that can be exchanged";
-    EXPECT_EQ(para_audio_exist[3], 1);
+    EXPECT_EQ(para_audio_exist[PARA_AUDIO_mute], present_as_name) << "null is its one name";
+    EXPECT_EQ(para_audio_exist[PARA_AUDIO_denoise], present_as_name);
+    EXPECT_EQ(para_audio_exist[PARA_AUDIO_agcEnable], PARA_PRESENT)
+        << "named in the file, in no form that can be exchanged";
+    EXPECT_EQ(para_audio_exist[PARA_AUDIO_sampleRate], PARA_PRESENT);
     EXPECT_EQ(para_get_audio_mute_cur(), 0);
 }
 
@@ -78,7 +80,7 @@ TEST_F(AudioStart, PresenceIsNotClearedByStartingAgain)
     init(numeric_defaults);
     init("{'mute':1}");
     for (const accessors &member : all_members)
-        EXPECT_EQ(para_audio_exist[member.slot], 0x81) << member.key;
+        EXPECT_EQ(para_audio_exist[member.slot], present_as_number) << member.key;
 }
 
 TEST_F(AudioStart, NamesInFilesMayBeCutShortAndTheLastFittingOneWins)
@@ -112,7 +114,7 @@ TEST_F(AudioStart, UnknownNamesAndOtherTypesLeaveValuesAlone)
     EXPECT_EQ(para_get_audio_mute_max(), 0);
     EXPECT_EQ(para_get_audio_aeFormat_cur(), 1);
     EXPECT_EQ(para_get_audio_audioInput_cur(), 1);
-    EXPECT_EQ(para_audio_exist[9], 1);
+    EXPECT_EQ(para_audio_exist[PARA_AUDIO_audioOut], PARA_PRESENT);
     EXPECT_EQ(para_get_audio_audioOut_cur(), 0);
 }
 

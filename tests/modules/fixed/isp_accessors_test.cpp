@@ -89,8 +89,10 @@ TEST_F(IspSetter, TakesEveryValueOfTheRangeAndTellsTheHook)
             EXPECT_EQ(notifications[0].instance, 0) << member.key;
             EXPECT_EQ(notifications[0].value, value) << member.key;
         }
-        EXPECT_EQ(member.init(0), member.word == 1 ? 0 : 100 + member.word) << member.key;
-        EXPECT_EQ(member.def(0), member.word == 1 ? 0 : 100 + member.word) << member.key;
+        EXPECT_EQ(member.init(0), member.word == PARA_ISP_style ? 0 : 100 + member.word)
+            << member.key;
+        EXPECT_EQ(member.def(0), member.word == PARA_ISP_style ? 0 : 100 + member.word)
+            << member.key;
     }
     EXPECT_TRUE(change_pending());
 }
@@ -138,7 +140,7 @@ TEST_F(IspSetter, AnAbsentMemberCannotBeSet)
     remove_home("isp_def.json");
     init();
     for (const accessors &member : all_members) {
-        const bool present = member.word == 1;
+        const bool present = member.word == PARA_ISP_style;
         EXPECT_EQ(member.quiet_set(0, 3), present ? 1 : 0);
         EXPECT_EQ(member.set(0, 4), 0);
         EXPECT_EQ(member.cur(0), present ? 4 : 0) << member.key;

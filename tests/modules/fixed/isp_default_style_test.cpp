@@ -9,6 +9,7 @@
 
 #include "modules/fixed/another_process.h"
 #include "modules/fixed/isp_style_fixture.h"
+#include "modules/fixed/presence.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -93,8 +94,8 @@ TEST_F(IspDefaultStyle, MembersThatItDoesNotNameKeepTheirDefaults)
           "'b':{'sharpness':6,'saturation':'x','NR3D':3}}");
     EXPECT_EQ(para_set_isp_style_def(0, 1), 0);
     EXPECT_EQ(defaults(), "{'style':0,'saturation':0,'hue':1,'sharpness':6,'nr3d':3}");
-    EXPECT_EQ(para_isp_exist[0].sharpness, 0x81) << "present from now on";
-    EXPECT_EQ(para_isp_exist[0].saturation, 0x81);
+    EXPECT_EQ(para_isp_exist[0].sharpness, present_as_number) << "present from now on";
+    EXPECT_EQ(para_isp_exist[0].saturation, present_as_number);
     EXPECT_EQ(current(), "{'style':0,'saturation':5,'hue':1,'sharpness':0,'nr3d':0}");
 }
 

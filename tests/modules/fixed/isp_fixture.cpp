@@ -104,7 +104,7 @@ int Isp::word_of(const std::string &name)
 
 int Isp::word_at(const isp_record &record, int word)
 {
-    int words[sizeof(isp_record) / sizeof(int)];
+    int words[PARA_ISP_WORDS];
     memcpy(words, &record, sizeof words);
     return words[word];
 }

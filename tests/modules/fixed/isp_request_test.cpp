@@ -8,6 +8,7 @@
 
 #include "modules/fixed/another_process.h"
 #include "modules/fixed/isp_fixture.h"
+#include "modules/fixed/presence.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -23,10 +24,12 @@ TEST_F(IspQuery, MemberLookUpGivesValueAndPresence)
         member.set(0, 3);
         int value = 77;
         const char *text = "untouched";
-        EXPECT_EQ(para_get_isp_cur_member(member.key, 0, &value, &text), 0x81) << member.key;
+        EXPECT_EQ(para_get_isp_cur_member(member.key, 0, &value, &text), present_as_number)
+            << member.key;
         EXPECT_EQ(value, 3) << member.key;
-        EXPECT_EQ(para_get_isp_def_member(member.key, 0, &value, &text), 0x81) << member.key;
-        EXPECT_EQ(value, member.word == 1 ? 0 : 100 + member.word) << member.key;
+        EXPECT_EQ(para_get_isp_def_member(member.key, 0, &value, &text), present_as_number)
+            << member.key;
+        EXPECT_EQ(value, member.word == PARA_ISP_style ? 0 : 100 + member.word) << member.key;
         EXPECT_STREQ(text, "untouched");
     }
 }
@@ -49,7 +52,7 @@ TEST_F(IspQuery, AnAbsentMemberHasNoPresence)
     init();
     int value = 77;
     EXPECT_EQ(para_get_isp_cur_member("shutter", 0, &value, nullptr), 0);
-    EXPECT_EQ(para_get_isp_cur_member("style", 0, &value, nullptr), 0x81);
+    EXPECT_EQ(para_get_isp_cur_member("style", 0, &value, nullptr), present_as_number);
     EXPECT_EQ(query("isp0", "['shutter','style']"), "{'style':0}");
 }
 
@@ -91,7 +94,8 @@ TEST_F(IspQuery, EveryMemberIsAnsweredByItsName)
     init();
     std::string names, answer;
     for (const accessors &member : all_members) {
-        const std::string value = std::to_string(member.word == 1 ? 0 : 100 + member.word);
+        const std::string value =
+            std::to_string(member.word == PARA_ISP_style ? 0 : 100 + member.word);
         names += std::string(names.empty() ? "['" : ",'") + member.key + "'";
         answer += std::string(answer.empty() ? "{'" : ",'") + member.key + "':" + value;
     }
@@ -221,10 +225,10 @@ TEST_F(IspSetByName, OtherKeysAreIgnored)
 TEST_F(IspSetByName, NeedsADefaultThatWasANumber)
 {
     init();
-    para_isp_exist[0].shutter = 1;
+    para_isp_exist[0].shutter = PARA_PRESENT;
     EXPECT_EQ(isp_set_member_by_name("shutter", 0, 33, nullptr), 0);
     EXPECT_EQ(_para_set_isp_shutter_cur(0, 33), 1) << "presence is enough for the setter";
-    para_isp_exist[0].iris = 0x80;
+    para_isp_exist[0].iris = PARA_PRESENT_AS_NUMBER;
     EXPECT_EQ(isp_set_member_by_name("iris", 0, 33, nullptr), 1);
     para_isp_exist[0].hue = 0;
     EXPECT_EQ(isp_set_member_by_name("hue", 0, 33, nullptr), 0);

@@ -161,13 +161,14 @@ TEST_F(IspSave, WhatIsSavedIsLoadedAgain)
     in_another_process([this] {
         init();
         for (const accessors &member : all_members)
-            EXPECT_EQ(member.quiet_set(0, member.word == 1 ? 2 : member.word), 1) << member.key;
+            EXPECT_EQ(member.quiet_set(0, member.word == PARA_ISP_style ? 2 : member.word), 1)
+                << member.key;
         saved();
     });
     before = read_data("isp_cur.json").value_or("none");
     init();
     for (const accessors &member : all_members)
-        EXPECT_EQ(member.cur(0), member.word == 1 ? 2 : member.word) << member.key;
+        EXPECT_EQ(member.cur(0), member.word == PARA_ISP_style ? 2 : member.word) << member.key;
     EXPECT_EQ(to_json(0, 1), everything(2, 300)) << "the defaults are those of the saved style";
     EXPECT_EQ(para_isp_cur[0].exposure_mode_priority, 302) << "never saved: the style's";
     EXPECT_EQ(saved(), before);

@@ -9,6 +9,7 @@
 
 #include "modules/fixed/another_process.h"
 #include "modules/fixed/isp_fixture.h"
+#include "modules/fixed/presence.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -22,7 +23,7 @@ TEST_F(IspStart, EveryMemberHasTheValuesOfItsFiles)
     EXPECT_EQ(init(), 0);
     for (const expected_member &member : expected_record) {
         const int word = word_of(member.name);
-        const bool is_style = word == 1;
+        const bool is_style = word == PARA_ISP_style;
         EXPECT_EQ(word_at(para_isp_min[0], word), member.loaded ? -word : 0) << member.name;
         EXPECT_EQ(word_at(para_isp_max[0], word), member.loaded ? 1000 + word : 0) << member.name;
         EXPECT_EQ(word_at(para_isp_def[0], word), is_style        ? 0
@@ -31,7 +32,8 @@ TEST_F(IspStart, EveryMemberHasTheValuesOfItsFiles)
             << member.name;
         EXPECT_EQ(word_at(para_isp_cur[0], word), member.loaded ? 500 + word : 0) << member.name;
         EXPECT_EQ(word_at(para_isp_init[0], word), member.loaded ? 500 + word : 0) << member.name;
-        EXPECT_EQ(word_at(para_isp_exist[0], word), member.loaded ? 0x81 : 0) << member.name;
+        EXPECT_EQ(word_at(para_isp_exist[0], word), member.loaded ? present_as_number : 0)
+            << member.name;
     }
 }
 
@@ -44,8 +46,10 @@ TEST_F(IspStart, AccessorsReadTheirWord)
         EXPECT_EQ(member.word, word_of(member.key));
         EXPECT_EQ(member.min(0), -member.word) << member.key;
         EXPECT_EQ(member.max(0), 1000 + member.word) << member.key;
-        EXPECT_EQ(member.def(0), member.word == 1 ? 0 : 100 + member.word) << member.key;
-        EXPECT_EQ(member.cur(0), member.word == 4 ? 7 : 500 + member.word) << member.key;
+        EXPECT_EQ(member.def(0), member.word == PARA_ISP_style ? 0 : 100 + member.word)
+            << member.key;
+        EXPECT_EQ(member.cur(0), member.word == PARA_ISP_shutter ? 7 : 500 + member.word)
+            << member.key;
         EXPECT_EQ(member.init(0), 500 + member.word) << member.key;
     }
 }
@@ -132,7 +136,8 @@ TEST_F(IspStart, ARangeFileWithoutTheInstanceLeavesEveryRangeEmpty)
     EXPECT_EQ(isp_num, 0);
     for (const accessors &member : all_members) {
         EXPECT_EQ(member.max(0), 0) << member.key;
-        EXPECT_EQ(member.cur(0), member.word == 1 ? 0 : 100 + member.word) << member.key;
+        EXPECT_EQ(member.cur(0), member.word == PARA_ISP_style ? 0 : 100 + member.word)
+            << member.key;
     }
     EXPECT_EQ(query("isp0", "['all']"), "none");
     EXPECT_EQ(saved(), std::string("{\n}") + '\0');
@@ -144,7 +149,8 @@ TEST_F(IspStart, WithoutAStyleFileMembersAreAbsentButForTheStyle)
     EXPECT_EQ(init(), 0);
     EXPECT_EQ(to_json(0, 0), "{'style':0}");
     for (const accessors &member : all_members) {
-        EXPECT_EQ(word_at(para_isp_exist[0], member.word), member.word == 1 ? 0x81 : 0);
+        EXPECT_EQ(word_at(para_isp_exist[0], member.word),
+                  member.word == PARA_ISP_style ? present_as_number : 0);
         EXPECT_EQ(member.def(0), 0) << member.key;
         EXPECT_EQ(member.cur(0), 0) << member.key;
         EXPECT_EQ(member.max(0), 1000 + member.word) << member.key;

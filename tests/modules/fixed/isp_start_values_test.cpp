@@ -8,6 +8,7 @@
 
 #include "modules/fixed/another_process.h"
 #include "modules/fixed/isp_fixture.h"
+#include "modules/fixed/presence.h"
 
 using testing::IsEmpty;
 
@@ -47,7 +48,7 @@ TEST_F(IspStart, AStyleValueOfAnotherTypeIsPresentAsZero)
     EXPECT_EQ(init(), 0);
     EXPECT_EQ(to_json(0, 0), "{'style':0,'shutter':0,'iris':0,'bright':0,'meter':4,'hue':5}");
     for (const char *name : {"shutter", "iris", "bright", "meter", "hue"})
-        EXPECT_EQ(word_at(para_isp_exist[0], word_of(name)), 0x81) << name;
+        EXPECT_EQ(word_at(para_isp_exist[0], word_of(name)), present_as_number) << name;
 }
 
 TEST_F(IspStart, SavedStyleThatDiffersIsOneChange)
@@ -72,7 +73,9 @@ TEST_F(IspStart, SavedStyleGivesDefaultsAndWhatTheFileLacks)
     EXPECT_EQ(to_json(0, 1), everything(1, 200));
     EXPECT_EQ(para_get_isp_shutter_cur(0), 5);
     for (const accessors &member : all_members) {
-        const int expected = member.word == 1 ? 1 : member.word == 4 ? 5 : 200 + member.word;
+        const int expected = member.word == PARA_ISP_style     ? 1
+                             : member.word == PARA_ISP_shutter ? 5
+                                                               : 200 + member.word;
         EXPECT_EQ(member.cur(0), expected) << member.key;
         EXPECT_EQ(member.init(0), member.cur(0)) << member.key;
     }

@@ -52,11 +52,14 @@ TEST_F(IspStyleRecord, HoldsEveryLoadedMember)
 
     const isp_record *const record = para_get_isp_style_param(0, 1);
     ASSERT_NE(record, nullptr);
-    int words[39];
+    int words[PARA_ISP_WORDS];
     ASSERT_EQ(sizeof words, sizeof *record);
     memcpy(words, record, sizeof words);
-    for (int word = 1; word < 39; word++) {
-        const int expected = word == 1 ? 1 : word == 12 || word == 37 ? 0 : 500 + word;
+    for (int word = 1; word < PARA_ISP_WORDS; word++) {
+        const int expected = word == PARA_ISP_style ? 1
+                             : word == PARA_ISP_antiflicker || word == PARA_ISP_hotpixel
+                                 ? 0
+                                 : 500 + word;
         EXPECT_EQ(words[word], expected) << word;
     }
     EXPECT_EQ(words[0], 156);

@@ -10,8 +10,6 @@
 
 class Video : public Store {
 protected:
-    static constexpr int stream_slots = 11;
-
     struct accessors {
         int slot;
         const char *key;

@@ -5,6 +5,7 @@
 #include <climits>
 #include <string>
 
+#include "modules/fixed/presence.h"
 #include "modules/fixed/video_fixture.h"
 
 using testing::ElementsAre;
@@ -18,11 +19,11 @@ TEST_F(VideoQuery, MemberLookUpGivesValueNameAndPresence)
     init(2);
     int value = 77;
     const char *text = "untouched";
-    EXPECT_EQ(para_get_video_member("size", 0, &value, &text), 0x101);
+    EXPECT_EQ(para_get_video_member("size", 0, &value, &text), present_as_name);
     EXPECT_EQ(value, 17);
     EXPECT_STREQ(text, "PIC_HD1080");
-    EXPECT_EQ(para_get_video_member("size", 0, &value, nullptr), 0x101);
-    EXPECT_EQ(para_get_video_member("size", 1, &value, &text), 0x81);
+    EXPECT_EQ(para_get_video_member("size", 0, &value, nullptr), present_as_name);
+    EXPECT_EQ(para_get_video_member("size", 1, &value, &text), present_as_number);
     EXPECT_EQ(value, 16);
     EXPECT_EQ(text, nullptr);
     for (const char *name : {"siz", "sizes", "Size", "", "gopX"}) {
@@ -180,7 +181,8 @@ TEST_F(VideoQuery, EveryMemberCanBeLookedUpAndSetByName)
     for (const accessors &member : all_members) {
         const bool named = name_counts.count(member.key) != 0;
         int value = 77;
-        EXPECT_EQ(para_get_video_member(member.key, 0, &value, nullptr), named ? 0x101 : 0x81);
+        EXPECT_EQ(para_get_video_member(member.key, 0, &value, nullptr),
+                  named ? present_as_name : present_as_number);
         EXPECT_EQ(value, member.cur(0)) << member.key;
         if (named)
             continue;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "modules/fixed/presence.h"
 #include "modules/fixed/video_fixture.h"
 
 using testing::ElementsAre;
@@ -16,10 +17,10 @@ using VideoStart = Video;
 TEST_F(VideoStart, EveryMemberOfEveryStreamHasTheValuesOfItsFiles)
 {
     std::vector<std::string> range(6, "{"), def(6, "{"), cur(6, "{");
-    for (int stream = 0; stream < 6; stream++) {
+    for (int stream = 0; stream < PARA_VIDEO_STREAMS; stream++) {
         const auto at = static_cast<size_t>(stream);
         for (const accessors &member : all_members) {
-            const int slot = stream * stream_slots + member.slot;
+            const int slot = stream * PARA_VIDEO_STREAM_SLOTS + member.slot;
             const std::string key = std::string("'") + member.key + "':";
             range[at] += key + "[" + std::to_string(slot) + "," + std::to_string(slot + 200) + "],";
             def[at] += key + std::to_string(slot + 100) + ",";
@@ -30,15 +31,15 @@ TEST_F(VideoStart, EveryMemberOfEveryStreamHasTheValuesOfItsFiles)
     write_data("video_cur.json", streams_of(cur));
     EXPECT_EQ(init(streams_of(range), streams_of(def)), 0);
     EXPECT_EQ(para_get_video_streamNum(), 6);
-    for (int stream = 0; stream < 6; stream++) {
+    for (int stream = 0; stream < PARA_VIDEO_STREAMS; stream++) {
         for (const accessors &member : all_members) {
-            const int slot = stream * stream_slots + member.slot;
+            const int slot = stream * PARA_VIDEO_STREAM_SLOTS + member.slot;
             EXPECT_EQ(member.min(stream), slot) << member.key;
             EXPECT_EQ(member.max(stream), slot + 200) << member.key;
             EXPECT_EQ(member.def(stream), slot + 100) << member.key;
             EXPECT_EQ(member.cur(stream), slot + 50) << member.key;
             EXPECT_EQ(member.init(stream), slot + 50) << member.key;
-            EXPECT_EQ(para_video_exist[slot], 0x81);
+            EXPECT_EQ(para_video_exist[slot], present_as_number);
             EXPECT_EQ(para_video_cur[slot], slot + 50);
         }
     }
@@ -135,7 +136,7 @@ TEST_F(VideoStart, NamesInFilesMayBeCutShortAndTheLastFittingOneWins)
     EXPECT_EQ(para_get_video_protocol_def(0), 1);
     EXPECT_EQ(para_get_video_size_def(0), 45) << "PIC_720_576 is the last that begins so";
     EXPECT_EQ(para_get_video_rcMode_def(0), 4);
-    EXPECT_EQ(para_video_exist[5], 0x101);
+    EXPECT_EQ(para_video_exist[PARA_VIDEO_bitRate], present_as_name);
 }
 
 TEST_F(VideoStart, MoreThanSixStreamsAreSix)

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "modules/fixed/presence.h"
 #include "modules/fixed/video_fixture.h"
 
 using testing::ElementsAre;
@@ -61,7 +62,7 @@ TEST_F(VideoStreams, AnOnlySecondStreamIsStreamZeroWithoutAnything)
 TEST_F(VideoStreams, CountItselfIsLetThrough)
 {
     init(2);
-    para_video_max[2 * stream_slots + 6] = 123;
+    para_video_max[2 * PARA_VIDEO_STREAM_SLOTS + PARA_VIDEO_gop] = 123;
     for (const accessors &member : all_members) {
         EXPECT_EQ(member.def(2), 0) << member.key;
         EXPECT_EQ(member.min(2), 0) << member.key;
@@ -69,8 +70,8 @@ TEST_F(VideoStreams, CountItselfIsLetThrough)
         EXPECT_EQ(member.cur(2), -1) << "not present";
         EXPECT_EQ(member.init(2), -1);
     }
-    para_video_exist[2 * stream_slots + 6] = 0x81;
-    para_video_cur[2 * stream_slots + 6] = 45;
+    para_video_exist[2 * PARA_VIDEO_STREAM_SLOTS + PARA_VIDEO_gop] = present_as_number;
+    para_video_cur[2 * PARA_VIDEO_STREAM_SLOTS + PARA_VIDEO_gop] = 45;
     EXPECT_EQ(para_get_video_gop_cur(2), 45) << "presence decides";
     EXPECT_EQ(_para_set_video_gop_cur(2, 50), 0) << "setters take streams in use alone";
 }

@@ -147,8 +147,8 @@ TEST_F(JsonSlots, WithoutDefaultsTheRangeIsThereAndEverySetIsRefused)
     unlink((home + "/panel.conf").c_str());
     para_init_misc("json");
     para_init_misc("panel");
-    EXPECT_EQ(peek_json_enum_type("panel", "brightness"), 8);
-    EXPECT_EQ(peek_json_enum_type("panel", "mode"), 16);
+    EXPECT_EQ(peek_json_enum_type("panel", "brightness"), PARA_KIND_NUMBER);
+    EXPECT_EQ(peek_json_enum_type("panel", "mode"), PARA_KIND_ENUM);
     EXPECT_EQ(para_get_json_max("panel", "brightness"), 100);
     EXPECT_STREQ(para_get_json_emum_str("panel", "mode", 2), "auto");
     EXPECT_EQ(para_get_json_cur("panel", "brightness"), -1) << "the current file was not read";

@@ -20,9 +20,9 @@ TEST_F(JsonRange, TheFirstElementDecidesTheKind)
     init("{'n':[0,1],'e':['a','b'],'n_then_text':[0,'a'],'e_then_number':['a',0],'one':[5],"
          "'three':[1,2,3]}");
     for (const char *member : {"n", "n_then_text", "one", "three"})
-        EXPECT_EQ(peek_json_enum_type("panel", member), 8) << member;
+        EXPECT_EQ(peek_json_enum_type("panel", member), PARA_KIND_NUMBER) << member;
     for (const char *member : {"e", "e_then_number"})
-        EXPECT_EQ(peek_json_enum_type("panel", member), 16) << member;
+        EXPECT_EQ(peek_json_enum_type("panel", member), PARA_KIND_ENUM) << member;
 }
 
 TEST_F(JsonRange, WithoutAnElementTheKindIsZeroAndTraced)
@@ -52,8 +52,8 @@ TEST_F(JsonRange, AnotherFirstElementIsKindZeroAndTraced)
 
 TEST_F(JsonRange, KindsOfArrays)
 {
-    EXPECT_EQ(peek_array_enum_type(parse("[3,4]").get()), 8);
-    EXPECT_EQ(peek_array_enum_type(parse("['3','4']").get()), 16);
+    EXPECT_EQ(peek_array_enum_type(parse("[3,4]").get()), PARA_KIND_NUMBER);
+    EXPECT_EQ(peek_array_enum_type(parse("['3','4']").get()), PARA_KIND_ENUM);
     EXPECT_THAT(traces(), IsEmpty());
     EXPECT_EQ(peek_array_enum_type(nullptr), 0);
     EXPECT_EQ(peek_array_enum_type(parse("[]").get()), 0);
