@@ -31,6 +31,7 @@ TEST_F(AfSave, IsDueAtTwoThousandMilliseconds)
 TEST_F(AfSave, IsDueTwoSecondsAfterTheLastChange)
 {
     init();
+    stop_clock();
     EXPECT_EQ(para_need_save_af("af"), 0);
     move_clock(5000);
     EXPECT_EQ(para_need_save_af("af"), 0) << "nothing has changed";
@@ -39,9 +40,9 @@ TEST_F(AfSave, IsDueTwoSecondsAfterTheLastChange)
     EXPECT_EQ(para_need_save_af("af"), 0);
     move_clock(1500);
     para_set_af_zoom_value_cur(300);
-    move_clock(1500);
+    move_clock(1999);
     EXPECT_EQ(para_need_save_af("af"), 0) << "the second change begins the delay again";
-    move_clock(501);
+    move_clock(1);
     EXPECT_EQ(para_need_save_af("af"), 1);
     EXPECT_EQ(para_need_save_af("af"), 1) << "until it is saved";
     EXPECT_EQ(para_save_af("af"), 0);

@@ -55,20 +55,22 @@ TEST_F(AfSetter, TheCurrentValueAgainIsNoChange)
 TEST_F(AfSetter, TheCurrentValueAgainDoesNotPostponeTheSave)
 {
     init();
+    stop_clock();
     para_set_af_zoom_value_cur(200);
     move_clock(1500);
     para_set_af_zoom_value_cur(200);
-    move_clock(501);
+    move_clock(500);
     EXPECT_EQ(para_need_save_af("af"), 1);
 }
 
 TEST_F(AfSetter, RefusedValueDoesNotPostponeTheSave)
 {
     init();
+    stop_clock();
     para_set_af_zoom_value_cur(200);
     move_clock(1500);
     para_set_af_focus_mode_cur(para_get_af_focus_mode_max() + 1);
-    move_clock(501);
+    move_clock(500);
     EXPECT_EQ(para_need_save_af("af"), 1);
 }
 

@@ -79,12 +79,13 @@ TEST_F(AudioSave, WhatIsSavedIsLoadedAgain)
 TEST_F(AudioSave, IsDueAfterItsDelay)
 {
     init();
+    stop_clock();
     EXPECT_FALSE(due());
     para_set_audio_mute_cur(1);
     EXPECT_FALSE(due());
-    move_clock(1900);
+    move_clock(1999);
     EXPECT_FALSE(due());
-    move_clock(101);
+    move_clock(1);
     EXPECT_TRUE(due());
     saved();
     EXPECT_FALSE(due());
@@ -93,10 +94,11 @@ TEST_F(AudioSave, IsDueAfterItsDelay)
 TEST_F(AudioSave, TheDelayCanBeSet)
 {
     init();
+    stop_clock();
     para_set_audio_mute_cur(1);
     EXPECT_EQ(platformparam_set_save_param_time(500, 9000), 0);
     EXPECT_EQ(audio_save_param_time, 500);
-    move_clock(501);
+    move_clock(500);
     EXPECT_TRUE(due());
     EXPECT_EQ(para_set_audio_save_param_time(5000), 0);
     EXPECT_FALSE(due());
@@ -109,13 +111,14 @@ TEST_F(AudioSave, TheDelayCanBeSet)
 TEST_F(AudioSave, HostDrivenSaveGoesByTheModulesDelay)
 {
     init();
+    stop_clock();
     para_set_audio_mute_cur(1);
-    move_clock(1000);
-    for (const int argument : {0, -1, 500, 100000}) {
+    move_clock(1999);
+    for (const int argument : {0, -1, 500, 1999, 100000}) {
         EXPECT_EQ(save_cur_audio_param_delay(argument), 0);
         EXPECT_FALSE(read_data("audio_cur.json")) << argument;
     }
-    move_clock(1001);
+    move_clock(1);
     EXPECT_EQ(save_cur_audio_param_delay(100000), 0);
     EXPECT_TRUE(read_data("audio_cur.json"));
     EXPECT_FALSE(due());

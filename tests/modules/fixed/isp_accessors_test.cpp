@@ -127,6 +127,7 @@ TEST_F(IspSetter, RefusesWhatIsOutsideTheRangeOrCurrent)
 TEST_F(IspSetter, ARefusedValueDoesNotPostponeTheSave)
 {
     init();
+    stop_clock();
     para_set_isp_shutter_cur(0, 5);
     move_clock(2000);
     para_set_isp_shutter_cur(0, 5);

@@ -37,6 +37,7 @@ TEST_F(IspRestore, MakesEveryDefaultCurrentInBothRecords)
 TEST_F(IspRestore, IsDueAtOnceWhenTheLastChangeIsOld)
 {
     init();
+    stop_clock();
     para_isp_cur_restore_isp_def();
     EXPECT_TRUE(due()) << "nothing was ever changed";
     saved();
@@ -45,10 +46,10 @@ TEST_F(IspRestore, IsDueAtOnceWhenTheLastChangeIsOld)
     saved();
     para_isp_cur_restore_isp_def();
     EXPECT_FALSE(due()) << "the time of the last change stands";
-    move_clock(1900);
+    move_clock(1999);
     para_isp_cur_restore_isp_def();
     EXPECT_FALSE(due());
-    move_clock(100);
+    move_clock(1);
     EXPECT_TRUE(due());
 }
 

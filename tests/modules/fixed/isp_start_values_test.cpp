@@ -54,15 +54,16 @@ TEST_F(IspStart, AStyleValueOfAnotherTypeIsPresentAsZero)
 TEST_F(IspStart, SavedStyleThatDiffersIsOneChange)
 {
     write_data("isp_cur.json", "{'isp0':{'shutter':5,'style':1}}");
+    stop_clock();
     EXPECT_EQ(init(), 0);
     ASSERT_EQ(notifications.size(), 1U);
     EXPECT_EQ(notifications[0].setter, para_set_isp_style_cur);
     EXPECT_EQ(notifications[0].instance, 0);
     EXPECT_EQ(notifications[0].value, 1);
     EXPECT_FALSE(due());
-    move_clock(1900);
+    move_clock(1999);
     EXPECT_FALSE(due());
-    move_clock(100);
+    move_clock(1);
     EXPECT_TRUE(due());
 }
 

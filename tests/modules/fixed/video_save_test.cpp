@@ -67,11 +67,12 @@ TEST_F(VideoSave, WithoutStreamsTheFileIsTheEmptyObject)
 TEST_F(VideoSave, IsDueAfterItsDelay)
 {
     init(2);
+    stop_clock();
     EXPECT_FALSE(due());
     para_set_video_gop_cur(1, 7);
-    move_clock(1900);
+    move_clock(1999);
     EXPECT_FALSE(due());
-    move_clock(101);
+    move_clock(1);
     EXPECT_TRUE(due());
     platformparam_set_save_param_time(0, 5000);
     EXPECT_EQ(video_save_param_time, 5000);
@@ -85,9 +86,10 @@ TEST_F(VideoSave, IsDueAfterItsDelay)
 TEST_F(VideoSave, HostDrivenSaveGoesByItsArgument)
 {
     init(1);
+    stop_clock();
     para_set_video_gop_cur(0, 7);
     move_clock(1000);
-    for (const int argument : {-1, -100, 1900, INT_MAX}) {
+    for (const int argument : {-1, -100, 1001, 1900, INT_MAX}) {
         EXPECT_EQ(save_cur_video_param_delay(argument), 0);
         EXPECT_FALSE(read_data("video_cur.json")) << argument;
     }
@@ -101,7 +103,7 @@ TEST_F(VideoSave, HostDrivenSaveGoesByItsArgument)
     EXPECT_TRUE(read_data("video_cur.json")) << "at once";
 
     para_set_video_gop_cur(0, 9);
-    move_clock(2001);
+    move_clock(2000);
     unlink((data + "/video_cur.json").c_str());
     save_cur_video_param_delay(-1);
     EXPECT_TRUE(read_data("video_cur.json")) << "by the module's delay";

@@ -160,6 +160,7 @@ TEST_F(OdmSetter, ThePresentValueDoesNothing)
 TEST_F(OdmSetter, ThePresentValueDoesNotPostponeTheSave)
 {
     init("{'version':1}");
+    stop_clock();
     para_set_odm_int("number", 5);
     para_set_odm_string("text", "x");
     move_clock(2000);
