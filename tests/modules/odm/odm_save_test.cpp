@@ -1,10 +1,13 @@
 // Saving the ODM store.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
-#include <cstdio>
+#include <atomic>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <thread>
 
 #include "modules/odm/odm_fixture.h"
 
@@ -126,6 +129,66 @@ TEST_F(OdmSave, WhatIsSavedIsLoadedAgain)
     EXPECT_EQ(number("number"), "-5");
     EXPECT_EQ(text("text"), "gr\xc3\xbc\xc3\x9f \\ \"'\n");
     EXPECT_EQ(saved(), bytes);
+}
+
+// The store's printing as cJSON shows it, by the first memory that it asks for.
+static std::atomic<bool> watched{false}, printing{false}, print_may_go_on{false};
+
+static void *allocate(size_t size)
+{
+    if (watched.exchange(false)) {
+        printing = true;
+        wait_until([] { return print_may_go_on.load(); });
+    }
+    return malloc(size);
+}
+
+static void watch_printing()
+{
+    cJSON_Hooks hooks = {allocate, free};
+    cJSON_InitHooks(&hooks);
+    watched = true;
+}
+
+TEST_F(OdmSave, AChangeThatIsStampedDuringThePrintStaysMarked)
+{
+    static std::atomic<bool> about_to_stamp{false};
+    para_profile.odm_set_notify_hook = [](const char *) {
+        about_to_stamp = true;
+        wait_until([] { return printing.load(); });
+    };
+    init("{'version':1}");
+    std::thread host([] {
+        para_set_odm_int("mine", 5);
+        print_may_go_on = true;
+    });
+    EXPECT_TRUE(wait_until([] { return about_to_stamp.load(); }));
+    watch_printing();
+    para_save_odm("odmInter");
+    host.join();
+    cJSON_InitHooks(nullptr);
+    EXPECT_TRUE(printing);
+    EXPECT_TRUE(change_pending());
+}
+
+TEST_F(OdmSave, AChangeDuringTheWriteStaysMarked)
+{
+    init();
+    para_set_odm_int("mine", 5);
+    std::filesystem::create_directory(data + "/persist");
+    const std::string path = data + "/persist/odm.json";
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    print_may_go_on = true;
+    watch_printing();
+    std::thread saver([] { para_save_odm("odmInter"); }); // waits for a reader
+    EXPECT_TRUE(wait_until([] { return printing.load(); }));
+    para_set_odm_int("mine", 6); // once the document is printed
+
+    const std::string written = read_file(path).value_or("none");
+    saver.join();
+    cJSON_InitHooks(nullptr);
+    EXPECT_THAT(written, testing::HasSubstr("\"mine\":\t5"));
+    EXPECT_TRUE(change_pending());
 }
 
 TEST_F(OdmSave, TheThreadSavesAChange)
