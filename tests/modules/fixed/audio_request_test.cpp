@@ -7,6 +7,7 @@
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 using AudioQuery = Audio;
 using AudioSetRequest = Audio;
@@ -108,6 +109,15 @@ TEST_F(AudioSetRequest, TellsTheRequestHookOnceAndNoNotifyHook)
     para_profile.audio_set_request_hook = nullptr;
     change("{'mute':0}");
     EXPECT_EQ(para_get_audio_mute_cur(), 0);
+}
+
+TEST_F(AudioSetRequest, OneChangedMemberIsEnoughWhereverItStands)
+{
+    init(named_defaults);
+    change("{'sampleRate':8000,'mute':0}");
+    EXPECT_THAT(requests, SizeIs(1));
+    change("{'aeFormat':'G711A','mute':0,'unknown':1}");
+    EXPECT_THAT(requests, SizeIs(2));
 }
 
 TEST_F(AudioSetRequest, TheOtherFormIsRefused)

@@ -76,6 +76,20 @@ TEST_F(IspAntiflickerDefault, IsKeptInTheOdmStore)
     EXPECT_FALSE(change_pending()) << "no current value changed";
 }
 
+TEST_F(IspAntiflickerDefault, IsStoredOnceTheOdmStoreHasBeenTold)
+{
+    static int default_in_hook, stored_in_hook;
+    para_profile.odm_set_notify_hook = [](const char *key) {
+        default_in_hook = para_get_isp_antiflicker_def(0);
+        para_get_odm_int(key, &stored_in_hook);
+    };
+    init();
+    para_set_isp_antiflicker_def(0, 50);
+    EXPECT_EQ(default_in_hook, 112) << "the default before the change";
+    EXPECT_EQ(stored_in_hook, 50);
+    EXPECT_EQ(para_get_isp_antiflicker_def(0), 50);
+}
+
 TEST_F(IspAntiflickerDefault, TakesTheWholeRangeAndNoMore)
 {
     init();

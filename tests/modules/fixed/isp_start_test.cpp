@@ -260,6 +260,14 @@ TEST_F(IspStart, DumpsPresentMembers)
                             "--------------------------------\n\n"));
 }
 
+TEST_F(IspStart, DumpsTheOdmValueOfADefault)
+{
+    write_odm("{'version':1,'isp0_antiflicker_def':50}");
+    init();
+    EXPECT_EQ(
+        count_traces("     antiflicker : cur:[112],\tdef:[50],\trange:[-12,1012]", "isp_page"), 1);
+}
+
 TEST_F(IspStart, DumpsEveryInstance)
 {
     remove_home("isp_def.json");
