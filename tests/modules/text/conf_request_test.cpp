@@ -31,6 +31,15 @@ TEST_F(ConfSetRequest, TellsTheUpdateHookOnceWithTheRow)
     EXPECT_THAT(members_told, IsEmpty());
 }
 
+TEST_F(ConfSetRequest, OneChangedMemberIsEnoughWhereverItStands)
+{
+    init();
+    change("{'port':'8080','rtsp':'554'}");
+    EXPECT_THAT(updates_told, ElementsAre("netport"));
+    change("{'rtsp':'1','port':'8080','name':5}");
+    EXPECT_THAT(updates_told, ElementsAre("netport", "netport"));
+}
+
 TEST_F(ConfSetRequest, OtherTypesAreSkippedWithoutATrace)
 {
     init();

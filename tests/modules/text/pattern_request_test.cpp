@@ -50,6 +50,15 @@ TEST_F(JsonSetRequest, TheOtherMembersAreStillApplied)
     EXPECT_THAT(requests, SizeIs(1));
 }
 
+TEST_F(JsonSetRequest, OneChangedMemberIsEnoughWhereverItStands)
+{
+    init();
+    change("{'brightness':8,'mode':'on'}");
+    EXPECT_THAT(requests, SizeIs(1));
+    change("{'mode':'auto','brightness':8,'single':'none','nothing':1}");
+    EXPECT_THAT(requests, SizeIs(2));
+}
+
 TEST_F(JsonSetRequest, TellsTheHookOnceWithRowAndItem)
 {
     init();
