@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "runtime/module_row.h"
+#include "runtime/thread_state.h"
 #include "support/store.h"
 
 using testing::ElementsAre;
@@ -191,11 +192,15 @@ TEST_F(SaveThread, AForcedPassWaitsForADuePass)
     start_store();
     ASSERT_TRUE(wait_until([] { return saves_under_way == 1; }));
 
+    std::atomic<pid_t> forcing{0};
     std::atomic<bool> forced_ended{false};
     std::thread host([&] {
+        forcing = gettid();
         platformparam_save();
         forced_ended = true;
     });
+    EXPECT_TRUE(wait_until([&] { return saved == 2 || (forcing != 0 && stays_asleep(forcing)); }))
+        << "neither waits nor goes on";
     EXPECT_FALSE(forced_ended);
     EXPECT_EQ(saved, 1);
     save_may_end = true;
@@ -204,11 +209,17 @@ TEST_F(SaveThread, AForcedPassWaitsForADuePass)
     EXPECT_EQ(most_at_once, 1);
 }
 
-TEST_F(SaveThread, AnswersWhileItSaves)
+TEST_F(SaveThread, AnswersAfterASaveWhatCameInDuringIt)
 {
-    start_store();
+    row.save = slow_save;
     due = true;
-    Client client;
-    EXPECT_EQ(client.ask("{'msg_type':'get','msg_id':1}"), "{'msg_id':1}");
-    EXPECT_TRUE(wait_until([] { return saved == 1; }));
+    start_store();
+    ASSERT_TRUE(wait_until([] { return saves_under_way == 1; }));
+    Client first, second;
+    first.send("{\"msg_type\":\"get\",\"msg_id\":1}");
+    second.send("{\"msg_type\":\"get\",\"msg_id\":2}");
+    EXPECT_FALSE(first.receive(0)) << "the thread that answers is the one that saves";
+    save_may_end = true;
+    EXPECT_EQ(first.receive(), "{\n\t\"msg_id\":\t1\n}");
+    EXPECT_EQ(second.receive(), "{\n\t\"msg_id\":\t2\n}");
 }
