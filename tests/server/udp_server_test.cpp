@@ -105,13 +105,21 @@ TEST_F(Server, AnEmptyDatagramIsIgnored)
 
 TEST_F(Server, SurvivesEveryLengthOfRubbish)
 {
-    std::string rubbish;
-    for (int i = 0; i < 4200; i++)
-        rubbish += static_cast<char>(i * 7919 >> 3);
-    for (size_t length = 1; length <= rubbish.size(); length += 61) {
-        client.send(rubbish.substr(0, length));
+    // Bytes of every kind but zero, which would end the text, and a request that breaks off.
+    std::string rubbish, request = "{\"msg_type\":\"get\"";
+    for (int i = 0; rubbish.size() < PARA_MESSAGE_MAX + 100; i++)
+        rubbish += static_cast<char>((i * 7919 >> 3) % 255 + 1);
+    while (request.size() < rubbish.size())
+        request += ",\"af\":[[\"\\u00e9\",-1.5e+7,{\"zoom_value\":[true,null]}]]";
+    int sent = 0;
+    for (size_t length = 1; length <= rubbish.size(); length++) {
+        for (const std::string &text : {rubbish, request}) {
+            client.send(text.substr(0, length));
+            sent++;
+        }
         ASSERT_TRUE(client.stays_silent()) << length;
     }
+    EXPECT_EQ(traces_of("para_server_message_Process").size(), static_cast<size_t>(sent));
 }
 
 TEST_F(Server, TextOfAnEarlierDatagramDoesNotLeakIntoAShorterOne)
