@@ -93,7 +93,7 @@ int describe_command(int mode, para_message *message, cJSON **reply)
 {
     const json_ptr request = parse_request(*message);
     const cJSON *const list = cJSON_GetObjectItemCaseSensitive(data_of(request), "modules");
-    if (mode != API_GET || (list != nullptr && !cJSON_IsArray(list)))
+    if (mode != PARA_GET || (list != nullptr && !cJSON_IsArray(list)))
         return -1;
 
     const json_ptr answer = start_reply(request);

@@ -11,9 +11,6 @@
 
 namespace {
 
-// In which form a member is exchanged; the presence words say so.
-enum { AS_NUMBER = 0x80, AS_NAME = 0x100 };
-
 // One place of the parameter tables.
 struct member_values {
     int exist, min, max, def, cur;
@@ -68,11 +65,11 @@ cJSON *name_node(const named_member &member, int value)
 void add_named_member(cJSON *members, const named_member &member, const member_values &values)
 {
     const bool has_names = member.value_name != nullptr;
-    if ((values.exist & AS_NUMBER) != 0) {
+    if ((values.exist & PARA_PRESENT_AS_NUMBER) != 0) {
         cJSON *const added = add_number(members, member.name, values);
         if (has_names)
             mark_read_only(added);
-    } else if ((values.exist & AS_NAME) != 0 && has_names) {
+    } else if ((values.exist & PARA_PRESENT_AS_NAME) != 0 && has_names) {
         cJSON *const added = add_enum_member(members, member.name, names_of(member, values));
         add_values(added, name_node(member, values.def), name_node(member, values.cur));
     }
@@ -119,7 +116,7 @@ json_ptr describe_video(const char *module)
     json_ptr members(cJSON_CreateObject());
     for (const named_member &member : video_members)
         add_named_member(members.get(), member,
-                         video_values(stream * video_member_count + member.slot));
+                         video_values(stream * PARA_VIDEO_STREAM_SLOTS + member.slot));
     return members;
 }
 

@@ -5,9 +5,6 @@
 
 namespace {
 
-// Kinds, as peek_json_enum_type() tells them.
-enum { NUMBER_MEMBER = 8, ENUM_MEMBER = 16 };
-
 std::vector<std::string> names_of(const char *module, const char *member)
 {
     std::vector<std::string> names;
@@ -21,10 +18,10 @@ std::vector<std::string> names_of(const char *module, const char *member)
 cJSON *add_json_member(cJSON *members, const char *module, const char *name)
 {
     switch (peek_json_enum_type(module, name)) {
-    case NUMBER_MEMBER:
+    case PARA_KIND_NUMBER:
         return add_number_member(members, name, para_get_json_min(module, name),
                                  para_get_json_max(module, name));
-    case ENUM_MEMBER:
+    case PARA_KIND_ENUM:
         return add_enum_member(members, name, names_of(module, name));
     default:
         return nullptr;

@@ -47,7 +47,7 @@ int lens_command(int mode, para_message *message, cJSON **reply)
 {
     const json_ptr request = parse_request(*message);
     const cJSON *const data = data_of(request);
-    if (mode != API_SET || data == nullptr)
+    if (mode != PARA_SET || data == nullptr)
         return -1;
 
     json_ptr answer = start_reply(request);

@@ -67,9 +67,9 @@ bool port_is_free()
 {
     const int error = probe_server_port();
     if (error == EADDRINUSE)
-        log_line("UDP port %d is taken; does another host process run?", server_port);
+        log_line("UDP port %d is taken; does another host process run?", PARA_SERVER_PORT);
     else if (error != 0)
-        log_line("cannot bind UDP port %d: %s", server_port, strerror(error));
+        log_line("cannot bind UDP port %d: %s", PARA_SERVER_PORT, strerror(error));
     return error == 0;
 }
 
@@ -89,7 +89,7 @@ bool start_server(const options &chosen)
     }
     if (chosen.share && !publish_share_maps())
         log_line("cannot publish the shared memory; client processes find nothing to attach");
-    log_line("ready on UDP port %d, home %s, data %s", server_port, chosen.home.c_str(),
+    log_line("ready on UDP port %d, home %s, data %s", PARA_SERVER_PORT, chosen.home.c_str(),
              chosen.data.c_str());
     return true;
 }

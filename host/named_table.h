@@ -21,8 +21,3 @@ inline constexpr named_member video_members[] = {
 #define VIDEO_NAMED_MEMBER(slot, name) {#name, slot, para_get_video_##name##_str},
 #include "camparam/video_members.def"
 };
-
-// Members of one stream, and streams in the tables.
-constexpr int video_member_count = sizeof video_members / sizeof *video_members;
-constexpr int video_stream_count =
-    sizeof para_video_cur / sizeof *para_video_cur / video_member_count;

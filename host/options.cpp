@@ -2,6 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <string>
+
+#include "camparam/command.h"
 #include "camparam/control.h"
 
 bool read_options(int argc, char **argv, options &chosen, int &exit_status)
@@ -11,8 +14,10 @@ bool read_options(int argc, char **argv, options &chosen, int &exit_status)
     chosen.home = para_profile.home_dir;
     chosen.data = para_profile.data_dir;
 
-    CLI::App app("The camera's parameter store: serves settings on UDP port 6800 and saves them.\n"
-                 "SIGTERM and SIGINT save every setting and end it.",
+    CLI::App app("The camera's parameter store: serves settings on UDP port " +
+                     std::to_string(PARA_SERVER_PORT) +
+                     " and saves them.\n"
+                     "SIGTERM and SIGINT save every setting and end it.",
                  "camparamd");
     app.set_version_flag("--version", "camparamd " CAMPARAM_VERSION);
     app.add_option("--home", chosen.home, "Folder of the read-only files: ranges, defaults")

@@ -6,6 +6,8 @@
 
 #include <cerrno>
 
+#include "camparam/command.h"
+
 int probe_server_port()
 {
     const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
@@ -14,7 +16,7 @@ int probe_server_port()
 
     sockaddr_in address = {};
     address.sin_family = AF_INET;
-    address.sin_port = htons(server_port);
+    address.sin_port = htons(PARA_SERVER_PORT);
     address.sin_addr.s_addr = htonl(INADDR_ANY);
     const int result =
         bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address);

@@ -42,7 +42,7 @@ int reload_command(int mode, para_message *message, cJSON **reply)
 {
     const json_ptr request = parse_request(*message);
     const char *const module = module_of(data_of(request));
-    if (mode != API_SET || module == nullptr || !is_conf_module(module) || reload(module) != 0)
+    if (mode != PARA_SET || module == nullptr || !is_conf_module(module) || reload(module) != 0)
         return -1;
 
     *reply = start_reply(request).release();

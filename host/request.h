@@ -7,9 +7,6 @@
 
 #include "camparam/command.h"
 
-// How the store tells a command what kind of request it got.
-enum { API_GET = 0, API_SET = 1 };
-
 struct json_delete {
     void operator()(cJSON *node) const { cJSON_Delete(node); }
 };

@@ -63,7 +63,7 @@ void apply(const share_target &target, const para_share_datagram &datagram)
 
     const json_ptr request(cJSON_CreateObject());
     cJSON *const item = cJSON_AddObjectToObject(request.get(), key.c_str());
-    if (datagram.type == 0)
+    if (datagram.type == PARA_SHARE_NUMBER)
         cJSON_AddNumberToObject(item, datagram.member, datagram.number);
     else
         cJSON_AddStringToObject(item, datagram.member, datagram.text);

@@ -2,35 +2,36 @@
 
 #include <sys/mman.h>
 
-#include <string>
+#include <cstdio>
 
+#include "camparam/audio.h"
 #include "camparam/isp.h"
 #include "camparam/share.h"
-#include "named_table.h"
+#include "camparam/video.h"
 
 namespace {
 
-constexpr int header_words = 3; // registered, entry count, entry size
-
 struct shared_table {
+    share_module module;
     const int *values;
     int entries;
     int entry_words;
-    int *map; // null: not published
+    para_share_map *map; // null: not published
 };
 
-// In the order of the share modules' numbers; main thread only.
+// Main thread only.
 shared_table tables[] = {
-    {para_video_cur, video_stream_count, video_member_count, nullptr},
-    {para_audio_cur, 1, sizeof para_audio_cur / sizeof(int), nullptr},
-    {&para_isp_cur[0].size, 2, sizeof(isp_record) / sizeof(int), nullptr},
+    {SHARE_VIDEO, para_video_cur, PARA_VIDEO_STREAMS, PARA_VIDEO_STREAM_SLOTS, nullptr},
+    {SHARE_AUDIO, para_audio_cur, 1, PARA_AUDIO_SLOTS, nullptr},
+    {SHARE_ISP, &para_isp_cur[0].size, PARA_ISP_INSTANCES, PARA_ISP_WORDS, nullptr},
 };
 
 void refresh(const shared_table &table)
 {
+    int *const words = reinterpret_cast<int *>(table.map + 1);
     for (int i = 0; i < table.entries * table.entry_words; i++) {
         const int value = __atomic_load_n(&table.values[i], __ATOMIC_RELAXED);
-        __atomic_store_n(&table.map[header_words + i], value, __ATOMIC_RELAXED);
+        __atomic_store_n(&words[i], value, __ATOMIC_RELAXED);
     }
 }
 
@@ -38,10 +39,10 @@ void refresh(const shared_table &table)
 
 bool publish_share_maps()
 {
-    int module = 0;
     for (shared_table &table : tables) {
         const int entry_size = table.entry_words * static_cast<int>(sizeof(int));
-        table.map = static_cast<int *>(para_share_publish(module++, table.entries, entry_size));
+        table.map = static_cast<para_share_map *>(
+            para_share_publish(table.module, table.entries, entry_size));
         if (table.map == nullptr)
             return false;
         refresh(table);
@@ -59,11 +60,12 @@ void refresh_share_maps()
 
 void withdraw_share_maps()
 {
-    int module = 0;
     for (shared_table &table : tables) {
-        const std::string name = "/camparam_share_" + std::to_string(module++);
-        if (table.map != nullptr)
-            shm_unlink(name.c_str());
+        if (table.map == nullptr)
+            continue;
+        char name[64];
+        snprintf(name, sizeof name, PARA_SHARE_MAP_NAME, table.module);
+        shm_unlink(name);
         table.map = nullptr;
     }
 }

@@ -96,7 +96,7 @@ int style_command(int mode, para_message *message, cJSON **reply)
 {
     const json_ptr request = parse_request(*message);
     json_ptr answer = start_reply(request);
-    if (mode == API_GET)
+    if (mode == PARA_GET)
         add_styles(answer.get());
     else if (set_style(data_of(request), answer.get()) != 0)
         return -1;
