@@ -29,7 +29,7 @@ template <typename item, typename builder, typename sender>
 void send_in_parts(const item *first, size_t count, const builder &build, const sender &send)
 {
     const json_ptr request = build(first, count);
-    if (count > 1 && print_line(request.get()).size() > max_request) {
+    if (count > 1 && print_line(request.get()).size() > PARA_MESSAGE_MAX) {
         send_in_parts(first, count / 2, build, send);
         send_in_parts(first + count / 2, count - count / 2, build, send);
         return;

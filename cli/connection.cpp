@@ -124,9 +124,9 @@ private:
 std::string exchange(const server_address &server, const std::string &request,
                      const std::function<bool(const std::string &answer)> &fits)
 {
-    if (request.size() > max_request)
+    if (request.size() > PARA_MESSAGE_MAX)
         throw failure(USAGE, "the request has " + std::to_string(request.size()) +
-                                 " bytes, the host takes " + std::to_string(max_request));
+                                 " bytes, the host takes " + std::to_string(PARA_MESSAGE_MAX));
 
     const datagram_socket socket(server);
     const auto timeout = std::chrono::duration_cast<steady_clock::duration>(

@@ -4,15 +4,14 @@
 #include <functional>
 #include <string>
 
+#include "camparam/command.h"
+
 struct server_address {
     std::string host = "127.0.0.1";
-    int port = 6800;
+    int port = PARA_SERVER_PORT;
     double timeout_s = 1; // for each request
     int retries = 2;      // further requests when no answer comes
 };
-
-// The longest request that the store receives.
-constexpr size_t max_request = 4096;
 
 // Sends a request, again whenever the time is over, and returns the first answer that fits. Uses a
 // socket of its own, so that a late answer is lost instead of being taken for the next one.

@@ -18,7 +18,7 @@ template <size_t size> void fill(char (&field)[size], const std::string &text)
 std::string datagram_of(const std::string &module, int instance, const assignment &value)
 {
     para_share_datagram datagram = {};
-    datagram.type = value.number ? 0 : 1;
+    datagram.type = value.number ? PARA_SHARE_NUMBER : PARA_SHARE_TEXT;
     datagram.instance = static_cast<uint32_t>(instance);
     if (value.number)
         datagram.number = *parse_int(value.value);
