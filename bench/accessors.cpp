@@ -27,7 +27,7 @@ constexpr double highest_set_ratio = 2.0;
 
 // The same read within this program, which is spared what crossing into a library costs: for the
 // record, not the measure.
-int own_values[66];
+int own_values[PARA_VIDEO_SLOTS];
 __attribute__((noinline)) int own_read(int slot)
 {
     // Volatile, so that every call reads the slot, as every call of a getter does.
@@ -43,7 +43,7 @@ template <typename body> double batch(body call)
     const clock::time_point start = clock::now();
     int sum = 0;
     for (int i = 0; i < calls_in_batch; i++)
-        sum += call(i);
+        sum += call();
     sink = sum;
     const std::chrono::duration<double, std::nano> spent = clock::now() - start;
     return spent.count() / calls_in_batch;
@@ -79,8 +79,8 @@ std::string make_device()
 struct subject {
     const char *name;
     double (*run)();
-    double highest_ratio; // 0: the measure of the others
-    std::vector<double> samples;
+    double highest_ratio = 0; // 0: not limited
+    std::vector<double> samples = {};
 };
 
 } // namespace
@@ -99,36 +99,31 @@ int main()
     }
 
     subject subjects[] = {
-        {"plain read", [] { return batch([](int) { return plain_read(6); }); }, 0, {}},
-        {"plain read, no library", [] { return batch([](int) { return own_read(6); }); }, 0, {}},
-        {"af get",
-         [] { return batch([](int) { return para_get_af_zoom_value_cur(); }); },
-         highest_get_ratio,
-         {}},
-        {"audio get",
-         [] { return batch([](int) { return para_get_audio_volLeftIn_cur(); }); },
-         highest_get_ratio,
-         {}},
-        {"video get",
-         [] { return batch([](int) { return para_get_video_bitRate_cur(0); }); },
-         highest_get_ratio,
-         {}},
-        {"af set, unchanged",
-         [] { return batch([](int) { return para_set_af_zoom_value_cur(100); }); },
-         highest_set_ratio,
-         {}},
-        {"af set, refused",
-         [] { return batch([](int) { return para_set_af_zoom_value_cur(-1); }); },
-         highest_set_ratio,
-         {}},
-        {"audio set, unchanged",
-         [] { return batch([](int) { return para_set_audio_volLeftIn_cur(50); }); },
-         highest_set_ratio,
-         {}},
-        {"video set, refused",
-         [] { return batch([](int) { return para_set_video_bitRate_cur(0, -1); }); },
-         highest_set_ratio,
-         {}},
+        {.name = "plain read",
+         .run = [] { return batch([] { return plain_read(PARA_AF_zoom_value); }); }},
+        {.name = "plain read, no library",
+         .run = [] { return batch([] { return own_read(PARA_AF_zoom_value); }); }},
+        {.name = "af get",
+         .run = [] { return batch([] { return para_get_af_zoom_value_cur(); }); },
+         .highest_ratio = highest_get_ratio},
+        {.name = "audio get",
+         .run = [] { return batch([] { return para_get_audio_volLeftIn_cur(); }); },
+         .highest_ratio = highest_get_ratio},
+        {.name = "video get",
+         .run = [] { return batch([] { return para_get_video_bitRate_cur(0); }); },
+         .highest_ratio = highest_get_ratio},
+        {.name = "af set, unchanged",
+         .run = [] { return batch([] { return para_set_af_zoom_value_cur(100); }); },
+         .highest_ratio = highest_set_ratio},
+        {.name = "af set, refused",
+         .run = [] { return batch([] { return para_set_af_zoom_value_cur(-1); }); },
+         .highest_ratio = highest_set_ratio},
+        {.name = "audio set, unchanged",
+         .run = [] { return batch([] { return para_set_audio_volLeftIn_cur(50); }); },
+         .highest_ratio = highest_set_ratio},
+        {.name = "video set, refused",
+         .run = [] { return batch([] { return para_set_video_bitRate_cur(0, -1); }); },
+         .highest_ratio = highest_set_ratio},
     };
     for (int i = 0; i < batches; i++) {
         for (subject &each : subjects)

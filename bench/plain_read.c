@@ -1,6 +1,6 @@
 #include "plain_read.h"
 
-int plain_values[66];
+int plain_values[PARA_VIDEO_SLOTS];
 
 int plain_read(int slot)
 {

@@ -30,7 +30,6 @@
 
 namespace {
 
-constexpr unsigned short store_port = 6800;
 constexpr int least_round_trips = 20000;
 constexpr double highest_ratio = 1.3;
 constexpr int zoom_value = 100;
@@ -117,7 +116,7 @@ char *bare_reply(const char *text)
 
 void serve_bare(int server, const std::atomic<bool> &stop)
 {
-    char text[4096 + 1];
+    char text[PARA_MESSAGE_MAX + 1];
     fd_set watched;
     FD_ZERO(&watched);
     FD_SET(server, &watched);
@@ -168,7 +167,7 @@ private:
 void start_store(const device &files)
 {
     // Start-up goes on without its port, so whether it is free is found out beforehand.
-    close(bound_socket(store_port));
+    close(bound_socket(PARA_SERVER_PORT));
     para_profile.home_dir = files.path();
     para_profile.data_dir = files.path();
     if (platformparam_init() != 0)
@@ -255,9 +254,9 @@ int main(int argc, char **argv)
 
     double ratio = 0;
     {
-        client warm_store(store_port), warm_bare(port_of(server));
+        client warm_store(PARA_SERVER_PORT), warm_bare(port_of(server));
         measure(warm_store, warm_bare, 1000);
-        client store(store_port), bare(port_of(server));
+        client store(PARA_SERVER_PORT), bare(port_of(server));
         measure(store, bare, round_trips);
         ratio = report(store, bare, round_trips);
     }
