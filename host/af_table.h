@@ -10,7 +10,8 @@ struct af_member {
 };
 
 inline constexpr af_member af_members[] = {
-#define AF_MEMBER(slot, name) {#name, slot, para_set_af_##name##_cur},
+#define AF_MEMBER(number, member)                                                                  \
+    {.name = #member, .slot = PARA_AF_##member, .set = para_set_af_##member##_cur},
 #include "camparam/af_members.def"
 };
 

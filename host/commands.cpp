@@ -4,9 +4,9 @@
 
 // The store searches from the last row to the first, and a request may abbreviate a name.
 static const param_command commands[] = {
-    {"describe", describe_command, nullptr}, {"lens", lens_command, nullptr},
-    {"reload", reload_command, nullptr},     {"save", save_command, nullptr},
-    {"style", style_command, nullptr},
+    {.name = "describe", .handler = describe_command}, {.name = "lens", .handler = lens_command},
+    {.name = "reload", .handler = reload_command},     {.name = "save", .handler = save_command},
+    {.name = "style", .handler = style_command},
 };
 
 int register_commands()

@@ -14,16 +14,16 @@ constexpr size_t longest_reply = 65507;
 struct module_kind {
     decltype(para_module::get_opt) get_opt;
     json_ptr (*describe)(const char *module);
-    const char *command; // which changes the module; null: a set request does
+    const char *command = nullptr; // which changes the module; null: a set request does
 };
 
 const module_kind kinds[] = {
-    {para_get_isp_opt, describe_isp, nullptr},
-    {para_get_af_opt, describe_af, "lens"},
-    {para_get_video_opt, describe_video, nullptr},
-    {para_get_audio_opt, describe_audio, nullptr},
-    {para_get_misc_opt, describe_json_module, nullptr},
-    {para_get_conf_opt, describe_conf_module, nullptr},
+    {.get_opt = para_get_isp_opt, .describe = describe_isp},
+    {.get_opt = para_get_af_opt, .describe = describe_af, .command = "lens"},
+    {.get_opt = para_get_video_opt, .describe = describe_video},
+    {.get_opt = para_get_audio_opt, .describe = describe_audio},
+    {.get_opt = para_get_misc_opt, .describe = describe_json_module},
+    {.get_opt = para_get_conf_opt, .describe = describe_conf_module},
 };
 
 const module_kind *kind_of(const para_module &row)

@@ -11,27 +11,48 @@
 
 namespace {
 
-// One place of the parameter tables.
+// A member's values in the parameter tables.
 struct member_values {
     int exist, min, max, def, cur;
 };
 
-member_values audio_values(int slot)
-{
-    return {para_audio_exist[slot], para_audio_min[slot], para_audio_max[slot],
-            para_audio_def[slot], para_audio_cur[slot]};
-}
+// The parameter tables of a module, by slot.
+struct parameter_tables {
+    const int *exist, *min, *max, *def, *cur;
 
-member_values video_values(int slot)
-{
-    return {para_video_exist[slot], para_video_min[slot], para_video_max[slot],
-            para_video_def[slot], para_video_cur[slot]};
-}
+    member_values at(int slot) const
+    {
+        return {.exist = exist[slot],
+                .min = min[slot],
+                .max = max[slot],
+                .def = def[slot],
+                .cur = cur[slot]};
+    }
+};
 
-member_values isp_values(int isp_record::*value)
+constexpr parameter_tables af_tables = {.exist = para_af_exist,
+                                        .min = para_af_min,
+                                        .max = para_af_max,
+                                        .def = para_af_def,
+                                        .cur = para_af_cur};
+constexpr parameter_tables audio_tables = {.exist = para_audio_exist,
+                                           .min = para_audio_min,
+                                           .max = para_audio_max,
+                                           .def = para_audio_def,
+                                           .cur = para_audio_cur};
+constexpr parameter_tables video_tables = {.exist = para_video_exist,
+                                           .min = para_video_min,
+                                           .max = para_video_max,
+                                           .def = para_video_def,
+                                           .cur = para_video_cur};
+
+member_values isp_values(int isp_record::*member)
 {
-    return {para_isp_exist[0].*value, para_isp_min[0].*value, para_isp_max[0].*value,
-            para_isp_def[0].*value, para_isp_cur[0].*value};
+    return {.exist = para_isp_exist[0].*member,
+            .min = para_isp_min[0].*member,
+            .max = para_isp_max[0].*member,
+            .def = para_isp_def[0].*member,
+            .cur = para_isp_cur[0].*member};
 }
 
 cJSON *add_number(cJSON *members, const char *name, const member_values &values)
@@ -90,11 +111,8 @@ json_ptr describe_af(const char *)
 {
     json_ptr members(cJSON_CreateObject());
     for (const af_member &member : af_members) {
-        const int slot = member.slot;
         if (is_present(member))
-            add_number(members.get(), member.name,
-                       {para_af_exist[slot], para_af_min[slot], para_af_max[slot],
-                        para_af_def[slot], para_af_cur[slot]});
+            add_number(members.get(), member.name, af_tables.at(member.slot));
     }
     return members;
 }
@@ -103,7 +121,7 @@ json_ptr describe_audio(const char *)
 {
     json_ptr members(cJSON_CreateObject());
     for (const named_member &member : audio_members)
-        add_named_member(members.get(), member, audio_values(member.slot));
+        add_named_member(members.get(), member, audio_tables.at(member.slot));
     return members;
 }
 
@@ -116,7 +134,7 @@ json_ptr describe_video(const char *module)
     json_ptr members(cJSON_CreateObject());
     for (const named_member &member : video_members)
         add_named_member(members.get(), member,
-                         video_values(stream * PARA_VIDEO_STREAM_SLOTS + member.slot));
+                         video_tables.at(stream * PARA_VIDEO_STREAM_SLOTS + member.slot));
     return members;
 }
 

@@ -10,9 +10,10 @@ struct isp_member {
 };
 
 inline constexpr isp_member isp_members[] = {
-#define ISP_ROW_yes(name) {#name, &isp_record::name, para_set_isp_##name##_cur},
-#define ISP_ROW_no(name)
-#define ISP_MEMBER(word, name, loaded, accessor, by_name, written) ISP_ROW_##accessor(name)
+#define ISP_ROW_yes(member)                                                                        \
+    {.name = #member, .value = &isp_record::member, .set = para_set_isp_##member##_cur},
+#define ISP_ROW_no(member)
+#define ISP_MEMBER(word, member, loaded, accessor, by_name, written) ISP_ROW_##accessor(member)
 #include "camparam/isp_members.def"
 #undef ISP_ROW_yes
 #undef ISP_ROW_no

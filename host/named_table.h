@@ -6,18 +6,20 @@
 
 struct named_member {
     const char *name;
-    int slot;                       // within a stream, for video
-    const char *(*value_name)(int); // null: its values have no names
+    int slot;                                 // of video: within the stream
+    const char *(*value_name)(int) = nullptr; // null: its values have no names
 };
 
 inline constexpr named_member audio_members[] = {
-#define AUDIO_MEMBER(slot, name) {#name, slot, nullptr},
-#define AUDIO_NAMED_MEMBER(slot, name) {#name, slot, para_get_audio_##name##_str},
+#define AUDIO_MEMBER(number, member) {.name = #member, .slot = PARA_AUDIO_##member},
+#define AUDIO_NAMED_MEMBER(number, member)                                                         \
+    {.name = #member, .slot = PARA_AUDIO_##member, .value_name = para_get_audio_##member##_str},
 #include "camparam/audio_members.def"
 };
 
 inline constexpr named_member video_members[] = {
-#define VIDEO_MEMBER(slot, name) {#name, slot, nullptr},
-#define VIDEO_NAMED_MEMBER(slot, name) {#name, slot, para_get_video_##name##_str},
+#define VIDEO_MEMBER(number, member) {.name = #member, .slot = PARA_VIDEO_##member},
+#define VIDEO_NAMED_MEMBER(number, member)                                                         \
+    {.name = #member, .slot = PARA_VIDEO_##member, .value_name = para_get_video_##member##_str},
 #include "camparam/video_members.def"
 };

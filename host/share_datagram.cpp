@@ -14,10 +14,10 @@ namespace {
 // A module that takes datagrams.
 struct share_target {
     const char *name;
-    bool is_numbered; // requests know it with the instance's number behind its name
-    int (*instances)();
-    bool (*has)(const char *member);
     int (*set_opt)(const char *key, const cJSON *item, const char *name);
+    bool (*has)(const char *member);
+    int (*instances)() = [] { return 1; };
+    bool is_numbered = false; // requests know it with the instance's number behind its name
 };
 
 template <typename table> bool is_in(const table &members, const char *name)
@@ -27,12 +27,19 @@ template <typename table> bool is_in(const table &members, const char *name)
 }
 
 const share_target targets[] = {
-    {"video", true, para_get_video_streamNum,
-     [](const char *member) { return is_in(video_members, member); }, para_set_video_opt},
-    {"audio", false, [] { return 1; },
-     [](const char *member) { return is_in(audio_members, member); }, para_set_audio_opt},
-    {"isp", true, [] { return isp_num; },
-     [](const char *member) { return is_in(isp_members, member); }, para_set_isp_opt},
+    {.name = "video",
+     .set_opt = para_set_video_opt,
+     .has = [](const char *member) { return is_in(video_members, member); },
+     .instances = para_get_video_streamNum,
+     .is_numbered = true},
+    {.name = "audio",
+     .set_opt = para_set_audio_opt,
+     .has = [](const char *member) { return is_in(audio_members, member); }},
+    {.name = "isp",
+     .set_opt = para_set_isp_opt,
+     .has = [](const char *member) { return is_in(isp_members, member); },
+     .instances = [] { return isp_num; },
+     .is_numbered = true},
 };
 
 template <size_t size> bool ends_within(const char (&field)[size])

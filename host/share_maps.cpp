@@ -14,16 +14,22 @@ namespace {
 struct shared_table {
     share_module module;
     const int *values;
-    int entries;
     int entry_words;
-    para_share_map *map; // null: not published
+    int entries = 1;
+    para_share_map *map = nullptr; // null: not published
 };
 
 // Main thread only.
 shared_table tables[] = {
-    {SHARE_VIDEO, para_video_cur, PARA_VIDEO_STREAMS, PARA_VIDEO_STREAM_SLOTS, nullptr},
-    {SHARE_AUDIO, para_audio_cur, 1, PARA_AUDIO_SLOTS, nullptr},
-    {SHARE_ISP, &para_isp_cur[0].size, PARA_ISP_INSTANCES, PARA_ISP_WORDS, nullptr},
+    {.module = SHARE_VIDEO,
+     .values = para_video_cur,
+     .entry_words = PARA_VIDEO_STREAM_SLOTS,
+     .entries = PARA_VIDEO_STREAMS},
+    {.module = SHARE_AUDIO, .values = para_audio_cur, .entry_words = PARA_AUDIO_SLOTS},
+    {.module = SHARE_ISP,
+     .values = &para_isp_cur[0].size,
+     .entry_words = PARA_ISP_WORDS,
+     .entries = PARA_ISP_INSTANCES},
 };
 
 void refresh(const shared_table &table)
