@@ -1,6 +1,7 @@
 #include <cstdio>
 
 #include "commands.h"
+#include "outcome.h"
 #include "output.h"
 
 namespace {
@@ -11,14 +12,6 @@ json_ptr data_of(const std::vector<std::string> &members, value_form form)
     for (const std::string &text : members)
         add_value(data.get(), parse_assignment(text, form));
     return data;
-}
-
-// Commands that change settings name what they took and what they did not.
-exit_code judge(const cJSON *answer)
-{
-    if (cJSON_GetArraySize(member_of(answer, "refused")) == 0)
-        return DONE;
-    return cJSON_GetArraySize(member_of(answer, "accepted")) > 0 ? PARTLY_DONE : REFUSED;
 }
 
 } // namespace
@@ -33,9 +26,7 @@ exit_code call_command(client &host, const std::string &command, const char *typ
                                    "\", or refused it; it was sent as " + type +
                                    ", see --set and --get");
 
-    cJSON_DeleteItemFromObjectCaseSensitive(answer.get(), "msg_name");
-    cJSON_DeleteItemFromObjectCaseSensitive(answer.get(), "msg_id");
     if (as_json || cJSON_GetArraySize(answer.get()) > 0)
         puts(as_json ? print_line(answer.get()).c_str() : print_pretty(answer.get()).c_str());
-    return judge(answer.get());
+    return outcome_of(answer.get()).status();
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "outcome.h"
 #include "output.h"
 
 namespace {
@@ -81,41 +82,28 @@ std::string refusal(const change &wanted, const cJSON *found)
     return text;
 }
 
-struct counts {
-    int taken = 0, refused = 0, missing = 0;
-
-    exit_code judge() const
-    {
-        if (refused + missing == 0)
-            return DONE;
-        if (taken > 0)
-            return PARTLY_DONE;
-        return refused > 0 ? REFUSED : NO_SUCH_SETTING;
-    }
-};
-
 } // namespace
 
 exit_code report_changes(client &host, const std::vector<change> &changes, const cJSON *values,
                          bool as_json)
 {
-    counts counted;
+    outcome result;
     for (const change &one : changes) {
         const cJSON *const module = member_of(values, one.name.module.c_str());
         const cJSON *const found = member_of(module, one.name.member.c_str());
         if (found == nullptr) {
-            counted.missing++;
+            result.missing++;
             print_message(no_such_setting(host, one.name));
         } else if (!is_taken(one, found)) {
-            counted.refused++;
+            result.refused++;
             print_message(refusal(one, found));
         } else {
-            counted.taken++;
+            result.done++;
             if (!as_json)
                 print_value(one.name.text(), found);
         }
     }
     if (as_json)
         puts(print_pretty(values).c_str());
-    return counted.judge();
+    return result.status();
 }

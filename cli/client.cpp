@@ -129,6 +129,8 @@ json_ptr client::call(const char *type, const std::string &command, json_ptr dat
     json_ptr answer = request_answer(request.get(), true);
     if (member_of(answer.get(), "err") != nullptr)
         return nullptr;
+    cJSON_DeleteItemFromObjectCaseSensitive(answer.get(), "msg_name");
+    cJSON_DeleteItemFromObjectCaseSensitive(answer.get(), "msg_id");
     return answer;
 }
 

@@ -28,7 +28,8 @@ public:
              const std::vector<assignment> &values);
 
     // Calls a command with "msg_type" "api_get" or "api_set"; no data when it is null. Returns the
-    // answer, or null when the host does not know the command or the command failed.
+    // answer without its identifiers, or null when the host does not know the command or the
+    // command failed.
     json_ptr call(const char *type, const std::string &command, json_ptr data);
 
     // Sends any JSON text and returns the answer as it came.

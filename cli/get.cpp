@@ -3,6 +3,7 @@
 
 #include "commands.h"
 #include "describe.h"
+#include "outcome.h"
 #include "output.h"
 
 namespace {
@@ -74,7 +75,8 @@ exit_code get_settings(client &host, const std::vector<std::string> &texts, bool
 
     for (const setting_name &name : missing)
         print_message(no_such_setting(host, name));
-    if (missing.empty())
-        return DONE;
-    return missing.size() < names.size() ? PARTLY_DONE : NO_SUCH_SETTING;
+    outcome result;
+    result.missing = static_cast<int>(missing.size());
+    result.done = static_cast<int>(names.size() - missing.size());
+    return result.status();
 }

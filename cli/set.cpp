@@ -2,6 +2,7 @@
 
 #include "change.h"
 #include "commands.h"
+#include "outcome.h"
 #include "output.h"
 
 namespace {
@@ -37,12 +38,14 @@ std::vector<change> plan_all(client &host, const std::vector<setting_value> &val
 {
     std::vector<change> changes;
     std::vector<failure> failures;
+    outcome result;
     for (const setting_value &value : values) {
         try {
             changes.push_back(plan_change(host, value, described, form));
         } catch (const failure &error) {
-            if (error.code == USAGE || error.code == NO_ANSWER)
+            if (error.code != REFUSED && error.code != NO_SUCH_SETTING)
                 throw;
+            (error.code == REFUSED ? result.refused : result.missing)++;
             failures.push_back(error);
         }
     }
@@ -50,7 +53,7 @@ std::vector<change> plan_all(client &host, const std::vector<setting_value> &val
         return changes;
     for (const failure &error : failures)
         print_message(error.what());
-    throw failure(failures.front().code, "nothing was set");
+    throw failure(result.status(), "nothing was set");
 }
 
 // Sends the changes of a module and returns its values from then on.

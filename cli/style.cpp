@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "commands.h"
+#include "outcome.h"
 #include "output.h"
 #include "suggest.h"
 
@@ -43,8 +44,6 @@ std::vector<std::string> row_of(const style_list &styles, const std::string &nam
 void print(const style_list &styles, const std::vector<std::string> &names, bool as_json)
 {
     if (as_json) {
-        cJSON_DeleteItemFromObjectCaseSensitive(styles.answer.get(), "msg_name");
-        cJSON_DeleteItemFromObjectCaseSensitive(styles.answer.get(), "msg_id");
         puts(print_pretty(styles.answer.get()).c_str());
         return;
     }
@@ -73,18 +72,13 @@ json_ptr style_data(const std::string &name, bool as_default)
     return data;
 }
 
-// Names what the host refused.
-exit_code judge(const cJSON *answer)
+void print_refusals(const cJSON *answer)
 {
-    const cJSON *const refused = member_of(answer, "refused");
     const cJSON *reason = nullptr;
-    cJSON_ArrayForEach(reason, refused)
+    cJSON_ArrayForEach(reason, member_of(answer, "refused"))
     {
         print_message("isp0." + std::string(reason->string) + ": " + string_of(reason));
     }
-    if (cJSON_GetArraySize(refused) == 0)
-        return DONE;
-    return cJSON_GetArraySize(member_of(answer, "accepted")) > 0 ? PARTLY_DONE : REFUSED;
 }
 
 } // namespace
@@ -102,7 +96,7 @@ exit_code apply_style(client &host, const std::string &name, bool as_default, bo
     const json_ptr answer = host.call("api_set", "style", style_data(name, as_default));
     if (!answer)
         throw failure(REFUSED, "the host refused the style \"" + name + "\"");
-    const exit_code status = judge(answer.get());
+    print_refusals(answer.get());
     print(ask(host), {name}, as_json);
-    return status;
+    return outcome_of(answer.get()).status();
 }

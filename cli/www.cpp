@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "commands.h"
+#include "outcome.h"
 #include "output.h"
 
 namespace {
@@ -108,22 +109,23 @@ exit_code report(const pair_list &wanted, const pair_list &shown, const std::str
                  bool as_json)
 {
     pair_list taken;
-    exit_code worst = DONE;
+    outcome result;
     for (const auto &pair : wanted) {
         const std::vector<std::string> values = values_of(shown, pair.first);
         if (values.empty()) {
             print_message("the page \"" + page + "\" shows no \"" + pair.first + "\"");
-            worst = worst == DONE ? NO_SUCH_SETTING : worst;
+            result.missing++;
         } else if (std::find(values.begin(), values.end(), pair.second) == values.end()) {
             print_message(pair.first + ": \"" + pair.second +
                           "\" was not taken, the page shows \"" + values.front() + "\"");
-            worst = REFUSED;
+            result.refused++;
         } else {
             taken.push_back(pair);
         }
     }
     print(taken, as_json);
-    return worst != DONE && !taken.empty() ? PARTLY_DONE : worst;
+    result.done = static_cast<int>(taken.size());
+    return result.status();
 }
 
 } // namespace
