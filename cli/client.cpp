@@ -13,14 +13,22 @@ int random_id()
     return std::uniform_int_distribution<int>(1, 1000000000)(source);
 }
 
-// Whether an answer belongs to the request with this identifier. Commands of other hosts, and the
-// error answer, carry none.
-bool has_id(const cJSON *answer, int id, bool may_lack)
+// Whether the answer repeats an identifier of the request, or one of the two lacks it.
+bool agrees(const cJSON *answer, const cJSON *request, const char *identifier)
 {
-    const cJSON *const found = member_of(answer, "msg_id");
-    if (found == nullptr)
-        return may_lack && cJSON_IsObject(answer);
-    return cJSON_IsNumber(found) && found->valueint == id;
+    const cJSON *const found = member_of(answer, identifier);
+    const cJSON *const sent = member_of(request, identifier);
+    if (found == nullptr || sent == nullptr)
+        return true;
+    if (cJSON_IsNumber(sent)) // echoed as an integer
+        return cJSON_IsNumber(found) && found->valueint == sent->valueint;
+    return !cJSON_IsString(sent) || string_of(found) == string_of(sent);
+}
+
+bool is_answer_to(const cJSON *request, const cJSON *answer)
+{
+    return cJSON_IsObject(answer) && agrees(answer, request, "msg_id") &&
+           agrees(answer, request, "msg_name");
 }
 
 // Sends items as one request, or each half on its own when they are too long for a datagram.
@@ -69,11 +77,11 @@ json_ptr client::start_request(const char *type, const std::string &name)
 
 json_ptr client::request_answer(const cJSON *request, bool id_may_lack)
 {
-    const int id = member_of(request, "msg_id")->valueint;
     json_ptr answer;
     exchange(server, print_line(request), [&](const std::string &text) {
         answer = parse_json(text);
-        return has_id(answer.get(), id, id_may_lack);
+        return is_answer_to(request, answer.get()) &&
+               (id_may_lack || member_of(answer.get(), "msg_id") != nullptr);
     });
     return answer;
 }
@@ -137,11 +145,10 @@ json_ptr client::call(const char *type, const std::string &command, json_ptr dat
 std::string client::raw(const std::string &request)
 {
     const json_ptr tree = parse_json(request);
-    const cJSON *const id = member_of(tree.get(), "msg_id");
     return exchange(server, request, [&](const std::string &text) {
         const json_ptr answer = parse_json(text);
-        const bool is_other = cJSON_IsNumber(id) && cJSON_IsObject(answer.get()) &&
-                              !has_id(answer.get(), id->valueint, true);
+        const bool is_other =
+            cJSON_IsObject(answer.get()) && !is_answer_to(tree.get(), answer.get());
         return !text.empty() && !is_other;
     });
 }

@@ -44,6 +44,7 @@ public:
 
 private:
     json_ptr start_request(const char *type, const std::string &name);
+    // The answer to a request. Commands of other hosts, and the error answer, may lack "msg_id".
     json_ptr request_answer(const cJSON *request, bool id_may_lack);
 
     server_address server;
