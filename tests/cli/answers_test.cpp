@@ -3,14 +3,6 @@
 
 namespace {
 
-const std::vector<std::string> quick = {"--timeout", "0.05", "--retries", "0"};
-
-run_result run_quickly(std::vector<std::string> words)
-{
-    words.insert(words.end(), quick.begin(), quick.end());
-    return run(words);
-}
-
 TEST(ClientAnswers, NoJsonIsNoAnswer)
 {
     shared_text garbage;
@@ -24,7 +16,7 @@ TEST(ClientAnswers, NoJsonIsNoAnswer)
         garbage = text;
         for (const std::vector<std::string> &words : std::vector<std::vector<std::string>>{
                  {"list"}, {"get", "af"}, {"set", "af.zoom_value=1"}, {"call", "save"}}) {
-            const run_result got = run_quickly(words);
+            const run_result got = run_until_reported(words, "1 not understood");
             EXPECT_EQ(got.status, 3) << words[0] << text.substr(0, 20);
             EXPECT_NE(got.errors.find("1 not understood"), std::string::npos) << got.errors;
         }
@@ -40,7 +32,7 @@ TEST(ClientAnswers, AModuleThatIsNoObjectIsNotUnderstood)
 
     for (const char *wrong : {"5", "'all'", "[1]", "null", "true"}) {
         values = "'af':" + std::string(wrong);
-        const run_result got = run_quickly({"get", "af.zoom_value"});
+        const run_result got = run({"get", "af.zoom_value"});
         EXPECT_EQ(got.status, 1) << wrong;
         EXPECT_EQ(got.errors, "camparam: the host's answer for \"af\" is not understood\n");
     }
@@ -53,7 +45,7 @@ TEST(ClientAnswers, ValuesOfAnyTypeArePrinted)
             request, "'af':{'a':1e300,'b':[1,{'c':null}],'d':true,'e':'x\\ny','f':null,'':2.5}")};
     });
 
-    EXPECT_EQ(run_quickly({"get", "af"}).output,
+    EXPECT_EQ(run({"get", "af"}).output,
               "af.a=1e+300\naf.b=[1,{\"c\":null}]\naf.d=true\naf.e=x\\x0ay\naf.f=null\naf=2.5\n");
 }
 
@@ -66,19 +58,19 @@ TEST(ClientAnswers, ADescriptionOfWrongTypesIsReadAsFarAsItGoes)
 
     for (const char *none : {"5", "[]", "null", "'x'"}) {
         modules = none;
-        EXPECT_EQ(run_quickly({"list"}).status, 1) << none;
+        EXPECT_EQ(run({"list"}).status, 1) << none;
     }
     for (const char *empty : {"{}", "{'af':5}", "{'af':{'members':[1]}}", "{'af':{'members':'x'}}",
                               "{'af':{'set':5,'members':{'zoom_value':5}}}"}) {
         modules = empty;
-        const run_result listed = run_quickly({"list"});
+        const run_result listed = run({"list"});
         EXPECT_EQ(listed.status, 0) << empty;
         EXPECT_EQ(listed.output, "NAME  KIND  MIN  MAX  DEFAULT  VALUE\n");
     }
     modules = "{'af':{'members':{'zoom_value':{'kind':[],'min':'low','max':{},'names':5,"
               "'default':null}}}}";
-    EXPECT_EQ(run_quickly({"list"}).output, "NAME           KIND  MIN  MAX  DEFAULT  VALUE\n"
-                                            "af.zoom_value  -     low  {}   null     -      *\n");
+    EXPECT_EQ(run({"list"}).output, "NAME           KIND  MIN  MAX  DEFAULT  VALUE\n"
+                                    "af.zoom_value  -     low  {}   null     -      *\n");
 }
 
 TEST(ClientAnswers, ASetWhoseAnswerChangesTypeIsNotTaken)
@@ -93,10 +85,10 @@ TEST(ClientAnswers, ASetWhoseAnswerChangesTypeIsNotTaken)
 
     for (const char *wrong : {"'5'", "null", "[5]", "5.5", "true"}) {
         value = wrong;
-        EXPECT_EQ(run_quickly({"set", "af.zoom_value=5"}).status, 4) << wrong;
+        EXPECT_EQ(run({"set", "af.zoom_value=5"}).status, 4) << wrong;
     }
     value = "5";
-    EXPECT_EQ(run_quickly({"set", "af.zoom_value=5"}).status, 0);
+    EXPECT_EQ(run({"set", "af.zoom_value=5"}).status, 0);
 }
 
 } // namespace

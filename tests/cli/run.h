@@ -15,14 +15,32 @@ struct run_result {
     std::string errors;
 };
 
-// Runs camparam with these words to its end.
+// Runs camparam with these words to its end. Unless they name a timeout it is 20 s, as an answer
+// may take longer than the default of 1 s on a busy machine.
 inline run_result run(const std::vector<std::string> &words, const std::string &input = "")
 {
     std::vector<std::string> command = {CAMPARAM};
+    if (std::find(words.begin(), words.end(), "--timeout") == words.end())
+        command.insert(command.end(), {"--timeout", "20"});
     command.insert(command.end(), words.begin(), words.end());
     process client(command, input);
     const int status = client.wait_for_end();
     return {status, client.output(), client.errors()};
+}
+
+// Runs camparam with ever longer timeouts until it reports this text, for answers after which it
+// waits on: however late they come on a busy machine, the last run receives them in time.
+inline run_result run_until_reported(std::vector<std::string> words, const std::string &report)
+{
+    run_result got = {};
+    words.insert(words.end(), {"--retries", "0", "--timeout", ""});
+    for (const char *timeout : {"0.05", "0.5", "5", "15"}) {
+        words.back() = timeout;
+        got = run(words);
+        if (got.errors.find(report) != std::string::npos)
+            break;
+    }
+    return got;
 }
 
 // JSON without blanks, an apostrophe for a quote.

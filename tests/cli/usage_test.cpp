@@ -89,7 +89,7 @@ TEST(ClientUsage, AResultThatCannotBeWrittenIsAFailure)
         return std::vector<std::string>{reply_to(request, "'af':{'zoom_value':4}")};
     });
 
-    process client({"sh", "-c", CAMPARAM " get af >/dev/full"});
+    process client({"sh", "-c", CAMPARAM " --timeout 20 get af >/dev/full"});
 
     EXPECT_EQ(client.wait_for_end(), 1);
     EXPECT_EQ(client.errors(), "camparam: cannot write the result\n");

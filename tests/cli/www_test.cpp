@@ -153,7 +153,7 @@ TEST_F(WebNames, AnAnswerThatIsNoQueryIsNoAnswer)
         return std::vector<std::string>{"{}", ""};
     });
 
-    const run_result got = run({"www", "get", "image", "--timeout", "0.05", "--retries", "0"});
+    const run_result got = run_until_reported({"www", "get", "image"}, "2 not understood");
     EXPECT_EQ(got.status, 3);
     EXPECT_NE(got.errors.find("2 not understood"), std::string::npos) << got.errors;
 }

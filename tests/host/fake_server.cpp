@@ -12,7 +12,7 @@ fake_server::fake_server(answerer answers)
 {
     sockaddr_in address = {};
     address.sin_family = AF_INET;
-    address.sin_port = htons(6800);
+    address.sin_port = htons(PARA_SERVER_PORT);
     EXPECT_EQ(bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
     thread = std::thread(&fake_server::serve, this);
 }
@@ -27,6 +27,7 @@ fake_server::~fake_server()
 std::vector<std::string> fake_server::requests() const
 {
     const std::lock_guard<std::mutex> guard(lock);
+    serve_waiting();
     return received;
 }
 
@@ -37,19 +38,24 @@ void fake_server::serve()
         pollfd readable = {descriptor, POLLIN, 0};
         if (poll(&readable, 1, turn_ms) != 1)
             continue;
+        const std::lock_guard<std::mutex> guard(lock);
+        serve_waiting();
+    }
+}
+
+void fake_server::serve_waiting() const
+{
+    while (true) {
         std::string request(65536, '\0');
         sockaddr_in sender = {};
         socklen_t sender_length = sizeof sender;
         auto *const from = reinterpret_cast<sockaddr *>(&sender);
-        const ssize_t length =
-            recvfrom(descriptor, request.data(), request.size(), 0, from, &sender_length);
+        const ssize_t length = recvfrom(descriptor, request.data(), request.size(), MSG_DONTWAIT,
+                                        from, &sender_length);
         if (length < 0)
-            continue;
+            return;
         request.resize(static_cast<size_t>(length));
-        {
-            const std::lock_guard<std::mutex> guard(lock);
-            received.push_back(request);
-        }
+        received.push_back(request);
         for (const std::string &text : answer(request))
             sendto(descriptor, text.data(), text.size(), 0, from, sender_length);
     }

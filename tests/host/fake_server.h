@@ -1,4 +1,4 @@
-// Something that answers on UDP port 6800 as the test likes.
+// Stands in for a host process: answers on the server's UDP port as the test says.
 #pragma once
 
 #include <atomic>
@@ -10,7 +10,7 @@
 
 class fake_server {
 public:
-    // Gives the datagrams to send back for a request; called on the server's thread.
+    // Gives the datagrams to send back for a request. Called by one thread at a time.
     using answerer = std::function<std::vector<std::string>(const std::string &request)>;
 
     explicit fake_server(answerer answers);
@@ -19,17 +19,18 @@ public:
     fake_server(const fake_server &) = delete;
     fake_server &operator=(const fake_server &) = delete;
 
-    // All requests so far, in order.
+    // All requests so far, in order. Includes those that the server's thread has not got to yet.
     std::vector<std::string> requests() const;
 
 private:
     void serve();
+    void serve_waiting() const; // under the lock
 
     answerer answer;
     int descriptor;
     std::atomic<bool> stopping{false};
     mutable std::mutex lock;
-    std::vector<std::string> received;
+    mutable std::vector<std::string> received;
     std::thread thread;
 };
 
