@@ -56,6 +56,26 @@ TEST_F(SetCommand, TellsWhenOnlySomeWereTaken)
     EXPECT_NE(set.errors.find("af.zoom_value: \"1001\""), std::string::npos) << set.errors;
 }
 
+TEST_F(SetCommand, AMissingNameHidesNoRefusal)
+{
+    start_host();
+    const std::string refused = "af.zoom_value=1001", missing = "af.nosuch=1";
+
+    EXPECT_EQ(run({"set", "--number", refused, missing}).status, 4);
+    EXPECT_EQ(run({"set", "--number", missing, refused}).status, 4);
+    EXPECT_EQ(run({"set", "--number", missing, "lens.zoom_value=1"}).status, 5);
+}
+
+TEST_F(SetCommand, AMissingNameHidesNoValueThatCannotBeSent)
+{
+    start_host();
+    const std::string unfit = "af.zoom_value=fast", missing = "af.nosuch=1";
+
+    EXPECT_EQ(run({"set", unfit, missing}).status, 4);
+    EXPECT_EQ(run({"set", missing, unfit}).status, 4);
+    EXPECT_EQ(run({"set", missing, "af.focus_mode=2"}).status, 5);
+}
+
 TEST_F(SetCommand, SendsAll32Bits)
 {
     write_home("af_range.json", "{'focus_mode':[0,3],'zoom_value':[-2147483648,2147483647]}");

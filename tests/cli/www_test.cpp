@@ -81,6 +81,8 @@ TEST_F(WebNames, WhatThePageShowsOtherwiseIsNamed)
                              "camparam: the page \"image\" shows no \"huee\"\n");
     EXPECT_EQ(run({"www", "set", "image", "hue=99"}).status, 4);
     EXPECT_EQ(run({"www", "set", "image", "huee=9"}).status, 5);
+    EXPECT_EQ(run({"www", "set", "image", "hue=99&huee=9"}).status, 4);
+    EXPECT_EQ(run({"www", "set", "image", "huee=9&hue=99"}).status, 4);
 }
 
 TEST_F(WebNames, WhatThePageDoesNotShowIsNotSent)
