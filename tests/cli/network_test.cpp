@@ -1,4 +1,5 @@
 #include <chrono>
+#include <set>
 
 #include "cli/run.h"
 #include "host/host_process.h"
@@ -74,6 +75,46 @@ TEST_F(ClientNetwork, AnswersToOtherRequestsAreSkipped)
     });
 
     EXPECT_EQ(run({"get", "af.zoom_value"}).output, "af.zoom_value=4\n");
+}
+
+TEST_F(ClientNetwork, AnswersUnderAnotherNameAreSkipped)
+{
+    const fake_server camera([](const std::string &request) {
+        return std::vector<std::string>{
+            reply_to(request, "'msg_name':'other','af':{'zoom_value':1}"),
+            reply_to(request, "'msg_name':5,'af':{'zoom_value':2}"),
+            reply_to(request, "'msg_name':'camparam','af':{'zoom_value':3}")};
+    });
+
+    EXPECT_EQ(run({"get", "af.zoom_value"}).output, "af.zoom_value=3\n");
+}
+
+TEST_F(ClientNetwork, AnswersOfOtherCommandsAreSkipped)
+{
+    const fake_server camera([](const std::string &request) {
+        const std::string id = std::to_string(std::stoi(id_of(request)) + 1);
+        return std::vector<std::string>{
+            quoted("{'msg_id':" + id + ",'told':1}"), quoted("{'msg_name':'restore','told':2}"),
+            quoted("{'msg_name':'rest','told':3}"), quoted("{'msg_name':'reset','told':4}")};
+    });
+
+    EXPECT_EQ(squeeze(run({"call", "reset"}).output), "{'told':4}");
+}
+
+TEST_F(ClientNetwork, EachRequestHasAnIdentifierOfItsOwn)
+{
+    const fake_server camera([](const std::string &request) {
+        return std::vector<std::string>{reply_to(request, "'af':{},'audio':{}")};
+    });
+
+    for (int i = 0; i < 2; i++)
+        run({"get", "af", "audio"});
+
+    std::set<std::string> ids;
+    for (const std::string &request : camera.requests())
+        ids.insert(id_of(request));
+    EXPECT_EQ(ids.size(), 4u) << testing::PrintToString(ids);
+    EXPECT_EQ(ids.count("none"), 0u);
 }
 
 TEST_F(ClientNetwork, ARepeatedAnswerIsNotTakenForTheNext)

@@ -51,6 +51,17 @@ TEST_F(RawCommand, SkipsAnswersToOtherRequests)
               "{\"msg_id\":5,\"x\":1}\n");
 }
 
+TEST_F(RawCommand, SkipsAnswersUnderAnotherName)
+{
+    const fake_server camera([](const std::string &) {
+        return std::vector<std::string>{"{\"msg_name\":\"b\",\"msg_id\":5}",
+                                        "{\"msg_name\":\"a\",\"msg_id\":5}"};
+    });
+
+    EXPECT_EQ(run({"raw"}, "{\"msg_type\":\"get\",\"msg_name\":\"a\",\"msg_id\":5.5}").output,
+              "{\"msg_name\":\"a\",\"msg_id\":5}\n");
+}
+
 TEST_F(RawCommand, PrintsAnswersThatAreNoJson)
 {
     const fake_server camera(
