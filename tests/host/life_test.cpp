@@ -76,6 +76,18 @@ TEST_F(HostLife, RefusesToStartOnATakenPort)
               "camparamd: UDP port 6800 is taken; does another host process run?\n");
 }
 
+TEST_F(HostLife, MakesNoDataFolderWhenThePortIsTaken)
+{
+    const fake_server other([](const std::string &) { return std::vector<std::string>(); });
+    data += "/some/where";
+
+    host = std::make_unique<process>(
+        std::vector<std::string>{CAMPARAMD, "--home", home, "--data", data, "--no-share"});
+
+    EXPECT_EQ(host->wait_for_end(), 1);
+    EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(data).parent_path()));
+}
+
 TEST_F(HostLife, MakesTheDataFolderWithItsParents)
 {
     data += "/some/where";

@@ -11,7 +11,8 @@ protected:
         write_home("isp_def.json",
                    "{'isp0_style_def':0,'isp0_style_list':['day','lost','night','loud','far'],"
                    "'day':{'hue':5,'gamma':1,'antiflicker':1},"
-                   "'night':{'hue':2,'antiflicker':2},'loud':{'hue':11,'gamma':3},'far':{}}");
+                   "'night':{'hue':2,'antiflicker':2},'loud':{'hue':11,'gamma':3},"
+                   "'far':{'hue':9,'gamma':4}}");
     }
 
     std::string list() { return client.ask("{'msg_type':'api_get','msg_name':'style'}"); }
@@ -109,12 +110,19 @@ TEST_F(StyleCommand, ChangesNothingWhenTheStyleIsRefused)
     start_host();
     const std::string before = values();
 
-    EXPECT_EQ(set("{'style':'far'}"), reply_with("", "'style':'out of range, 0 to 3'"));
+    for (const char *far : {"{'style':'far'}", "{'style':'far','default':1}"})
+        EXPECT_EQ(set(far), reply_with("", "'style':'out of range, 0 to 3'")) << far;
     for (const char *name : {"lost", "dusk", "nigh", "NIGHT", ""})
         EXPECT_EQ(set("{'style':'" + std::string(name) + "','default':1}"),
                   reply_with("", "'style':'no such style'"))
             << name;
 
+    EXPECT_EQ(values(), before);
+    EXPECT_EQ(list(), styles_with("day", "day"));
+    EXPECT_FALSE(host_has_logged("set_notify")) << host->errors();
+
+    EXPECT_EQ(end_host(SIGTERM), 0);
+    start_host();
     EXPECT_EQ(values(), before);
     EXPECT_EQ(list(), styles_with("day", "day"));
 }
