@@ -145,17 +145,17 @@ TEST_F(ValueForm, ManyValuesTravelInSeveralDatagrams)
 
     int sets = 0;
     for (const std::string &request : camera.requests()) {
-        EXPECT_LE(request.size(), 4096u);
+        EXPECT_LE(request.size(), size_t{PARA_MESSAGE_MAX});
         sets += is_for(request, "set") ? 1 : 0;
     }
-    EXPECT_GE(sets, 60 * 200 / 4096 + 1);
+    EXPECT_GE(sets, 60 * 200 / PARA_MESSAGE_MAX + 1);
 }
 
 TEST_F(ValueForm, AValueThatFitsInNoDatagramIsAUsageError)
 {
     const fake_server camera(describing(modules, values));
 
-    const run_result set = run({"set", "netport.http=" + std::string(4096, 'x')});
+    const run_result set = run({"set", "netport.http=" + std::string(PARA_MESSAGE_MAX, 'x')});
 
     EXPECT_EQ(set.status, 2);
     EXPECT_NE(set.errors.find("bytes, the host takes 4096"), std::string::npos) << set.errors;

@@ -37,7 +37,7 @@ TEST_F(RawCommand, RefusesWhatTheStoreWouldDrop)
         EXPECT_NE(sent.errors, "");
     }
     const run_result longest =
-        run({"raw"}, "{\"msg_type\":\"get\",\"x\":\"" + std::string(4096, 'x') + "\"}");
+        run({"raw"}, "{\"msg_type\":\"get\",\"x\":\"" + std::string(PARA_MESSAGE_MAX, 'x') + "\"}");
     EXPECT_EQ(longest.status, 2);
 }
 

@@ -94,7 +94,7 @@ TEST_F(LensCommand, ServesTheFullestRequest)
 
     const std::string unknown = ",'':1", end = "}}";
     std::string request = "{'msg_type':'api_set','msg_name':'lens','data':{'zoom_value':9";
-    while (request.size() + unknown.size() + end.size() <= 4096)
+    while (request.size() + unknown.size() + end.size() <= PARA_MESSAGE_MAX)
         request += unknown;
 
     const std::string reply = client.ask(request + end);

@@ -7,6 +7,7 @@
 
 #include "camparam/camparam.h"
 #include "host/host_process.h"
+#include "share_maps.h"
 
 namespace {
 
@@ -20,8 +21,9 @@ protected:
 
     static bool is_published(int module)
     {
-        const std::string name = "/camparam_share_" + std::to_string(module);
-        const int descriptor = shm_open(name.c_str(), O_RDONLY, 0);
+        char name[64];
+        snprintf(name, sizeof name, PARA_SHARE_MAP_NAME, module);
+        const int descriptor = shm_open(name, O_RDONLY, 0);
         close(descriptor);
         return descriptor >= 0;
     }
@@ -59,7 +61,7 @@ para_share_datagram text_of(const char *module, unsigned instance, const char *m
                             const char *text)
 {
     para_share_datagram datagram = number_of(module, instance, member, 0);
-    datagram.type = 1;
+    datagram.type = PARA_SHARE_TEXT;
     memcpy(datagram.text, text, strnlen(text, sizeof datagram.text));
     return datagram;
 }
@@ -73,28 +75,29 @@ TEST_F(Sharing, MapsHoldTheValuesOfTheStart)
 {
     start_host();
 
-    const int *const stream = entry(0, 2);
-    EXPECT_EQ(stream[0], 0);  // H264
-    EXPECT_EQ(stream[1], 17); // PIC_HD1080
-    EXPECT_EQ(stream[5], 2048);
-    EXPECT_EQ(entry(0, 3)[5], 1024);
-    EXPECT_EQ(entry(0, 6)[5], 0); // not in use
-    EXPECT_EQ(entry(1, 1)[4], 128000);
-    const auto *const isp = reinterpret_cast<const isp_record *>(entry(2, 1));
+    const int *const stream = entry(SHARE_VIDEO, 2);
+    EXPECT_EQ(stream[PARA_VIDEO_protocol], para_get_video_protocol_num("H264"));
+    EXPECT_EQ(stream[PARA_VIDEO_size], para_get_video_size_num("PIC_HD1080"));
+    EXPECT_EQ(stream[PARA_VIDEO_bitRate], 2048);
+    EXPECT_EQ(entry(SHARE_VIDEO, 3)[PARA_VIDEO_bitRate], 1024);
+    EXPECT_EQ(entry(SHARE_VIDEO, 6)[PARA_VIDEO_bitRate], 0); // not in use
+    EXPECT_EQ(entry(SHARE_AUDIO, 1)[PARA_AUDIO_streamRate], 128000);
+    const auto *const isp = reinterpret_cast<const isp_record *>(entry(SHARE_ISP, 1));
     EXPECT_EQ(isp->size, 156);
     EXPECT_EQ(isp->temperature, 5000);
-    EXPECT_EQ(reinterpret_cast<const isp_record *>(entry(2, 2))->size, 156);
+    EXPECT_EQ(reinterpret_cast<const isp_record *>(entry(SHARE_ISP, 2))->size, 156);
 }
 
 TEST_F(Sharing, MapsHaveTheAnnouncedForm)
 {
     start_host();
 
-    const int expected[][3] = {{1, 6, 44}, {1, 1, 60}, {1, 2, 156}};
+    const para_share_map expected[] = {{1, 6, 44}, {1, 1, 60}, {1, 2, 156}};
     for (int module = 0; module < 3; module++) {
-        const int *const header = entry(module, 1) - 3;
-        for (int i = 0; i < 3; i++)
-            EXPECT_EQ(header[i], expected[module][i]) << module << " " << i;
+        const auto *const map = reinterpret_cast<const para_share_map *>(entry(module, 1)) - 1;
+        EXPECT_EQ(map->registered, expected[module].registered) << module;
+        EXPECT_EQ(map->entry_count, expected[module].entry_count) << module;
+        EXPECT_EQ(map->entry_size, expected[module].entry_size) << module;
     }
     EXPECT_FALSE(is_published(3));
 }
@@ -102,9 +105,9 @@ TEST_F(Sharing, MapsHaveTheAnnouncedForm)
 TEST_F(Sharing, MapsFollowChanges)
 {
     start_host();
-    const volatile int *const bit_rate = &entry(0, 2)[5];
-    const volatile int *const mute = &entry(1, 1)[11];
-    const volatile int *const hue = &reinterpret_cast<const isp_record *>(entry(2, 1))->hue;
+    const volatile int *const bit_rate = &entry(SHARE_VIDEO, 2)[PARA_VIDEO_bitRate];
+    const volatile int *const mute = &entry(SHARE_AUDIO, 1)[PARA_AUDIO_mute];
+    const volatile int *const hue = &reinterpret_cast<const isp_record *>(entry(SHARE_ISP, 1))->hue;
 
     Client().ask(
         "{'msg_type':'set','video1':{'bitRate':4096},'audio':{'mute':1},'isp0':{'hue':3}}");
@@ -140,13 +143,13 @@ TEST_F(Sharing, TheClientRoleSharesNothing)
 {
     start_host({"--client"});
 
-    EXPECT_FALSE(is_published(0));
+    EXPECT_FALSE(is_published(SHARE_VIDEO));
 }
 
 TEST_F(Sharing, ASettingOfAClientProcessIsApplied)
 {
     start_host();
-    ASSERT_EQ(para_share_register(0), 0);
+    ASSERT_EQ(para_share_register(SHARE_VIDEO), 0);
 
     para_set_share_video_bitRate_number(1, 4096);
     para_set_share_video_protocol_string(1, "H265");
@@ -177,7 +180,7 @@ TEST_F(Sharing, ASettingIsSavedAndSurvivesARestart)
 
     start_host();
 
-    EXPECT_EQ(entry(0, 2)[5], 4096);
+    EXPECT_EQ(entry(SHARE_VIDEO, 2)[PARA_VIDEO_bitRate], 4096);
 }
 
 TEST_F(Sharing, AValueThatARequestWouldNotSetIsIgnored)
