@@ -114,11 +114,7 @@ TEST_F(EverySetting, OfADescriptionInPartsIsListed)
 {
     home = data + "/many";
     mkdir(home.c_str(), 0755);
-    std::string lines;
-    for (int i = 0; i < 160; i++)
-        lines += "line" + std::to_string(i) + " = '" + std::string(100, 'x') + "'\n";
-    write_home("netport.conf", lines);
-    write_home("overlay.conf", lines);
+    write_long_conf_files();
     start_host();
 
     const std::string listed = run({"list"}).output;

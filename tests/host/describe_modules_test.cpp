@@ -141,11 +141,7 @@ TEST_F(DescribeModules, ConfValuesAreTexts)
 
 TEST_F(DescribeModules, AreNamedAloneWhenADatagramHoldsNoMore)
 {
-    std::string lines;
-    for (int i = 0; i < 160; i++)
-        lines += "line" + std::to_string(i) + " = '" + std::string(100, 'x') + "'\n";
-    write_home("netport.conf", lines);
-    write_home("overlay.conf", lines);
+    write_long_conf_files();
     start_host();
 
     EXPECT_EQ(Client().ask("{'msg_type':'api_get','msg_name':'describe'}"),

@@ -23,10 +23,27 @@ void HostProcess::start_host(const std::vector<std::string> &options)
     ASSERT_FALSE(host->has_ended()) << host->errors();
 }
 
+int HostProcess::run_host(const std::vector<std::string> &words)
+{
+    std::vector<std::string> command = {CAMPARAMD};
+    command.insert(command.end(), words.begin(), words.end());
+    host = std::make_unique<process>(command);
+    return host->wait_for_end();
+}
+
 int HostProcess::end_host(int number)
 {
     host->send_signal(number);
     return host->wait_for_end();
+}
+
+void HostProcess::write_long_conf_files()
+{
+    std::string lines;
+    for (int i = 0; i < 160; i++)
+        lines += "line" + std::to_string(i) + " = '" + std::string(100, 'x') + "'\n";
+    write_home("netport.conf", lines);
+    write_home("overlay.conf", lines);
 }
 
 bool HostProcess::host_has_logged(const std::string &text) const

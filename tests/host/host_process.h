@@ -17,8 +17,14 @@ protected:
 
     // Starts camparamd on the fixture's folders and waits until it is ready.
     void start_host(const std::vector<std::string> &options = {});
+    // Runs camparamd with these words alone, to its end. Returns its exit status.
+    int run_host(const std::vector<std::string> &words);
     // Ends it by a signal and returns its exit status.
     int end_host(int number);
+
+    // Writes conf files "netport" and "overlay", 160 keys each, whose description exceeds a
+    // datagram.
+    void write_long_conf_files();
 
     bool host_has_logged(const std::string &text) const;
 

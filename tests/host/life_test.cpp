@@ -68,10 +68,7 @@ TEST_F(HostLife, RefusesToStartOnATakenPort)
 {
     const fake_server other([](const std::string &) { return std::vector<std::string>(); });
 
-    host = std::make_unique<process>(
-        std::vector<std::string>{CAMPARAMD, "--home", home, "--data", data, "--no-share"});
-
-    EXPECT_EQ(host->wait_for_end(), 1);
+    EXPECT_EQ(run_host({"--home", home, "--data", data, "--no-share"}), 1);
     EXPECT_EQ(host->errors(),
               "camparamd: UDP port 6800 is taken; does another host process run?\n");
 }
@@ -81,10 +78,7 @@ TEST_F(HostLife, MakesNoDataFolderWhenThePortIsTaken)
     const fake_server other([](const std::string &) { return std::vector<std::string>(); });
     data += "/some/where";
 
-    host = std::make_unique<process>(
-        std::vector<std::string>{CAMPARAMD, "--home", home, "--data", data, "--no-share"});
-
-    EXPECT_EQ(host->wait_for_end(), 1);
+    EXPECT_EQ(run_host({"--home", home, "--data", data, "--no-share"}), 1);
     EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(data).parent_path()));
 }
 
@@ -102,10 +96,7 @@ TEST_F(HostLife, RefusesADataFolderThatCannotBe)
 {
     write_data("file", "");
     for (const char *below : {"/file", "/file/below"}) {
-        host = std::make_unique<process>(
-            std::vector<std::string>{CAMPARAMD, "--home", home, "--data", data + below});
-
-        EXPECT_EQ(host->wait_for_end(), 1);
+        EXPECT_EQ(run_host({"--home", home, "--data", data + below}), 1);
         EXPECT_EQ(host->errors(), "camparamd: cannot make the data folder \"" + data + below +
                                       "\": Not a directory\n");
     }

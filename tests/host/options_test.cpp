@@ -3,21 +3,11 @@
 
 namespace {
 
-class HostOptions : public HostProcess {
-protected:
-    // Runs camparamd to its end.
-    int run(const std::vector<std::string> &options)
-    {
-        std::vector<std::string> command = {CAMPARAMD};
-        command.insert(command.end(), options.begin(), options.end());
-        host = std::make_unique<process>(command);
-        return host->wait_for_end();
-    }
-};
+class HostOptions : public HostProcess {};
 
 TEST_F(HostOptions, HelpNamesEachOptionAndTheDefaultFolders)
 {
-    EXPECT_EQ(run({"--help"}), 0);
+    EXPECT_EQ(run_host({"--help"}), 0);
 
     for (const char *text :
          {"--home DIR=/home ", "--data DIR=/data ", "--trace LEVEL", "--www2json NAME", "--client",
@@ -27,7 +17,7 @@ TEST_F(HostOptions, HelpNamesEachOptionAndTheDefaultFolders)
 
 TEST_F(HostOptions, HelpTellsWhyConfFilesAreNotWritten)
 {
-    EXPECT_EQ(run({"--help"}), 0);
+    EXPECT_EQ(run_host({"--help"}), 0);
 
     EXPECT_NE(host->output().find("these files belong to other programs"), std::string::npos)
         << host->output();
@@ -35,7 +25,7 @@ TEST_F(HostOptions, HelpTellsWhyConfFilesAreNotWritten)
 
 TEST_F(HostOptions, VersionIsPrinted)
 {
-    EXPECT_EQ(run({"--version"}), 0);
+    EXPECT_EQ(run_host({"--version"}), 0);
     EXPECT_EQ(host->output(), "camparamd 1.0.0\n");
 }
 
@@ -48,14 +38,14 @@ TEST_F(HostOptions, MistakesAreUsageErrors)
                                                {"--trace", "loud"},
                                                {"--home"},
                                                {"word"}}) {
-        EXPECT_EQ(run(options), 2) << options.front();
+        EXPECT_EQ(run_host(options), 2) << options.front();
         EXPECT_FALSE(host->errors().empty());
     }
 }
 
 TEST_F(HostOptions, AHomeFolderThatCannotBeReadStartsNothing)
 {
-    EXPECT_EQ(run({"--home", "/nonexistent", "--data", data}), 1);
+    EXPECT_EQ(run_host({"--home", "/nonexistent", "--data", data}), 1);
     EXPECT_EQ(host->errors(), "camparamd: cannot read the home folder \"/nonexistent\": "
                               "No such file or directory\n");
     EXPECT_FALSE(read_data("af_cur.json"));
