@@ -15,7 +15,7 @@ inline constexpr af_member af_members[] = {
 #include "camparam/af_members.def"
 };
 
-// Whether the device has the member: its defaults file names it.
+// Whether the device has the member, that is, whether its defaults file names it.
 inline bool is_present(const af_member &member)
 {
     return para_af_exist[member.slot] != 0;

@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-// The store searches from the last row to the first, and a request may abbreviate a name.
+// Order matters: the store searches from the last row, and requests may abbreviate a name.
 static const param_command commands[] = {
     {.name = "describe", .handler = describe_command}, {.name = "lens", .handler = lens_command},
     {.name = "reload", .handler = reload_command},     {.name = "save", .handler = save_command},

@@ -1,19 +1,19 @@
-// The commands that camparamd offers to clients; docs/message-protocol.md describes them. Each is a
+// The commands that camparamd offers to clients, described in docs/message-protocol.md. Each is a
 // param_command_handler and runs on the store's thread.
 #pragma once
 
 #include "camparam/command.h"
 
-// Tells the store of all of them. Call it before the store serves requests. Returns 0 or -1.
+// Registers all of them; call it before the store starts. Returns 0 or -1.
 int register_commands();
 
 // Lists modules and their members with kind, limits, default and current value. Get only.
 int describe_command(int mode, para_message *message, cJSON **reply);
 // Sets AF members, which have no set request of their own. Set only.
 int lens_command(int mode, para_message *message, cJSON **reply);
-// Rereads the files of a conf module, "netport" unless told. Set only.
+// Rereads the files of a conf module, "netport" by default. Set only.
 int reload_command(int mode, para_message *message, cJSON **reply);
-// Saves every module now. Get or set: no setting changes.
+// Saves every module now. Get or set, as it changes no setting.
 int save_command(int mode, para_message *message, cJSON **reply);
 // Lists the picture styles, or applies one. Get or set.
 int style_command(int mode, para_message *message, cJSON **reply);

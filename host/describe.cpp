@@ -7,14 +7,14 @@
 
 namespace {
 
-// The most that one UDP datagram over IPv4 holds.
+// The largest payload of a UDP datagram over IPv4.
 constexpr size_t longest_reply = 65507;
 
-// How the modules that one function answers for are described.
+// How to describe the modules that share a get_opt function.
 struct module_kind {
     decltype(para_module::get_opt) get_opt;
     json_ptr (*describe)(const char *module);
-    const char *command = nullptr; // which changes the module; null: a set request does
+    const char *command = nullptr; // that sets members; null: a set request does
 };
 
 const module_kind kinds[] = {
@@ -35,7 +35,7 @@ const module_kind *kind_of(const para_module &row)
     return nullptr;
 }
 
-// A request without a list asks for every module.
+// Without a list every module is wanted.
 bool is_wanted(const char *module, const cJSON *list)
 {
     const cJSON *name = nullptr;
@@ -68,7 +68,7 @@ void add_modules(cJSON *described, const cJSON *list)
     }
 }
 
-void leave_members_out(cJSON *described)
+void remove_members(cJSON *described)
 {
     cJSON *module = nullptr;
     cJSON_ArrayForEach(module, described)
@@ -77,9 +77,9 @@ void leave_members_out(cJSON *described)
     }
 }
 
-// The tree as text without blanks, in a node that the store prints as it is: a whole camera would
-// not fit in a datagram with them.
-cJSON *without_blanks(const json_ptr &tree)
+// The tree as compact text in a raw node, which the store prints unchanged: with the white space of
+// cJSON_Print() the description of a whole camera exceeds a datagram.
+cJSON *compacted(const json_ptr &tree)
 {
     char *const text = cJSON_PrintUnformatted(tree.get());
     cJSON *const node = text != nullptr ? cJSON_CreateRaw(text) : nullptr;
@@ -99,10 +99,10 @@ int describe_command(int mode, para_message *message, cJSON **reply)
     const json_ptr answer = start_reply(request);
     cJSON *const described = cJSON_AddObjectToObject(answer.get(), "modules");
     add_modules(described, list);
-    json_ptr text(without_blanks(answer));
+    json_ptr text(compacted(answer));
     if (text && strlen(text->valuestring) > longest_reply) {
-        leave_members_out(described);
-        text.reset(without_blanks(answer));
+        remove_members(described);
+        text.reset(compacted(answer));
     }
     *reply = text.release();
     return 0;

@@ -1,4 +1,4 @@
-// Modules whose members are fixed: lens, sound, video streams, image processor.
+// Describes modules whose members are fixed: lens, sound, video streams, image processor.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -62,7 +62,7 @@ cJSON *add_number(cJSON *members, const char *name, const member_values &values)
     return member;
 }
 
-// The names within the range; it may reach beyond the names.
+// The names of the values within the range, which may extend past the last name.
 std::vector<std::string> names_of(const named_member &member, const member_values &values)
 {
     std::vector<std::string> names;
@@ -81,8 +81,8 @@ cJSON *name_node(const named_member &member, int value)
     return name != nullptr ? cJSON_CreateString(name) : nullptr;
 }
 
-// Requests set a member whose values have names by name alone, so one that is exchanged as a number
-// is out of their reach.
+// Set requests accept a named member by name only, so one that is exchanged as a number cannot be
+// set.
 void add_named_member(cJSON *members, const named_member &member, const member_values &values)
 {
     const bool has_names = member.value_name != nullptr;
@@ -96,8 +96,8 @@ void add_named_member(cJSON *members, const named_member &member, const member_v
     }
 }
 
-// A set request goes to the first member whose name the key begins with, so it cannot reach
-// "rgain_tuning" behind "rgain".
+// A set request finds the first member whose name is a prefix of the key: "rgain" shadows
+// "rgain_tuning".
 bool is_read_only(const isp_member &member)
 {
     return std::any_of(std::begin(isp_members), std::end(isp_members), [&](const isp_member &row) {

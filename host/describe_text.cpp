@@ -1,4 +1,4 @@
-// Modules whose members come from their files: misc and its like, conf files.
+// Describes modules whose members come from files: pattern modules such as misc, conf modules.
 #include "camparam/conf.h"
 #include "camparam/misc.h"
 #include "description.h"
@@ -14,7 +14,7 @@ std::vector<std::string> names_of(const char *module, const char *member)
     return names;
 }
 
-// The object for the member, or null when requests cannot reach it: no range tells its kind.
+// Null for a member without a usable range: its kind is unknown, and set requests ignore it.
 cJSON *add_json_member(cJSON *members, const char *module, const char *name)
 {
     switch (peek_json_enum_type(module, name)) {
@@ -28,7 +28,7 @@ cJSON *add_json_member(cJSON *members, const char *module, const char *name)
     }
 }
 
-// Every value of a conf module, current ones for its own name, defaults for a key with "def" in it.
+// All values of a conf module: the defaults for a key that contains "def", else the current ones.
 json_ptr conf_values(const char *module, const char *key)
 {
     const json_ptr request(cJSON_CreateObject());

@@ -1,5 +1,4 @@
-// What the command describe tells of the members of a module; docs/message-protocol.md has the
-// form.
+// Builds the reply of the command "describe", whose format is in docs/message-protocol.md.
 #pragma once
 
 #include <cjson/cJSON.h>
@@ -9,19 +8,20 @@
 
 #include "request.h"
 
-// Adds a member to an object of members. Values are given as the store exchanges them.
+// Each adds a member of one kind to the object of members and returns it.
 cJSON *add_number_member(cJSON *members, const char *name, int min, int max);
 cJSON *add_enum_member(cJSON *members, const char *name, const std::vector<std::string> &names);
 cJSON *add_text_member(cJSON *members, const char *name);
 
-// Adds the values of a member; one that is null, such as a number without a name, is left out.
-// Takes both over.
+// Adds a member's values and takes ownership of both. A null value, such as a number that has no
+// name, is omitted.
 void add_values(cJSON *member, cJSON *default_value, cJSON *current);
 
-// Marks a member that no set request changes.
+// Marks a member that set requests cannot change.
 void mark_read_only(cJSON *member);
 
-// The members that the camera has, by the name of the module's row. Null: the row is not in use.
+// The present members of a module, given the name of its row. Null when the device does not use the
+// row, such as "video3" with three streams.
 json_ptr describe_af(const char *module);
 json_ptr describe_audio(const char *module);
 json_ptr describe_video(const char *module);

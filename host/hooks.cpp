@@ -8,7 +8,7 @@
 
 namespace {
 
-// A setter's exported name, which holds module and member.
+// The setter's exported name, which contains module and member.
 template <typename function> const char *name_of(function *setter)
 {
     Dl_info found;
@@ -24,7 +24,7 @@ void log_request(const char *hook, const char *module, const cJSON *item)
     cJSON_free(text);
 }
 
-// The item's key is the module's name as the client wrote it.
+// The item's key: the module's name as the client wrote it.
 const char *key_of(const cJSON *item)
 {
     return item != nullptr && item->string != nullptr ? item->string : "";
@@ -96,7 +96,7 @@ int conf_update(const char *module)
     return 0;
 }
 
-// Never called: that it is set lets the store write conf files.
+// Never called. The store writes conf files only while this hook is set.
 void conf_save() {}
 
 } // namespace

@@ -1,8 +1,8 @@
-// The hooks by which the store tells the host of changes.
+// Hooks, by which the store notifies the host of changes.
 #pragma once
 
-// Puts a hook into every field of para_profile that tells of something; each logs a line when it is
-// called. A camera's own host would drive the lens, the encoders and the image processor from here.
+// Sets every hook of para_profile except conf_save_hook to a function that logs one line. The host
+// of a real camera would drive lens, encoders and image processor from here.
 void install_hooks();
 
 // Lets the store write the files of conf modules.

@@ -1,4 +1,4 @@
-// The ISP members that can be read and set, as a table.
+// The ISP members that have accessors, as a table.
 #pragma once
 
 #include "camparam/isp.h"

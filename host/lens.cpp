@@ -19,13 +19,13 @@ const af_member *find_present(const char *name)
     return member != std::end(af_members) ? member : nullptr;
 }
 
-// A number that valueint holds unchanged. Larger ones are saturated there, fractions cut.
+// Whether valueint holds the number exactly: cJSON saturates large numbers and truncates fractions.
 bool is_int(const cJSON *node)
 {
     return cJSON_IsNumber(node) && node->valuedouble == static_cast<double>(node->valueint);
 }
 
-// Sets one member. Returns an empty text, or why it was refused.
+// Sets one member. Returns the reason when it is refused, else an empty text.
 std::string set(const cJSON *item)
 {
     const af_member *const member = find_present(item->string);
@@ -34,7 +34,7 @@ std::string set(const cJSON *item)
     if (!is_int(item))
         return "not a 32-bit integer";
 
-    // The setter is silent about a value that it does not take, so the current value tells.
+    // The setter returns 0 either way; the current value shows whether it was accepted.
     member->set(item->valueint);
     if (para_af_cur[member->slot] != item->valueint)
         return out_of_range(para_af_min[member->slot], para_af_max[member->slot]);

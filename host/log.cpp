@@ -25,6 +25,6 @@ void log_line(const char *format, ...)
         line.begin(), line.end(),
         [](unsigned char letter) { return letter < ' ' || letter == 0x7f; }, '?');
     line += '\n';
-    // Nothing can be done about a message that cannot be written.
+    // A message that cannot be written is lost.
     [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
 }

@@ -1,6 +1,7 @@
-// The host's own messages.
+// Messages of camparamd itself.
 #pragma once
 
-// Writes "camparamd: ", the text and a line end to standard error, as one write. Control characters
-// in the text, which may come from the network, become "?", so that it stays one line. Any thread.
+// Writes "camparamd: ", the text and a newline to standard error in one write. Control characters,
+// which may come from the network, are replaced with "?", so that a message stays on its line. Any
+// thread.
 void log_line(const char *format, ...) __attribute__((format(printf, 1, 2)));

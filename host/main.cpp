@@ -17,8 +17,8 @@
 
 namespace {
 
-// Called before any thread exists, so every thread leaves these signals to the main thread: a wait
-// that one of them interrupted would end the store's thread.
+// Runs before any thread is created: all inherit the mask, and only the main thread takes these
+// signals. One that interrupted a wait of the store's thread would end that thread.
 sigset_t block_ending_signals()
 {
     sigset_t ending;
@@ -42,7 +42,7 @@ void fill_profile(const options &chosen)
         let_conf_files_be_written();
 }
 
-// Without its home folder the store would start with no settings, and save that.
+// With an unreadable home folder the store would start without settings and save that state.
 bool can_read_home(const std::string &home)
 {
     std::error_code error;
@@ -102,7 +102,7 @@ bool start_client()
     return true;
 }
 
-// Waits for one of the ending signals, and keeps the shared memory up to date meanwhile.
+// Refreshes the share maps until one of the signals arrives. Returns its number.
 int wait_for_signal(const sigset_t &ending)
 {
     const timespec turn = {0, 100000000};
@@ -122,7 +122,7 @@ int main(int argc, char **argv)
         return exit_status;
 
     const sigset_t ending = block_ending_signals();
-    signal(SIGPIPE, SIG_IGN); // whoever reads the traces may leave; the settings still get saved
+    signal(SIGPIPE, SIG_IGN); // the reader of the traces may exit; settings must still be saved
     fill_profile(chosen);
     if (!(chosen.client ? start_client() : start_server(chosen)))
         return 1;

@@ -1,4 +1,4 @@
-// The audio and the video members as tables. Values of some members have names.
+// The audio and video members as tables.
 #pragma once
 
 #include "camparam/audio.h"
@@ -7,7 +7,7 @@
 struct named_member {
     const char *name;
     int slot;                                 // of video: within the stream
-    const char *(*value_name)(int) = nullptr; // null: its values have no names
+    const char *(*value_name)(int) = nullptr; // null: the values have no names
 };
 
 inline constexpr named_member audio_members[] = {

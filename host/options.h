@@ -1,4 +1,4 @@
-// What the command line of camparamd says.
+// The command line of camparamd.
 #pragma once
 
 #include <string>
@@ -6,13 +6,13 @@
 struct options {
     std::string home;
     std::string data;
-    std::string www2json; // empty: the store's own default
+    std::string www2json; // empty: the store's default
     int trace_level = 3;
     bool client = false;
     bool write_conf = false;
     bool share = true;
 };
 
-// Fills the options; their defaults are what para_profile holds. When the process is to end here,
-// because of a mistake or of a question such as --help, returns false with the exit status.
+// Parses the command line; the folders default to those of para_profile. Returns false, and the
+// exit status, when the process should end here: after --help, --version or a usage error.
 bool read_options(int argc, char **argv, options &chosen, int &exit_status);

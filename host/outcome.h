@@ -1,4 +1,4 @@
-// The answer of a command that changes settings: what was accepted, and what refused and why.
+// The reply of a command that changes settings: accepted names, and refused names with reasons.
 #pragma once
 
 #include <cjson/cJSON.h>
@@ -10,7 +10,7 @@ public:
     // Adds the array "accepted" and the object "refused" to the reply.
     explicit outcome(cJSON *reply);
 
-    // Reports a name; an empty reason means that it was accepted.
+    // Reports a name, as accepted if the reason is empty.
     void add(const char *name, const std::string &reason);
 
 private:

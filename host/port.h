@@ -1,6 +1,6 @@
-// The UDP port of the message server.
+// The UDP port of the message server, PARA_SERVER_PORT.
 #pragma once
 
-// Whether the port can be bound on all addresses: 0, or the error number. The store goes on
-// without a server when it cannot, which helps nobody who has started a host by hand.
+// Binds the port on all addresses and releases it. Returns 0 or the error number. The store itself
+// starts without a server when the port is taken; a host that is started by hand should fail.
 int probe_server_port();

@@ -8,6 +8,8 @@
 
 namespace {
 
+const char *const netport = "netport";
+
 bool is_conf_module(const char *name)
 {
     for (int i = 0; i < module_para_handle_num; i++) {
@@ -18,19 +20,19 @@ bool is_conf_module(const char *name)
     return false;
 }
 
-// The module that the request names; null when what it names cannot be one.
+// The requested module; null when "module" is not a text.
 const char *module_of(const cJSON *data)
 {
     const cJSON *const module = cJSON_GetObjectItemCaseSensitive(data, "module");
     if (module == nullptr)
-        return "netport";
+        return netport;
     return cJSON_IsString(module) ? module->valuestring : nullptr;
 }
 
-// The store registers a reload of "netport", the ports that other programs wait for, as work.
+// The store has registered the reload of "netport" with the work queue.
 int reload(const char *module)
 {
-    if (strcmp(module, "netport") == 0)
+    if (strcmp(module, netport) == 0)
         return post_fifo_work(module, nullptr) > 0 ? 0 : -1;
     para_conf_need_update(module);
     return 0;

@@ -14,7 +14,7 @@ const cJSON *data_of(const json_ptr &request)
 json_ptr start_reply(const json_ptr &request)
 {
     json_ptr reply(cJSON_CreateObject());
-    // Looked up as the store does when it finds the command: without regard to case.
+    // Ignores case, as the store does when it looks the command up.
     const cJSON *const name = cJSON_GetObjectItem(request.get(), "msg_name");
     if (cJSON_IsString(name))
         cJSON_AddStringToObject(reply.get(), "msg_name", name->valuestring);

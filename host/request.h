@@ -1,4 +1,4 @@
-// The text of a request to a command, and the reply that echoes its identifiers.
+// Parses requests to commands, and starts replies that echo their identifiers.
 #pragma once
 
 #include <cjson/cJSON.h>
@@ -17,5 +17,5 @@ json_ptr parse_request(const para_message &message);
 // The request's "data", or null when it is absent or not an object.
 const cJSON *data_of(const json_ptr &request);
 
-// An object that holds the request's "msg_name" and "msg_id", where it had them.
+// A new object with the request's "msg_name" and "msg_id", if present.
 json_ptr start_reply(const json_ptr &request);

@@ -11,13 +11,13 @@
 
 namespace {
 
-// A module that takes datagrams.
+// A module that share datagrams can set.
 struct share_target {
     const char *name;
     int (*set_opt)(const char *key, const cJSON *item, const char *name);
     bool (*has)(const char *member);
     int (*instances)() = [] { return 1; };
-    bool is_numbered = false; // requests know it with the instance's number behind its name
+    bool is_numbered = false; // requests append the instance to the name, as in "video0"
 };
 
 template <typename table> bool is_in(const table &members, const char *name)

@@ -7,7 +7,8 @@
 
 namespace {
 
-constexpr int instance = 0; // styles are loaded for the first image processor
+constexpr int instance = 0;      // only the first image processor has styles
+constexpr int last_index = 1023; // guards against a bogus range
 
 void add_style_name(cJSON *object, const char *member, int index)
 {
@@ -19,23 +20,22 @@ void add_style_name(cJSON *object, const char *member, int index)
 void add_styles(cJSON *reply)
 {
     cJSON *const styles = cJSON_AddArrayToObject(reply, "styles");
-    // The list may have holes, where a style's values are missing; the range tells how far it goes,
-    // unless it is far too large.
-    const int last = std::min(para_get_isp_style_max(instance), 1023);
+    // A listed style without values has no name, so a gap does not end the list before the range
+    // does.
+    const int last = std::min(para_get_isp_style_max(instance), last_index);
     for (int i = 0; i <= last || para_get_isp_style_string(i) != nullptr; i++) {
         const char *const name = para_get_isp_style_string(i);
-        if (name != nullptr &&
-            para_get_isp_style_index(name) == i) // not a name for the second time
+        if (name != nullptr && para_get_isp_style_index(name) == i) // omits repeated names
             cJSON_AddItemToArray(styles, cJSON_CreateString(name));
     }
     add_style_name(reply, "default", para_get_isp_style_def_index(instance));
     add_style_name(reply, "current", para_get_isp_style_cur(instance));
 }
 
-// Sets one member. Returns an empty text, or why it was refused.
+// Sets one member. Returns the reason when it is refused, else an empty text.
 std::string set(const isp_member &member, int value)
 {
-    // The setter is silent about a value that it does not take, so the current value tells.
+    // The setter returns 0 either way; the current value shows whether it was accepted.
     member.set(instance, value);
     if (para_isp_cur[instance].*member.value != value)
         return out_of_range(para_isp_min[instance].*member.value,
@@ -43,8 +43,8 @@ std::string set(const isp_member &member, int value)
     return "";
 }
 
-// The style's word first: where it is refused the picture stays as it is. Returns whether it was
-// taken.
+// The member "style" comes first: if it is refused, nothing else changes. Returns whether it was
+// accepted.
 bool apply_style(int index, outcome &result)
 {
     const cJSON *const named = get_isp_style_json(index);
@@ -66,7 +66,7 @@ bool is_flag(const cJSON *node)
     return node == nullptr || cJSON_IsNumber(node) || cJSON_IsBool(node);
 }
 
-// 1 or true.
+// Nonzero or true.
 bool is_set(const cJSON *flag)
 {
     return cJSON_IsTrue(flag) || (cJSON_IsNumber(flag) && flag->valueint != 0);
