@@ -5,7 +5,7 @@ _camparam_settings()
     camparam --timeout 0.3 --retries 0 list 2>/dev/null | awk 'NR > 1 { print $1 }'
 }
 
-# Those of a stream or image processor, under the name of the module without its number.
+# The settings that share datagrams can change, without the number of the instance.
 _camparam_shared()
 {
     _camparam_settings | sed -nE 's/^(video|isp)0\./\1./p; /^audio\./p'

@@ -22,7 +22,7 @@ void check_name(const setting_value &value, const member_description &member)
                                    member.limits() + ")");
 }
 
-// What the user says about the form of values goes before the description.
+// --number and --text override the description.
 assignment with_form(const setting_value &value, value_form form)
 {
     if (form == value_form::number)
@@ -30,8 +30,8 @@ assignment with_form(const setting_value &value, value_form form)
     return {value.name.member, value.value, form == value_form::number};
 }
 
-// The host may change a text that it does not know into one that it does, or into 0, so a value
-// that cannot be meant is not sent.
+// An invalid value is not sent: the store would match a name by its beginning, or take an unknown
+// one for 0.
 assignment with_description(const setting_value &value, const member_description &member)
 {
     if (member.read_only)

@@ -31,8 +31,8 @@ bool is_answer_to(const cJSON *request, const cJSON *answer)
            agrees(answer, request, "msg_name");
 }
 
-// Sends items as one request, or each half on its own when they are too long for a datagram.
-// build(first, count) makes the request, send(request) sends it.
+// Sends items as one request, or splits them in halves while it exceeds a datagram. build(first,
+// count) makes the request, send(request) sends it.
 template <typename item, typename builder, typename sender>
 void send_in_parts(const item *first, size_t count, const builder &build, const sender &send)
 {
@@ -159,8 +159,8 @@ std::string client::web(const char *type, const std::string &page, const std::st
     cJSON_AddStringToObject(request.get(), "msg_from", "www");
     if (!query.empty())
         cJSON_AddStringToObject(request.get(), "data", query.c_str());
-    // Answers carry no identifier. A host without web names answers in JSON; an error text with a
-    // very long page name is cut before its "=".
+    // Answers carry no identifier. JSON is no answer: a host without web names sends it. An error
+    // text with a very long page name may be cut before its "=".
     return exchange(server, print_line(request.get()), [&](const std::string &text) {
         const bool is_cut = !text.empty() && page.compare(0, text.size(), text) == 0;
         return is_cut || text.find('=') != std::string::npos;

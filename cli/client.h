@@ -1,4 +1,4 @@
-// The requests that the store understands.
+// Requests to the store.
 #pragma once
 
 #include <string>
@@ -7,39 +7,39 @@
 #include "connection.h"
 #include "json.h"
 
-// A member and the value that it is to get.
+// A member and its new value.
 struct assignment {
     std::string member;
     std::string value;
-    bool number; // how the value travels; a number's text has passed parse_int()
+    bool number; // sent as a number, as the text has passed parse_int(); else as a string
 };
 
 class client {
 public:
     explicit client(server_address address) : server(std::move(address)) {}
 
-    // Asks a module for members, or for all with the one name "all", and adds what it answers to
-    // the object. Returns whether the module answered at all.
+    // Gets members of a module, or all for the one name "all", and adds them to the object. Returns
+    // whether the module answered.
     bool get(const std::string &module, const std::vector<std::string> &members, cJSON *found);
 
-    // Sets members of a module, through a command when one is named. The answer to a set request
-    // does not tell what was taken.
+    // Sets members of a module by a set request, or by a command if one is named. The answer to a
+    // set request does not tell what was accepted: read the values back.
     void set(const std::string &module, const std::string &command,
              const std::vector<assignment> &values);
 
-    // Calls a command with "msg_type" "api_get" or "api_set"; no data when it is null. Returns the
+    // Calls a command with "msg_type" "api_get" or "api_set" and optional data. Returns the
     // answer without its identifiers, or null when the host does not know the command or the
     // command failed.
     json_ptr call(const char *type, const std::string &command, json_ptr data);
 
-    // Sends any JSON text and returns the answer as it came.
+    // Sends a JSON text as it is and returns the answer as it is.
     std::string raw(const std::string &request);
 
-    // Sends a request in web names, "get" or "set", with a query unless it is empty. Returns the
-    // answer, which is a query too, or an error text such as "PAGE=null".
+    // Sends a "get" or "set" request in web names, with a query unless it is empty. Returns the
+    // answer: a query, or an error text such as "PAGE=null".
     std::string web(const char *type, const std::string &page, const std::string &query);
 
-    // Sends a datagram that is no request, and waits for nothing.
+    // Sends a datagram that gets no answer.
     void send(const std::string &datagram);
 
 private:
@@ -51,5 +51,5 @@ private:
     int last_id = 0;
 };
 
-// Adds a value to an object in the form in which it travels.
+// Adds a value to an object as a number or a string.
 void add_value(cJSON *object, const assignment &value);

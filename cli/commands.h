@@ -1,5 +1,5 @@
-// The program's commands, one a file. Each prints its result, returns the exit status, and throws
-// a failure when it cannot go on.
+// The subcommands, one per file. Each prints its result and returns the exit status, or throws a
+// failure.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 #include "failure.h"
 #include "setting.h"
 
-// Texts are as on the command line. With as_json, results are printed as JSON.
+// Texts are as on the command line.
 exit_code list_settings(client &host, const std::string &filter, bool as_json);
 exit_code get_settings(client &host, const std::vector<std::string> &texts, bool as_json);
 exit_code set_settings(client &host, const std::vector<std::string> &texts, value_form form,
@@ -18,7 +18,7 @@ exit_code call_command(client &host, const std::string &command, const char *typ
                        const std::vector<std::string> &members, value_form form, bool as_json);
 exit_code send_raw(client &host);
 
-// Picture styles: shows them all; applies one, and makes it the default if wanted.
+// Picture styles: lists them; applies one, and optionally makes it the default.
 exit_code show_styles(client &host, bool as_json);
 exit_code apply_style(client &host, const std::string &name, bool as_default, bool as_json);
 
@@ -26,6 +26,6 @@ exit_code apply_style(client &host, const std::string &name, bool as_default, bo
 exit_code get_page(client &host, const std::string &page, bool as_json);
 exit_code set_page(client &host, const std::string &page, const std::string &query, bool as_json);
 
-// Sets MODULE.MEMBER=VALUE of an instance as client processes of the device do.
+// Sets MODULE.MEMBER=VALUE of an instance by share datagram, as processes of the device do.
 exit_code share_setting(client &host, const std::string &text, int instance, value_form form,
                         bool as_json);

@@ -22,7 +22,7 @@ std::string name_of(const server_address &server)
     return server.host + " port " + std::to_string(server.port);
 }
 
-// Throws a failure that says why the last send or receive went wrong.
+// Throws a failure that explains errno after a socket call.
 [[noreturn]] void network_failure(const server_address &server)
 {
     if (errno == ECONNREFUSED)
@@ -37,7 +37,7 @@ public:
     {
         const auto found = look_up();
         descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-        // Connected: datagrams from elsewhere are dropped, and a closed port is reported.
+        // A connected socket drops datagrams from elsewhere, and reports a closed port.
         if (descriptor < 0 || connect(descriptor, found->ai_addr, found->ai_addrlen) != 0) {
             const int error = errno;
             close(descriptor);
@@ -57,7 +57,7 @@ public:
             network_failure(server);
     }
 
-    // The next datagram, or nothing when none comes until then.
+    // The next datagram, or nothing if none arrives in time.
     std::optional<std::string> receive(steady_clock::time_point until) const
     {
         if (!wait(until))

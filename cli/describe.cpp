@@ -70,8 +70,8 @@ json_ptr ask(client &host, const std::vector<std::string> &modules)
     return host.call("api_get", "describe", std::move(data));
 }
 
-// A description that is too long for a datagram tells the modules alone; their members come one
-// module at a time.
+// A description that exceeds a datagram lists only the modules; their members are requested module
+// by module.
 void complete(client &host, cJSON *modules)
 {
     if (cJSON_GetArraySize(modules) < 2)
@@ -118,7 +118,7 @@ std::optional<description> describe(client &host, const std::vector<std::string>
     described.answer = ask(host, modules);
     cJSON *const found = cJSON_GetObjectItemCaseSensitive(described.answer.get(), "modules");
     if (!cJSON_IsObject(found))
-        return std::nullopt; // also another command, whose name begins with "describe"
+        return std::nullopt; // or the answer of another command whose name begins with "describe"
     complete(host, found);
     const cJSON *module = nullptr;
     cJSON_ArrayForEach(module, found)

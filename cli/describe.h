@@ -1,4 +1,4 @@
-// What the host tells of its settings, by the command "describe".
+// Descriptions of settings, from the host's command "describe".
 #pragma once
 
 #include <optional>
@@ -10,11 +10,11 @@
 
 struct member_description {
     std::string name;
-    std::string kind; // "number", "enum", "text", or what a later host calls it
+    std::string kind; // "number", "enum", "text", or one that a later host adds
     std::string min, max, default_value, current;
     std::vector<std::string> names; // of an enum
-    bool read_only;                 // a request for it would change another one
-    const cJSON *node;              // as the host sent it
+    bool read_only;                 // set requests cannot change it
+    const cJSON *node;              // owned by the answer
 
     // Such as "number, 0 to 100" or "one of AAC, G711A".
     std::string limits() const;
@@ -22,7 +22,7 @@ struct member_description {
 
 struct module_description {
     std::string name;
-    std::string command; // which sets members; empty: a set request does
+    std::string command; // that sets members; empty: set requests do
     std::vector<member_description> members;
 
     const member_description *find(const std::string &member) const;
@@ -35,9 +35,9 @@ struct description {
     const module_description *find(const std::string &module) const;
 };
 
-// Asks for the description of some modules, or of all with an empty list. Nothing when the host
-// does not describe its settings.
+// Requests the description of some modules, or of all for an empty list. Nothing if the host does
+// not describe its settings.
 std::optional<description> describe(client &host, const std::vector<std::string> &modules);
 
-// "no module ..." or "no setting ...", with a similar name where the host describes one.
+// "no module ..." or "no setting ...", with a similar name if the host describes one.
 std::string no_such_setting(client &host, const setting_name &name);

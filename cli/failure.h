@@ -1,10 +1,9 @@
-// How a command ends.
+// Exit statuses, and the exception that carries one.
 #pragma once
 
 #include <stdexcept>
 #include <string>
 
-// Exit statuses of the program.
 enum exit_code {
     DONE = 0,
     OTHER = 1,

@@ -8,7 +8,7 @@
 
 namespace {
 
-// The members to ask a module for; "all" alone when the module itself is named.
+// The members to request from a module; only "all" if the module itself is named.
 std::vector<std::string> members_of(const std::vector<setting_name> &names,
                                     const std::string &module)
 {
@@ -22,7 +22,7 @@ std::vector<std::string> members_of(const std::vector<setting_name> &names,
     return members;
 }
 
-// Asks each module once. The tree holds an object for every module that answered.
+// Sends one request per module. The tree holds an object for each module that answered.
 json_ptr ask(client &host, const std::vector<setting_name> &names)
 {
     json_ptr values(cJSON_CreateObject());

@@ -1,4 +1,4 @@
-// Ownership and text of JSON trees.
+// JSON trees: ownership, parsing and printing.
 #pragma once
 
 #include <cjson/cJSON.h>
@@ -15,11 +15,11 @@ using json_ptr = std::unique_ptr<cJSON, json_delete>;
 // The tree, or null when the text is not JSON.
 json_ptr parse_json(const std::string &text);
 
-// One line, or with line breaks and tabs.
+// As one line, or with line breaks and tabs.
 std::string print_line(const cJSON *node);
 std::string print_pretty(const cJSON *node);
 
-// A value as a user writes it: a text without quotes, everything else as JSON; empty for null.
+// A value as a user writes it: a string without quotes, anything else as JSON; empty for null.
 std::string value_text(const cJSON *node);
 
 // An object's member by its exact name, or null. The object may be null or of another type.
@@ -28,5 +28,5 @@ const cJSON *member_of(const cJSON *object, const char *name);
 // The text of a string node; empty for null and for any other type.
 std::string string_of(const cJSON *node);
 
-// A decimal number that fits in 32 bits, and nothing behind it.
+// A decimal 32-bit integer without anything before or after it.
 std::optional<int> parse_int(const std::string &text);

@@ -10,13 +10,13 @@ using table_rows = std::vector<std::vector<std::string>>;
 
 const std::vector<std::string> header = {"NAME", "KIND", "MIN", "MAX", "DEFAULT", "VALUE", ""};
 
-// A cell is never empty, so that columns can be told apart.
+// Cells are never empty, so that columns can be parsed.
 std::string cell(const std::string &text)
 {
     return text.empty() ? "-" : visible(text);
 }
 
-// An empty text is a value, not the absence of one.
+// An empty text is a value, unlike an absent member.
 std::string value_cell(const member_description &member, const char *key, const std::string &text)
 {
     return member_of(member.node, key) != nullptr && text.empty() ? "\"\"" : cell(text);
@@ -36,10 +36,10 @@ std::vector<std::string> row_of(const std::string &name, const member_descriptio
 struct listing {
     table_rows rows = {header};
     json_ptr tree{cJSON_CreateObject()};
-    std::string names; // that the last member may have, if it is an enum
+    std::string names; // of the last member's values, if it is an enum
 };
 
-// Adds the module's members, or the one that is wanted.
+// Adds the module's members, or only the wanted one.
 void add_module(listing &list, const module_description &module, const std::string &wanted)
 {
     cJSON *const object = cJSON_AddObjectToObject(list.tree.get(), module.name.c_str());
@@ -63,7 +63,7 @@ void print_list(const listing &list, const setting_name &wanted, bool as_json)
         printf("%s\n", visible(list.names).c_str());
 }
 
-// A host without descriptions still tells the values of a module.
+// A host without descriptions still answers with the values of a module.
 exit_code list_values(client &host, const setting_name &wanted, bool as_json)
 {
     if (wanted.module.empty())

@@ -48,7 +48,7 @@ struct arguments {
         return as_text ? value_form::text : value_form::automatic;
     }
 
-    // A command that gets members most likely changes something.
+    // A command that is given members most likely changes something.
     const char *api_type() const
     {
         return api_set || (!api_get && !members.empty()) ? "api_set" : "api_get";
@@ -67,7 +67,7 @@ void add_options(CLI::App &app, arguments &given)
     app.add_option("--timeout", given.server.timeout_s, "Seconds to wait for each answer")
         ->type_name("SECONDS")
         ->capture_default_str();
-    app.add_option("--retries", given.server.retries, "Further requests when no answer comes")
+    app.add_option("--retries", given.server.retries, "Repeats of a request without an answer")
         ->type_name("COUNT")
         ->check(CLI::Range(0, 1000))
         ->capture_default_str();
@@ -79,7 +79,7 @@ void add_form_options(CLI::App *command, arguments &given)
 {
     CLI::Option *const number =
         command->add_flag("--number", given.as_number, "Send every value as a number");
-    command->add_flag("--text", given.as_text, "Send every value as a text")->excludes(number);
+    command->add_flag("--text", given.as_text, "Send every value as a string")->excludes(number);
 }
 
 void add_list(CLI::App &app, arguments &given)
@@ -92,7 +92,7 @@ void add_list(CLI::App &app, arguments &given)
 
 void add_get(CLI::App &app, arguments &given)
 {
-    CLI::App *const get = app.add_subcommand("get", "Print values, a line each");
+    CLI::App *const get = app.add_subcommand("get", "Print values, one per line");
     get->add_option("settings", given.names, "Modules or settings")
         ->type_name("MODULE[.MEMBER]")
         ->required();
@@ -113,11 +113,11 @@ void add_call(CLI::App &app, arguments &given)
     call->add_option("command", given.command, "Name of the command")
         ->type_name("COMMAND")
         ->required();
-    call->add_option("members", given.members, "What to tell it; integers travel as numbers")
+    call->add_option("members", given.members, "Parameters; integers are sent as numbers")
         ->type_name("MEMBER=VALUE");
     CLI::Option *const set =
-        call->add_flag("--set", given.api_set, "Call it to change [when members are given]");
-    call->add_flag("--get", given.api_get, "Call it to ask [when none are given]")->excludes(set);
+        call->add_flag("--set", given.api_set, "Send it as api_set [default with parameters]");
+    call->add_flag("--get", given.api_get, "Send it as api_get [default without]")->excludes(set);
     add_form_options(call, given);
 }
 
@@ -127,8 +127,7 @@ void add_style(CLI::App &app, arguments &given)
         app.add_subcommand("style", "Show the picture styles, or apply one with all its values");
     CLI::Option *const name =
         style->add_option("style", given.style, "The style to apply")->type_name("NAME");
-    style->add_flag("--default", given.as_default, "Make it the default style as well")
-        ->needs(name);
+    style->add_flag("--default", given.as_default, "Make it the default style, too")->needs(name);
 }
 
 void add_www(CLI::App &app, arguments &given)
@@ -136,11 +135,11 @@ void add_www(CLI::App &app, arguments &given)
     CLI::App *const www =
         app.add_subcommand("www", "Read or change settings in the names of the web pages");
     www->require_subcommand(1);
-    CLI::App *const get = www->add_subcommand("get", "Print the values of a page, a line each");
+    CLI::App *const get = www->add_subcommand("get", "Print the values of a page, one per line");
     get->add_option("page", given.page, "Name of the page")->type_name("PAGE")->required();
     CLI::App *const set = www->add_subcommand("set", "Change values of a page and read them back");
     set->add_option("page", given.page, "Name of the page")->type_name("PAGE")->required();
-    set->add_option("query", given.query, "New values; nothing in them is escaped")
+    set->add_option("query", given.query, "New values, sent without escaping")
         ->type_name("NAME=VALUE&...")
         ->required();
 }
@@ -148,7 +147,7 @@ void add_www(CLI::App &app, arguments &given)
 void add_share(CLI::App &app, arguments &given)
 {
     CLI::App *const share = app.add_subcommand(
-        "share", "Change a setting by share datagram and read it back over a request");
+        "share", "Change a setting by share datagram and read it back by request");
     share->add_option("value", given.shared, "Setting of video, audio or isp, and its new value")
         ->type_name("MODULE.MEMBER=VALUE")
         ->required();
@@ -176,7 +175,7 @@ exit_code run_style(client &host, const arguments &given)
 exit_code run(const CLI::App &app, const arguments &given)
 {
     const double longest_s = 3600;
-    if (!(given.server.timeout_s > 0 && given.server.timeout_s <= longest_s)) // also not a number
+    if (!(given.server.timeout_s > 0 && given.server.timeout_s <= longest_s)) // false for NaN, too
         throw failure(USAGE, "--timeout takes seconds, more than 0 and at most 3600");
 
     client host(given.server);
@@ -206,7 +205,7 @@ int main(int argc, char **argv)
     CLI::App app("Reads and changes the settings of a camera.", "camparam");
     app.footer(examples);
     app.require_subcommand(1);
-    app.fallthrough(); // the options below also stand behind the command
+    app.fallthrough(); // options of the program are accepted after the subcommand too
     add_options(app, given);
     add_list(app, given);
     add_get(app, given);
@@ -215,7 +214,7 @@ int main(int argc, char **argv)
     add_style(app, given);
     add_www(app, given);
     add_share(app, given);
-    app.add_subcommand("raw", "Send the JSON request on standard input, print the answer");
+    app.add_subcommand("raw", "Send the JSON request on standard input and print the answer");
 
     try {
         app.parse(argc, argv);

@@ -1,4 +1,4 @@
-// How a command ends that handles several settings, some of which may fail.
+// The result of a command on several settings, some of which may fail.
 #pragma once
 
 #include "failure.h"
@@ -7,11 +7,10 @@
 struct outcome {
     int done = 0;
     int refused = 0;
-    int missing = 0; // there is no such setting
+    int missing = 0; // no such setting
 
     exit_code status() const;
 };
 
-// Counts the members "accepted" and "refused", by which the host's commands that change settings
-// report.
+// Counts the "accepted" and "refused" of an answer from a command that changes settings.
 outcome outcome_of(const cJSON *answer);

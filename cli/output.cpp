@@ -60,6 +60,6 @@ void print_value(const std::string &name, const cJSON *value)
 
 void print_message(const std::string &text)
 {
-    fflush(stdout); // what was printed before stays before
+    fflush(stdout); // keep the order of both streams
     fprintf(stderr, "camparam: %s\n", visible(text).c_str());
 }

@@ -1,4 +1,4 @@
-// What the commands print.
+// Output of the commands.
 #pragma once
 
 #include <string>
@@ -6,11 +6,10 @@
 
 #include "json.h"
 
-// The text with its control characters as escapes, so that a value stays on its line and cannot
-// steer the terminal.
+// Escapes control characters, so that a value stays on its line and cannot control the terminal.
 std::string visible(const std::string &text);
 
-// Prints rows with aligned columns, two blanks between them.
+// Prints rows with aligned columns, separated by two blanks.
 void print_table(const std::vector<std::vector<std::string>> &rows);
 
 // Prints NAME=VALUE.

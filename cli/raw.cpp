@@ -8,7 +8,7 @@ exit_code send_raw(client &host)
 {
     const std::string request(std::istreambuf_iterator<char>(std::cin), {});
     const json_ptr tree = parse_json(request);
-    // The store is silent about both, and waiting for its answer would say less.
+    // The store answers neither of these, so waiting would only time out.
     if (!cJSON_IsObject(tree.get()))
         throw failure(USAGE, "standard input holds no JSON object");
     if (!cJSON_IsString(cJSON_GetObjectItem(tree.get(), "msg_type")))

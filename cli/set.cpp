@@ -31,8 +31,7 @@ std::vector<std::string> modules_of(const std::vector<setting_value> &values)
     return modules;
 }
 
-// Plans every change before the first is sent. Names each one that cannot be sent, and throws a
-// failure then.
+// Plans all changes before any is sent. If some cannot be sent, prints why and throws a failure.
 std::vector<change> plan_all(client &host, const std::vector<setting_value> &values,
                              const std::optional<description> &described, value_form form)
 {
@@ -56,7 +55,7 @@ std::vector<change> plan_all(client &host, const std::vector<setting_value> &val
     throw failure(result.status(), "nothing was set");
 }
 
-// Sends the changes of a module and returns its values from then on.
+// Sends the changes of a module and returns the values that it has afterwards.
 json_ptr apply(client &host, const std::string &module, const std::vector<change> &changes)
 {
     std::vector<assignment> values;

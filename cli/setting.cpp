@@ -7,14 +7,14 @@
 
 namespace {
 
-// They belong to every message and cannot be asked for.
+// Members of every message, which therefore cannot name a module.
 bool is_message_field(const std::string &module)
 {
     const std::array<const char *, 4> fields = {"msg_type", "msg_from", "msg_name", "msg_id"};
     return std::find(fields.begin(), fields.end(), module) != fields.end();
 }
 
-// The place of the "=", behind at least one character.
+// The position of the "=" after a non-empty name.
 size_t find_equals(const std::string &text, const char *shape)
 {
     const size_t equals = text.find('=');

@@ -1,4 +1,4 @@
-// Settings as users name them on the command line.
+// Settings and values on the command line.
 #pragma once
 
 #include <string>
@@ -13,7 +13,7 @@ struct setting_name {
     std::string text() const { return member.empty() ? module : module + "." + member; }
 };
 
-// MODULE[.MEMBER]. Throws a failure for a text that cannot name a setting.
+// Parses MODULE[.MEMBER], or throws a failure.
 setting_name parse_setting_name(const std::string &text);
 
 struct setting_value {
@@ -21,11 +21,11 @@ struct setting_value {
     std::string value;
 };
 
-// MODULE.MEMBER=VALUE; the value may be empty and hold further "=".
+// Parses MODULE.MEMBER=VALUE, or throws a failure. The value may be empty, and may contain "=".
 setting_value parse_setting_value(const std::string &text);
 
-// How values on the command line travel.
+// The type of values in requests.
 enum class value_form { automatic, number, text };
 
-// MEMBER=VALUE. In automatic form, what reads as a 32-bit integer is a number.
+// Parses MEMBER=VALUE, or throws a failure. In automatic form a 32-bit integer is a number.
 assignment parse_assignment(const std::string &text, value_form form);

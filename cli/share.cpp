@@ -6,7 +6,7 @@
 
 namespace {
 
-// Copies a text into a field that keeps at least one zero.
+// Copies a text into a field of zeros, leaving at least one as terminator.
 template <size_t size> void fill(char (&field)[size], const std::string &text)
 {
     if (text.size() >= size)
@@ -29,7 +29,7 @@ std::string datagram_of(const std::string &module, int instance, const assignmen
     return {reinterpret_cast<const char *>(&datagram), sizeof datagram};
 }
 
-// The name by which requests know an instance of a share module.
+// The name of an instance of a share module in requests.
 std::string module_of(const std::string &shared, int instance)
 {
     if (shared == "audio") {

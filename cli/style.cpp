@@ -8,7 +8,7 @@
 
 namespace {
 
-// The styles as the host tells them.
+// The styles of the host.
 struct style_list {
     std::vector<std::string> names;
     std::string current, by_default;
@@ -20,7 +20,7 @@ style_list ask(client &host)
     style_list styles;
     styles.answer = host.call("api_get", "style", nullptr);
     const cJSON *const names = member_of(styles.answer.get(), "styles");
-    if (!cJSON_IsArray(names)) // also another command, whose name begins with "style"
+    if (!cJSON_IsArray(names)) // or the answer of another command whose name begins with "style"
         throw failure(OTHER, "the host does not tell its picture styles");
     const cJSON *name = nullptr;
     cJSON_ArrayForEach(name, names)

@@ -5,8 +5,7 @@
 
 namespace {
 
-// Letters to insert, remove or replace until the word is the name. A word that is like the
-// beginning of the name counts as one letter worse.
+// The edit distance between word and name, or between word and a beginning of the name plus one.
 size_t unlikeness(const std::string &word, const std::string &name)
 {
     std::vector<size_t> row(name.size() + 1); // distance to the beginning of each length
@@ -27,11 +26,11 @@ size_t unlikeness(const std::string &word, const std::string &name)
 
 std::string most_similar(const std::string &word, const std::vector<std::string> &names)
 {
-    const size_t longest = 64; // no name that anyone meant; also bounds the work
+    const size_t longest = 64; // no typing error is that long; also bounds the work
     if (word.size() > longest)
         return "";
 
-    size_t least = word.size() / 3 + 2; // more is another word
+    size_t least = word.size() / 3 + 2; // a larger distance is another word
     const std::string *best = nullptr;
     for (const std::string &name : names) {
         const size_t current = name.size() <= longest ? unlikeness(word, name) : least;

@@ -1,8 +1,8 @@
-// Help with misspelt names.
+// Suggestions for misspelt names.
 #pragma once
 
 #include <string>
 #include <vector>
 
-// The name that a misspelt word most likely stands for; empty when none is similar.
+// The most similar name, or an empty text if none is similar enough.
 std::string most_similar(const std::string &word, const std::vector<std::string> &names);

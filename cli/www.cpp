@@ -10,7 +10,7 @@ namespace {
 
 using pair_list = std::vector<std::pair<std::string, std::string>>;
 
-// The pairs of a query; what has no "=" is left out, such as nothing before a first "&".
+// The pairs of a query. Parts without "=" are skipped, such as the empty one before a leading "&".
 pair_list pairs_of(const std::string &query)
 {
     pair_list pairs;
@@ -25,7 +25,7 @@ pair_list pairs_of(const std::string &query)
     return pairs;
 }
 
-// The store answers what it cannot convert with a text; a longer one is cut.
+// The store reports an error as a text of at most longest_error bytes.
 void check_answer(const std::string &answer, const std::string &page)
 {
     const size_t longest_error = 1023;
@@ -41,7 +41,7 @@ pair_list ask(client &host, const std::string &page)
 {
     const std::string answer = host.web("get", page, "");
     check_answer(answer, page);
-    if (answer == "result=success") // the answer without a pair
+    if (answer == "result=success") // the page has no values
         return {};
     return pairs_of(answer);
 }
@@ -63,7 +63,7 @@ void print(const pair_list &pairs, bool as_json)
         puts(print_pretty(tree.get()).c_str());
 }
 
-// What the page shows under a name: one value, or one of each module that shares the name.
+// The values that the page shows under a name: one for each module that shares it.
 std::vector<std::string> values_of(const pair_list &pairs, const std::string &name)
 {
     std::vector<std::string> values;
@@ -74,7 +74,7 @@ std::vector<std::string> values_of(const pair_list &pairs, const std::string &na
     return values;
 }
 
-// Of a name that is given twice, the last value stands.
+// If a name is repeated, the last value counts.
 pair_list last_of_each(const pair_list &pairs)
 {
     pair_list last;
@@ -89,8 +89,8 @@ pair_list last_of_each(const pair_list &pairs)
     return last;
 }
 
-// Sends the pairs that the page shows. A set takes the names of every page, but what this one does
-// not show could not be read back from it.
+// Sends the pairs that the page shows. The store would accept the names of other pages as well, but
+// they could not be read back from this one.
 void set_shown(client &host, const pair_list &wanted, const pair_list &shown,
                const std::string &page)
 {
@@ -104,7 +104,7 @@ void set_shown(client &host, const pair_list &wanted, const pair_list &shown,
         check_answer(host.web("set", page, query), page);
 }
 
-// Prints what the page shows of the pairs, and names each that it shows otherwise.
+// Prints the pairs that the page shows, and a message for each one that it shows otherwise.
 exit_code report(const pair_list &wanted, const pair_list &shown, const std::string &page,
                  bool as_json)
 {
