@@ -7,9 +7,8 @@
 //   value:  DQUOTE bytes DQUOTE    everything from the first to the last quote of the line
 //         | bytes                  not DQUOTE first
 //
-// Lines are written with the quotes, and so every value without LF comes back as it was. A line
-// that holds a zero byte, or one quote alone before its value, is what a write cut short leaves
-// behind: it is no entry.
+// Values are written with quotes, so that each value without LF is read back unchanged. A line with
+// a zero byte or an unterminated quote is the remains of an interrupted write, and is skipped.
 #pragma once
 
 #include <string>
@@ -21,8 +20,8 @@ struct conf_entry {
     std::string value;
 };
 
-// The entries in file order, a key as often as it occurs.
+// The entries in file order, including repeated keys.
 std::vector<conf_entry> parse_conf_text(std::string_view text);
 
-// Whether a line can be made of the two that reads back as them.
+// Whether key and value can be written as a line that parses to the same pair.
 bool conf_writable(std::string_view key, std::string_view value);

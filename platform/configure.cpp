@@ -18,9 +18,9 @@
 
 namespace {
 
-// An entry as conf_find() hands it out: 256 bytes that begin with the key, then the value text. It
-// is replaced whole when the key gets another value, and never changed: who loops over the entries
-// keeps them alive and needs no lock.
+// An entry as conf_find() hands it out: the key, cut or padded to 256 bytes, then the value text.
+// Entries are immutable: a new value replaces the entry, so that loops hold references and need no
+// lock.
 class entry {
 public:
     entry(std::string_view key, std::string_view value) : bytes(key.substr(0, value_offset - 1))
@@ -60,10 +60,10 @@ private:
     bool store(std::string_view key, std::string_view value);
 
     std::mutex lock;
-    std::vector<named_entry> entries; // in file order; keys stay
+    std::vector<named_entry> entries; // in file order; never removed
     std::map<std::string, size_t, std::less<>> positions;
 
-    // What each key was when it was last asked about, or else at the first read; no key: absent.
+    // The entry of each key at the last question about it, or else at the first read.
     std::map<std::string, entry_ptr, std::less<>> known;
     bool was_read = false;
 };
@@ -132,7 +132,7 @@ void *configure_object::find(std::string_view key)
     return found != nullptr ? found->address() : nullptr;
 }
 
-// One step for every other thread: none sees a file half read.
+// Atomic: no other thread sees a half-read file.
 void configure_object::merge(const std::vector<conf_entry> &read)
 {
     const std::lock_guard<std::mutex> guard(lock);
@@ -143,7 +143,7 @@ void configure_object::merge(const std::vector<conf_entry> &read)
 
     was_read = true;
     for (const named_entry &each : entries)
-        known.emplace(each.key, each.current); // a key that was asked about keeps that answer
+        known.emplace(each.key, each.current); // no effect on keys already asked about
 }
 
 int configure_object::changed_key(const std::vector<std::string> &keys)
@@ -194,8 +194,8 @@ configure_object::configure_object()
     conf_find = find_operation;
 }
 
-// Writers empty and fill a file under an exclusive lock. Where files cannot be locked it is read
-// as it is.
+// Writers truncate and rewrite a file under an exclusive lock. On file systems without locks it is
+// read anyway.
 void wait_for_writers(FILE *file)
 {
     int locked;

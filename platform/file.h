@@ -11,9 +11,9 @@ struct file_close {
 };
 using file_ptr = std::unique_ptr<FILE, file_close>;
 
-// Null when there is no path or the file cannot be opened for reading.
+// Null when the path is null or the file cannot be opened for reading.
 file_ptr open_to_read(const char *path);
 
-// The rest of a file, whatever its size says: files under /proc tell none. Nothing when it cannot
-// be read, as a directory cannot.
+// Reads to the end of the file instead of trusting its size, which is 0 for files under /proc.
+// Nothing on a read error, such as for a directory.
 std::optional<std::string> read_rest(FILE *file);

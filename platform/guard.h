@@ -1,4 +1,4 @@
-// The border between this library, which may throw, and its C interface, which must not.
+// Keeps exceptions, which this library uses, out of its C interface.
 #pragma once
 
 #include <exception>

@@ -1,9 +1,9 @@
-// Key sets: one heap block that C callers pass around and free, so its layout holds no pointers:
-// the number of keys as an int, then their texts, each with its zero.
+// Key sets: a heap block that C callers free with free(), so it contains no pointers: the number of
+// keys as an int, then their zero-terminated texts.
 #pragma once
 
 #include <string>
 #include <vector>
 
-// The keys of a block that config_keys_format() made; none for a null one.
+// The keys of a block from config_keys_format(); none for null.
 std::vector<std::string> keys_of(const void *key_set);

@@ -20,7 +20,7 @@ static void write_message(const char *message, int length)
 void wnk_traceout(int level, const char *format, ...)
 {
     (void)level;
-    const int callers_errno = errno; // a trace may stand between a failed call and its test
+    const int callers_errno = errno; // callers may trace before they check errno
 
     va_list arguments;
     va_start(arguments, format);

@@ -17,7 +17,8 @@
 
 namespace {
 
-// A thread that is started meanwhile never takes a signal: a host decides which of its own does.
+// Blocks all signals while it exists. A thread created meanwhile inherits the mask, and leaves
+// signals to the threads of the host.
 class signals_held_back {
 public:
     signals_held_back()
@@ -52,7 +53,7 @@ private:
     bool stopping = false;
 };
 
-// Never destroyed: threads of the host may still post while the process ends.
+// Never destroyed: threads of the host may post while the process exits.
 work_queue &queue()
 {
     static work_queue *const only = new work_queue;
@@ -114,12 +115,12 @@ void work_queue::run()
         const fifo_work work = waiting.front();
         waiting.pop_front();
         guard.unlock();
-        work.handler(work.argument); // without the lock: it may post and add
+        work.handler(work.argument); // unlocked, as it may post and add work
         guard.lock();
     }
 }
 
-// Work that has not begun is dropped: its handlers may need what the process has already closed.
+// Drops waiting work: its handlers may need resources that the exiting process has released.
 void work_queue::stop()
 {
     std::thread ending;
@@ -130,7 +131,7 @@ void work_queue::stop()
     }
     posted.notify_all();
     if (ending.get_id() == std::this_thread::get_id())
-        ending.detach(); // a handler ends the process
+        ending.detach(); // a handler called exit()
     else
         ending.join();
 }
