@@ -1,7 +1,6 @@
-// What reading a setting through its exported getter costs, and a set that changes nothing, next to
-// a plain read of a global array's slot by a function that is not inlined, exported by a shared
-// library too. Batches of each are run by turns, so that whatever slows the machine down slows all
-// of them.
+// Measures exported getters, and sets that change nothing, against a plain read of a global array
+// by a function of another shared library. Batches of all calls alternate, so that a busy machine
+// slows them alike.
 //
 // usage: accessors
 // Exits with 1 when a getter takes more than 1.5 times as long, or a set more than 2 times, and
@@ -25,8 +24,7 @@ constexpr int calls_in_batch = 100000;
 constexpr double highest_get_ratio = 1.5;
 constexpr double highest_set_ratio = 2.0;
 
-// The same read within this program, which is spared what crossing into a library costs: for the
-// record, not the measure.
+// The same read without the cost of a call into a library, for comparison.
 int own_values[PARA_VIDEO_SLOTS];
 __attribute__((noinline)) int own_read(int slot)
 {

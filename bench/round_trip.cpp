@@ -1,7 +1,7 @@
-// What a get request for one member costs, next to a bare UDP server that waits, receives and sends
-// in the same way, parses the same request and builds and prints the same reply, and knows that one
-// reply only. Both run in this process, on threads of their own, and are asked by turns and on
-// one processor, so that whatever slows the machine down slows both.
+// Measures a get request for one member against a bare UDP server that waits, receives and sends in
+// the same way, parses the same request and builds and prints the same reply, but can do nothing
+// else. Both run on threads of this process, on one processor, and requests alternate between them,
+// so that a busy machine slows them alike.
 //
 // usage: round_trip [ROUND_TRIPS]    at least 20000 to each server
 // Exits with 1 when the store takes more than 1.3 times as long, 2 when nothing could be measured.
@@ -42,8 +42,8 @@ const char request[] = R"({"msg_type":"get","msg_name":"bench","msg_id":7,"af":[
     exit(2);
 }
 
-// Where this is allowed: a network of our own, in which the store's port is free and nobody else
-// sends. Otherwise the machine's.
+// Enters a new network namespace, in which the store's port is free and nobody else sends. Where
+// namespaces are forbidden, stays in that of the machine.
 void enter_own_network()
 {
     if (unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0)
@@ -66,7 +66,7 @@ sockaddr_in local(unsigned short port)
     return address;
 }
 
-// A socket bound to the port, 0 for any.
+// A socket bound to the port; 0: any port.
 int bound_socket(unsigned short port)
 {
     const int descriptor = socket(AF_INET, SOCK_DGRAM, 0);
@@ -84,9 +84,9 @@ unsigned short port_of(int descriptor)
     return ntohs(address.sin_port);
 }
 
-// Keeps this thread, and the threads that it starts, on one processor. Left to the scheduler, a
-// server that shares the client's processor for a while has another price than one that must be
-// woken on an idle one, whatever it computes; and the waking would hide what it computes.
+// Pins this thread, and the threads that it creates, to one processor. Otherwise the result depends
+// on whether the scheduler places a server on the client's processor or wakes an idle one for it,
+// and waking takes longer than serving.
 void stay_on_one_processor()
 {
     cpu_set_t one;
@@ -96,7 +96,7 @@ void stay_on_one_processor()
         give_up("sched_setaffinity");
 }
 
-// The store's reply to the request, built from what the parsed request holds.
+// The store's reply to the request, built from the parsed request.
 char *bare_reply(const char *text)
 {
     cJSON *const tree = cJSON_Parse(text);
@@ -140,7 +140,7 @@ void serve_bare(int server, const std::atomic<bool> &stop)
     }
 }
 
-// A device folder, removed at the end.
+// A device folder that is removed at the end.
 class device {
 public:
     device()
@@ -166,7 +166,7 @@ private:
 
 void start_store(const device &files)
 {
-    // Start-up goes on without its port, so whether it is free is found out beforehand.
+    // The store would start without a server if the port were taken.
     close(bound_socket(PARA_SERVER_PORT));
     para_profile.home_dir = files.path();
     para_profile.data_dir = files.path();
@@ -186,7 +186,7 @@ public:
     }
     ~client() { close(descriptor); }
 
-    // Sends the request and waits for the reply; keeps the time that took, in microseconds.
+    // Sends the request, waits for the reply and records the time in microseconds.
     std::string ask()
     {
         char reply[4096];
@@ -212,7 +212,7 @@ private:
     std::vector<double> times;
 };
 
-// Round trips by turns; which server goes first alternates too.
+// Alternates between the servers, and in which goes first.
 void measure(client &store, client &bare, int round_trips)
 {
     for (int i = 0; i < round_trips; i++) {
