@@ -1,4 +1,4 @@
-// Answers that no store gives: the client must survive them and say so.
+// Malformed answers.
 #include "cli/run.h"
 
 namespace {

@@ -7,8 +7,8 @@ namespace {
 
 class Completion : public HostProcess {
 protected:
-    // Whether the shell offers exactly this for the last of these words. Asks again if not: the
-    // completion waits 0.3 s for the host, which may not do on a busy machine.
+    // Whether the completion of the last word is exactly this. Tries again if not: the completion
+    // waits 0.3 s for the host, which may be too short on a busy machine.
     static testing::AssertionResult are_offered(const std::string &expected,
                                                 const std::string &words)
     {
@@ -21,7 +21,7 @@ protected:
         return testing::AssertionFailure() << "offered for " << words << ": " << offered;
     }
 
-    // What the shell offers for the last of these words, in one line.
+    // The completions of the last word, in one line.
     static std::string offers(const std::string &words)
     {
         const std::string folder = std::filesystem::path(CAMPARAM).parent_path();

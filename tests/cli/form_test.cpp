@@ -1,4 +1,4 @@
-// How the client decides whether a value travels as a number or as a text.
+// Whether the client sends a value as a number or as a string.
 #include "cli/run.h"
 #include "host/host_process.h"
 
@@ -6,7 +6,7 @@ namespace {
 
 class ValueForm : public HostProcess {
 protected:
-    // The last set request that the host got, without its identifiers.
+    // The last set request that the server received, without "msg_id".
     static std::string last_set(const fake_server &camera)
     {
         std::string last = "none";

@@ -60,7 +60,7 @@ TEST_F(ClientNetwork, AnAnswerToARetryCounts)
         return replies;
     });
 
-    // As many retries as a busy machine may need to get an answer through in time.
+    // More retries than it takes, as on a busy machine an answer may miss the timeout.
     EXPECT_EQ(run({"get", "af.zoom_value", "--timeout", "0.1", "--retries", "1000"}).output,
               "af.zoom_value=4\n");
 }
@@ -119,7 +119,7 @@ TEST_F(ClientNetwork, EachRequestHasAnIdentifierOfItsOwn)
 
 TEST_F(ClientNetwork, ARepeatedAnswerIsNotTakenForTheNext)
 {
-    // Each answer comes twice, as after a retry whose first answer was only late.
+    // Each answer is sent twice, as after a retry when the first answer was merely late.
     const fake_server camera([](const std::string &request) {
         std::string answer = reply_to(request, "'af':{'zoom_value':9}");
         if (is_for(request, "describe"))

@@ -1,4 +1,4 @@
-// Runs of the client program.
+// Runs the client program.
 #pragma once
 
 #include <algorithm>
@@ -15,8 +15,8 @@ struct run_result {
     std::string errors;
 };
 
-// Runs camparam with these words to its end. Unless they name a timeout it is 20 s, as an answer
-// may take longer than the default of 1 s on a busy machine.
+// Runs camparam with these arguments until it exits. The timeout is 20 s unless they set it: the
+// default of 1 s may be too short on a busy machine.
 inline run_result run(const std::vector<std::string> &words, const std::string &input = "")
 {
     std::vector<std::string> command = {CAMPARAM};
@@ -28,8 +28,8 @@ inline run_result run(const std::vector<std::string> &words, const std::string &
     return {status, client.output(), client.errors()};
 }
 
-// Runs camparam with ever longer timeouts until it reports this text, for answers after which it
-// waits on: however late they come on a busy machine, the last run receives them in time.
+// Runs camparam with increasing timeouts until its messages contain the text. For answers that it
+// rejects, after which it waits for the whole timeout: the shortest one that suffices is used.
 inline run_result run_until_reported(std::vector<std::string> words, const std::string &report)
 {
     run_result got = {};
@@ -43,22 +43,21 @@ inline run_result run_until_reported(std::vector<std::string> words, const std::
     return got;
 }
 
-// JSON without blanks, an apostrophe for a quote.
+// Compact JSON with apostrophes for quotes.
 inline std::string squeeze(const std::string &text)
 {
     const json tree(cJSON_Parse(text.c_str()));
     return tree != nullptr ? compact(tree.get()) : "not JSON: " + text;
 }
 
-// A text with quotes for apostrophes.
+// The text with quotes for apostrophes.
 inline std::string quoted(std::string text)
 {
     std::replace(text.begin(), text.end(), '\'', '"');
     return text;
 }
 
-// A reply that echoes the request's identifier and holds these members; an apostrophe stands for a
-// quote.
+// A reply with the request's "msg_id" and these members, written with apostrophes for quotes.
 inline std::string reply_to(const std::string &request, const std::string &members)
 {
     return quoted("{'msg_id':" + id_of(request) + "," + members + "}");
@@ -69,7 +68,7 @@ inline bool is_for(const std::string &request, const std::string &word)
     return request.find("\"" + word + "\"") != std::string::npos;
 }
 
-// A host that describes these modules, answers every get with these values, and takes nothing.
+// A host that describes these modules and answers every other request with these values.
 inline fake_server::answerer describing(const std::string &modules, const std::string &values)
 {
     return [=](const std::string &request) {

@@ -1,4 +1,4 @@
-// Settings of every kind of module of the sample device, through list, get and set.
+// list, get and set with every kind of module of the sample device.
 #include <sys/stat.h>
 
 #include "cli/run.h"

@@ -12,7 +12,7 @@ protected:
         share();
     }
 
-    // The datagrams that are no JSON.
+    // The received datagrams that are not JSON objects.
     static std::vector<std::string> datagrams(const fake_server &camera)
     {
         std::vector<std::string> found;
@@ -24,7 +24,7 @@ protected:
     }
 };
 
-// A field of a datagram, filled up with zeros.
+// A field of a datagram, padded with zeros.
 std::string field(std::string text, size_t size)
 {
     text.resize(size);

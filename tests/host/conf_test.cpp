@@ -1,4 +1,4 @@
-// Conf files: whether they are written, and rereading them.
+// Writing and reloading conf files.
 #include "host/host_process.h"
 
 namespace {

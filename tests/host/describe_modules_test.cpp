@@ -1,11 +1,11 @@
-// What describe tells of each kind of module.
+// Descriptions of each kind of module.
 #include "host/host_process.h"
 
 namespace {
 
 class DescribeModules : public HostProcess {
 protected:
-    // A description as text; an apostrophe stands for a quote.
+    // The members of a module as compact JSON, with apostrophes for quotes.
     static std::string members_of(const std::string &module)
     {
         const json reply(cJSON_Parse(ask(module).c_str()));

@@ -12,7 +12,7 @@ const char *const af = "'af':{'set':'lens','members':{"
                        "'zoom_value':{'kind':'number','min':-100,'max':1000,'default':0,"
                        "'current':0}}}";
 
-// With the files of the lens alone the other modules have no members, and there is no stream.
+// The fixture writes files for the lens only: no other module has members, and there is no stream.
 const std::string every_module =
     "'isp0':{'members':{}}," + std::string(af) +
     ",'audio':{'members':{}},'misc':{'members':{}},'netport':{'members':{}},"

@@ -1,4 +1,4 @@
-// Stands in for a host process: answers on the server's UDP port as the test says.
+// A UDP server in place of a host process, which sends the answers that the test gives it.
 #pragma once
 
 #include <atomic>
@@ -10,7 +10,7 @@
 
 class fake_server {
 public:
-    // Gives the datagrams to send back for a request. Called by one thread at a time.
+    // Returns the datagrams to send in reply to a request. Called by one thread at a time.
     using answerer = std::function<std::vector<std::string>(const std::string &request)>;
 
     explicit fake_server(answerer answers);
@@ -19,7 +19,7 @@ public:
     fake_server(const fake_server &) = delete;
     fake_server &operator=(const fake_server &) = delete;
 
-    // All requests so far, in order. Includes those that the server's thread has not got to yet.
+    // All requests so far, in order, including those that were still in the socket's queue.
     std::vector<std::string> requests() const;
 
 private:
@@ -34,7 +34,7 @@ private:
     std::thread thread;
 };
 
-// A text that a test changes while the server's thread answers with it.
+// A text that one thread may change while another reads it.
 class shared_text {
 public:
     void operator=(const std::string &new_text)
@@ -53,5 +53,5 @@ private:
     std::string text;
 };
 
-// The number behind "msg_id" in a request, as text.
+// The "msg_id" of a request as text; "none" without one.
 std::string id_of(const std::string &request);

@@ -18,7 +18,7 @@ protected:
     static std::string logged() { return testing::internal::GetCapturedStderr(); }
 };
 
-// Setters of modules with several instances, as the store would hand them over.
+// Stands for the setters of modules with several instances.
 extern "C" PARA_API int para_set_sample_gain_cur(int, int)
 {
     return 0;

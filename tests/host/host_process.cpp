@@ -23,10 +23,10 @@ void HostProcess::start_host(const std::vector<std::string> &options)
     ASSERT_FALSE(host->has_ended()) << host->errors();
 }
 
-int HostProcess::run_host(const std::vector<std::string> &words)
+int HostProcess::run_host(const std::vector<std::string> &arguments)
 {
     std::vector<std::string> command = {CAMPARAMD};
-    command.insert(command.end(), words.begin(), words.end());
+    command.insert(command.end(), arguments.begin(), arguments.end());
     host = std::make_unique<process>(command);
     return host->wait_for_end();
 }

@@ -1,5 +1,5 @@
-// A camparamd on folders of its own, with a lens of its own. It shares no memory, whose names
-// belong to the whole machine, unless the test says so.
+// A fixture that runs camparamd on temporary folders with the files of a lens. Share maps are off
+// unless the test turns them on, as their names are global.
 #pragma once
 
 #include <memory>
@@ -12,14 +12,14 @@
 class HostProcess : public Store {
 protected:
     // Writes the files of a lens: focus_mode 0 to 3, default 1; zoom_value -100 to 1000, default 0.
-    // The other members are absent.
+    // Its other members are absent.
     HostProcess();
 
     // Starts camparamd on the fixture's folders and waits until it is ready.
     void start_host(const std::vector<std::string> &options = {});
-    // Runs camparamd with these words alone, to its end. Returns its exit status.
-    int run_host(const std::vector<std::string> &words);
-    // Ends it by a signal and returns its exit status.
+    // Runs camparamd with only these arguments until it exits. Returns its exit status.
+    int run_host(const std::vector<std::string> &arguments);
+    // Sends a signal, waits for the exit and returns the exit status.
     int end_host(int number);
 
     // Writes conf files "netport" and "overlay", 160 keys each, whose description exceeds a
@@ -28,12 +28,11 @@ protected:
 
     bool host_has_logged(const std::string &text) const;
 
-    // Waits until the saved file has exactly these bytes and the zero byte behind them; an
-    // apostrophe stands for a quote.
+    // Waits until the saved file contains exactly this text, with quotes for apostrophes, and a
+    // zero byte. Returns whether it does.
     bool saves(const std::string &name, const std::string &text);
 
-    // Gives the test and what it starts a folder of shared memory of their own, and lets camparamd
-    // share.
+    // Mounts a private /dev/shm for the test and its child processes, and turns share maps on.
     void share();
 
     std::unique_ptr<process> host;

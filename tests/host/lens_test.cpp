@@ -4,7 +4,7 @@ namespace {
 
 class LensCommand : public HostProcess {
 protected:
-    // The reply to a request with these data.
+    // Returns the reply to a request with this "data".
     std::string set(const std::string &lens_data)
     {
         return client.ask("{'msg_type':'api_set','msg_name':'lens','msg_id':1,'data':" + lens_data +

@@ -94,7 +94,7 @@ TEST_F(HostOptions, ClientRoleServesAndSavesNothing)
 {
     start_host({"--client"});
 
-    // Refused at once, as nothing listens; a host that served would answer, or take the request.
+    // The port is closed, so the request fails at once, and another process can bind the port.
     EXPECT_EQ(Client().ask("{'msg_type':'get','msg_id':1}"), "none");
     const fake_server other([](const std::string &) { return std::vector<std::string>(); });
     EXPECT_EQ(end_host(SIGTERM), 0);

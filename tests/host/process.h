@@ -1,4 +1,4 @@
-// A program that runs beside the test.
+// A child process.
 #pragma once
 
 #include <sys/types.h>
@@ -8,9 +8,9 @@
 
 class process {
 public:
-    // Starts the program, whose path comes first. It reads the input and then an end of file.
+    // Starts a program by its path and arguments, with the text as standard input.
     explicit process(const std::vector<std::string> &command, const std::string &input = "");
-    // Kills the program if it still runs.
+    // Kills the process if it still runs.
     ~process();
 
     process(const process &) = delete;
@@ -18,11 +18,12 @@ public:
 
     void send_signal(int number);
 
-    // Waits for the end. The exit status; -1 when a signal ended it or it does not end.
+    // Waits for the exit. Returns the exit status, or -1 if a signal killed the process or it does
+    // not exit within 20 s.
     int wait_for_end();
     bool has_ended();
 
-    // What it has written so far.
+    // Its standard output and standard error so far.
     std::string output() const;
     std::string errors() const;
 

@@ -30,7 +30,7 @@ protected:
 
 class EachSampleDevice : public SampleDevice, public testing::WithParamInterface<const char *> {};
 
-// Calls check(module, member) for each member of a description.
+// Calls check("MODULE.MEMBER", member) for each member of a description and returns their number.
 template <typename checker> int for_each_member(const json &described, const checker &check)
 {
     int count = 0;

@@ -28,7 +28,7 @@ protected:
         return descriptor >= 0;
     }
 
-    // An entry of a share module, as a client process of the device gets it.
+    // An entry of a share module, attached as a client process of the device does.
     static const int *entry(int module, int number)
     {
         EXPECT_EQ(para_share_register(module), 0) << module;

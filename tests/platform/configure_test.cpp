@@ -174,7 +174,7 @@ TEST_F(ConfigureObject, ReadsAFileWithoutEntries)
     EXPECT_THAT(conf.entries(), IsEmpty());
 }
 
-// Whether a thread of this machine waits to lock the file.
+// Whether some thread is blocked on a lock of the file.
 static bool lock_is_awaited(const std::string &path)
 {
     struct stat status = {};

@@ -3,8 +3,8 @@
 
 #include "tests/platform/folder.h"
 
-// An object that several threads use at once. A value is one letter, repeated: a value that was
-// seen half written would show two.
+// Concurrent use of an object. Each value repeats one letter, so that a torn value would contain
+// two letters.
 class SharedConfigureObject : public Folder {
 protected:
     static constexpr int turns = 300;
@@ -20,7 +20,7 @@ protected:
         return !value.empty() && value.find_first_not_of(value[0]) == std::string::npos;
     }
 
-    // Runs the actions side by side until the first of them, the limited one, has ended.
+    // Runs the limited action, while threads repeat the other actions until it has finished.
     static void run(const std::function<void()> &limited,
                     const std::vector<std::function<void()>> &repeated)
     {

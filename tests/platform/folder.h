@@ -1,4 +1,4 @@
-// A folder of the test's own, and configure objects that end with it.
+// A temporary folder, and configure objects.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -33,7 +33,7 @@ struct heap_delete {
 using heap_text = std::unique_ptr<char, heap_delete>;
 using heap_block = std::unique_ptr<void, heap_delete>;
 
-// A configure object in the words of a test.
+// Owns a configure object.
 class Conf {
 public:
     Conf() : object(configure_init()) {}
@@ -47,7 +47,7 @@ public:
     std::string get(const std::string &key);
     // Key and value of each entry, in the order of conf_loop.
     std::vector<std::pair<std::string, std::string>> entries();
-    // Where conf_find() has the value text; null when absent.
+    // The value text in the entry from conf_find(); null if absent.
     const char *found(const std::string &key);
     int save(const std::string &file);
     int changed(const std::vector<const char *> &keys);
@@ -55,5 +55,5 @@ public:
     configure *const object;
 };
 
-// Waits until the condition holds, 20 seconds at the most. Returns whether it holds.
+// Waits up to 20 seconds for the condition. Returns whether it holds.
 bool eventually(const std::function<bool()> &condition);

@@ -8,7 +8,7 @@
 
 #include "tests/platform/folder.h"
 
-// Standard error is a packet socket meanwhile: each write arrives as a packet of its own.
+// Replaces standard error with a packet socket, so that each write arrives as a packet.
 class TraceOutput : public testing::Test {
 protected:
     TraceOutput() : usual(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0))

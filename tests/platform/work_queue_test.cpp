@@ -23,7 +23,7 @@ int add(const char *name, const char *type, int (*handler)(void *), void *argume
     return add_fifo_work(&work, 1);
 }
 
-// Waits until everything that was posted before has run.
+// Waits until all work posted before has run.
 bool queue_is_empty()
 {
     static std::atomic<int> reached{0};
@@ -216,7 +216,7 @@ bool main_thread_sleeps()
     return state == "S";
 }
 
-// Finishes once the process, which is ending, waits for it. One that does not wait never sleeps.
+// Finishes once the main thread sleeps, as it does when the exiting process waits for this handler.
 int finish_late(void *started)
 {
     static_cast<std::promise<void> *>(started)->set_value();
