@@ -28,7 +28,7 @@ shared_table tables[] = {
     {.module = SHARE_AUDIO, .values = para_audio_cur, .entry_words = PARA_AUDIO_SLOTS},
     {.module = SHARE_ISP,
      .values = &para_isp_cur[0].size,
-     .entry_words = PARA_ISP_WORDS,
+     .entry_words = PARA_ISP_SLOTS,
      .entries = PARA_ISP_INSTANCES},
 };
 

@@ -104,7 +104,7 @@ int Isp::word_of(const std::string &name)
 
 int Isp::word_at(const isp_record &record, int word)
 {
-    int words[PARA_ISP_WORDS];
+    int words[PARA_ISP_SLOTS];
     memcpy(words, &record, sizeof words);
     return words[word];
 }

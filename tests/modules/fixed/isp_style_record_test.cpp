@@ -52,10 +52,10 @@ TEST_F(IspStyleRecord, HoldsEveryLoadedMember)
 
     const isp_record *const record = para_get_isp_style_param(0, 1);
     ASSERT_NE(record, nullptr);
-    int words[PARA_ISP_WORDS];
+    int words[PARA_ISP_SLOTS];
     ASSERT_EQ(sizeof words, sizeof *record);
     memcpy(words, record, sizeof words);
-    for (int word = 1; word < PARA_ISP_WORDS; word++) {
+    for (int word = 1; word < PARA_ISP_SLOTS; word++) {
         const int expected = word == PARA_ISP_style ? 1
                              : word == PARA_ISP_antiflicker || word == PARA_ISP_hotpixel
                                  ? 0
