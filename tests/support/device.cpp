@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <mutex>
 
@@ -30,15 +31,16 @@ std::atomic<long long> clock_moved_ms{0};
 std::atomic<bool> clock_stopped{false};
 timespec stopped_at;
 
-trace_line split(int level, const std::string &message)
+trace_line split(int level, const char *format, const std::string &message)
 {
     // "[para " function " +" line, padded "]" text
     const size_t name = 6;
     const size_t plus = message.find(" +");
     const size_t end = message.find(']', plus);
     if (message.compare(0, name, "[para ") != 0 || end == std::string::npos)
-        return {level, "", message};
-    return {level, message.substr(name, plus - name), message.substr(end + 1)};
+        return {level, "", message, 0, format};
+    return {level, message.substr(name, plus - name), message.substr(end + 1),
+            atoi(message.c_str() + plus + 2), format};
 }
 
 } // namespace
@@ -66,7 +68,7 @@ PARA_API void wnk_traceout(int level, const char *format, ...)
     char *message = nullptr;
     if (vasprintf(&message, format, arguments) >= 0) {
         const std::lock_guard<std::mutex> guard(seen().lock);
-        seen().traces.push_back(split(level, message));
+        seen().traces.push_back(split(level, format, message));
         free(message);
     }
     va_end(arguments);

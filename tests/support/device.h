@@ -13,6 +13,8 @@ struct trace_line {
     int level;
     std::string function; // as the prefix names it
     std::string text;     // behind the prefix, line breaks included
+    int line = 0;         // as the prefix tells it
+    std::string format;   // as the platform got it
 };
 
 // Moves CLOCK_MONOTONIC forward for the whole process.
