@@ -64,12 +64,14 @@ TEST_F(OdmStart, ABrokenFileIsReplacedByTheNextSave)
     EXPECT_EQ(saved_document(), "{'version':1,'mine':5}");
 }
 
-TEST_F(OdmStart, AFileThatHoldsNoObjectLosesNothingThatIsSet)
+TEST_F(OdmStart, AFileThatHoldsNoObjectHasNoKeys)
 {
-    EXPECT_EQ(init("[1,2]"), -1);
-    EXPECT_EQ(number("version"), "error -1");
-    para_set_odm_int("mine", 5);
-    EXPECT_EQ(saved_document(), "{'version':1,'mine':5}");
+    for (const char *bytes : {"[1,2]", "7", "'text'", "null"}) {
+        EXPECT_EQ(init(bytes), 0) << bytes;
+        EXPECT_EQ(number("version"), "error -2") << bytes;
+        EXPECT_EQ(text("version"), "error -2") << bytes;
+    }
+    EXPECT_THAT(traces(), IsEmpty());
 }
 
 TEST_F(OdmStart, AFileThatCannotBeReadIsNoError)

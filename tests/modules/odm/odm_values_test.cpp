@@ -239,8 +239,20 @@ TEST_F(OdmSetter, ANullTextLeavesTheItemAsItIs)
     EXPECT_EQ(_para_set_odm_string("number", nullptr), 1);
     EXPECT_EQ(text("text"), "x");
     EXPECT_EQ(number("number"), "5");
-    EXPECT_EQ(para_set_odm_string("absent", nullptr), 0);
     EXPECT_EQ(text("text"), "x");
+}
+
+TEST_F(OdmSetter, ANullTextForAnAbsentKeyStoresNothingAndCountsAsAChange)
+{
+    init("{'version':1}");
+    EXPECT_EQ(_para_set_odm_string("absent", nullptr), 1);
+    EXPECT_THAT(told, IsEmpty());
+    EXPECT_FALSE(change_pending());
+    EXPECT_EQ(para_set_odm_string("absent", nullptr), 0);
+    EXPECT_THAT(told, testing::ElementsAre("absent"));
+    EXPECT_TRUE(change_pending());
+    EXPECT_EQ(text("absent"), "error -2");
+    EXPECT_EQ(saved_document(), "{'version':1}");
 }
 
 TEST_F(OdmSetter, OneDocumentIsMadeWhenThreadsSetFirstAtOnce)
