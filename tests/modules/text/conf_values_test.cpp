@@ -183,11 +183,12 @@ TEST_F(ConfKeyChange, SeesWhatAReloadBrings)
     EXPECT_EQ(changed({"port"}), 0);
 }
 
-TEST_F(ConfKeyChange, ANullListIsRefused)
+TEST_F(ConfKeyChange, NoKeyOfANullListHasChanged)
 {
     init();
-    EXPECT_NE(para_conf_key_IsChanged("netport", nullptr, 3), 1);
-    EXPECT_NE(para_key_IsChanged_netport(nullptr, 3), 1);
+    EXPECT_EQ(para_conf_key_IsChanged("netport", nullptr, 3), 0);
+    EXPECT_EQ(para_key_IsChanged_netport(nullptr, 3), 0);
+    EXPECT_EQ(para_conf_key_IsChanged("unknown", nullptr, 3), -1);
 }
 
 TEST_F(ConfKeyChange, TheNamedCallsCutTheCountToEightBits)

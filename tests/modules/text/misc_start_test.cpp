@@ -245,3 +245,20 @@ TEST_F(MiscStart, OtherModulesThatBeginWithItsNameAreNot)
     para_init_misc("misc2");
     EXPECT_EQ(para_get_json_max("misc2", "ndi_mode"), 1) << "nothing is widened";
 }
+
+TEST_F(MiscStart, ALoadThatFailsLeavesTheRangePlaceAsItWas)
+{
+    const json kept = parse("{}");
+    for (const char *bytes : {"", "{"}) {
+        if (*bytes != '\0')
+            write_home("misc_range.json", bytes);
+        configure *cur = nullptr, *def = nullptr;
+        cJSON *range = kept.get();
+        EXPECT_EQ(para_init_misc_legacy("misc", &cur, &def, &range), -1) << bytes;
+        EXPECT_EQ(range, kept.get()) << bytes;
+        EXPECT_NE(cur, nullptr);
+        EXPECT_NE(def, nullptr);
+        configure_free(cur);
+        configure_free(def);
+    }
+}

@@ -85,19 +85,17 @@ TEST_F(JsonSave, WhatIsSavedReadsBackEqual)
     }
 }
 
-TEST_F(JsonSave, ABadStartDoesNotCostTheSavedSettings)
+TEST_F(JsonSave, AModuleThatFailedToLoadIsSavedLikeAnyOther)
 {
-    write_data("panel.conf", "light = '3'\n");
     write_home("panel_range.json", panel_range); // without the defaults file
     para_init_misc("json");
-    para_init_misc("panel");
-    EXPECT_EQ(para_save_misc("panel"), 0);
-    EXPECT_EQ(read_data("panel.conf"), "light = \"3\"\n");
-
-    unlink((home + "/panel_range.json").c_str());
-    para_init_misc("panel");
-    EXPECT_EQ(para_save_misc("panel"), 0);
-    EXPECT_EQ(read_data("panel.conf"), "light = \"3\"\n");
+    for (const char *what : {"no defaults", "no range either"}) {
+        write_data("panel.conf", "light = '3'\n");
+        para_init_misc("panel");
+        EXPECT_EQ(para_save_misc("panel"), 0) << what;
+        EXPECT_EQ(read_data("panel.conf"), "") << what << ": it has no values";
+        unlink((home + "/panel_range.json").c_str());
+    }
 }
 
 TEST_F(JsonSave, AFileThatDoesNotOpenIsNoErrorAndNotRetried)

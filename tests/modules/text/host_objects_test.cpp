@@ -1,0 +1,98 @@
+// How the store treats the host's configure objects. The functions that make and free them stand
+// before those of the platform here, count, and hand on.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+#include "modules/text/conf_fixture.h"
+#include "modules/text/pattern_fixture.h"
+
+namespace {
+
+std::atomic<int> made{0}, freed{0}, freed_null{0};
+std::atomic<bool> out_of_memory{false};
+
+template <typename function> function next(const char *name)
+{
+    return reinterpret_cast<function>(dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+extern "C" {
+
+PARA_API configure *configure_init(void)
+{
+    made++;
+    return out_of_memory ? nullptr : next<configure *(*)()>("configure_init")();
+}
+
+PARA_API void configure_free(configure *conf)
+{
+    (conf != nullptr ? freed : freed_null)++;
+    next<void (*)(configure *)>("configure_free")(conf);
+}
+
+} // extern "C"
+
+class HostObjects : public ConfModule {
+protected:
+    void expect_counts(int made_now, int freed_now)
+    {
+        EXPECT_EQ(made, made_now);
+        EXPECT_EQ(freed, freed_now);
+        EXPECT_EQ(freed_null, 0) << "a platform may not bear it";
+    }
+};
+
+TEST_F(HostObjects, AReloadKeepsThemAndMakesNone)
+{
+    init();
+    expect_counts(2, 0);
+    for (const char *port : {"8080", "8081"}) {
+        write_data("netport.conf", std::string("port = '") + port + "'\n");
+        EXPECT_EQ(para_init_single_conf("netport"), 0);
+        EXPECT_EQ(value("port"), port);
+    }
+    expect_counts(2, 0);
+}
+
+TEST_F(HostObjects, AFailedReloadFreesBothAndTheNextMakesThemAnew)
+{
+    init();
+    unlink((home + "/netport.conf").c_str());
+    EXPECT_EQ(para_init_single_conf("netport"), -1);
+    expect_counts(2, 2);
+    EXPECT_EQ(para_init_single_conf("netport"), -1);
+    expect_counts(4, 4);
+    write_home("netport.conf", port_defaults);
+    EXPECT_EQ(para_init_single_conf("netport"), 0);
+    expect_counts(6, 4);
+}
+
+TEST_F(HostObjects, AModuleForWhichThereIsNoMemoryHasNoneToFree)
+{
+    out_of_memory = true;
+    init();
+    expect_nothing("netport");
+    expect_counts(2, 0);
+    out_of_memory = false;
+    EXPECT_EQ(para_init_single_conf("netport"), 0);
+    EXPECT_EQ(value("port"), "80");
+}
+
+TEST_F(HostObjects, APatternModuleThatTakesAFailedOnesRecordFreesWhatItHad)
+{
+    para_init_misc("json");
+    para_init_misc("first"); // without files
+    expect_counts(2, 0);
+    para_init_misc("second");
+    expect_counts(4, 2);
+    out_of_memory = true;
+    para_init_misc("third");
+    para_init_misc("fourth"); // finds nothing to free
+    expect_counts(8, 4);
+    EXPECT_EQ(para_save_misc("fourth"), 0);
+    EXPECT_EQ(para_get_json_cur("fourth", "member"), -1);
+}
