@@ -30,6 +30,21 @@ TEST_F(AfSetter, TakesEveryValueOfTheRangeAndTellsTheHook)
     }
 }
 
+TEST_F(AfSetter, TheHookFindsTheChangeDone)
+{
+    static int value_in_hook;
+    static bool due_in_hook;
+    para_profile.af_set_notify_hook = [](int (*)(int), int) {
+        value_in_hook = para_get_af_zoom_value_cur();
+        move_clock(2000);
+        due_in_hook = para_need_save_af("af") == 1;
+    };
+    init();
+    para_set_af_zoom_value_cur(200);
+    EXPECT_EQ(value_in_hook, 200);
+    EXPECT_TRUE(due_in_hook);
+}
+
 TEST_F(AfSetter, RefusesWhatIsOutsideTheRange)
 {
     init();

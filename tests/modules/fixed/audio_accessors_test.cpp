@@ -83,6 +83,21 @@ TEST_F(AudioSetter, TakesEveryValueOfTheRangeAndTellsTheHook)
     EXPECT_TRUE(change_pending());
 }
 
+TEST_F(AudioSetter, TheHookFindsTheChangeDone)
+{
+    static int value_in_hook;
+    static bool due_in_hook;
+    para_profile.audio_set_notify_hook = [](int (*)(int), int) {
+        value_in_hook = para_get_audio_volLeftIn_cur();
+        move_clock(2000);
+        due_in_hook = para_need_save_audio("audio") == 1;
+    };
+    init();
+    para_set_audio_volLeftIn_cur(77);
+    EXPECT_EQ(value_in_hook, 77);
+    EXPECT_TRUE(due_in_hook);
+}
+
 TEST_F(AudioSetter, TheInternalSetterTellsTheChangeAndNoHook)
 {
     init();

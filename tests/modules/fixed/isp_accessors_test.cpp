@@ -97,6 +97,21 @@ TEST_F(IspSetter, TakesEveryValueOfTheRangeAndTellsTheHook)
     EXPECT_TRUE(change_pending());
 }
 
+TEST_F(IspSetter, TheHookFindsTheChangeDone)
+{
+    static int value_in_hook;
+    static bool due_in_hook;
+    para_profile.isp_set_notify_hook = [](int (*)(int, int), int, int) {
+        value_in_hook = para_get_isp_shutter_cur(0);
+        move_clock(2000);
+        due_in_hook = para_need_save_isp("isp0") == 1;
+    };
+    init();
+    para_set_isp_shutter_cur(0, 7);
+    EXPECT_EQ(value_in_hook, 7);
+    EXPECT_TRUE(due_in_hook);
+}
+
 TEST_F(IspSetter, TheInternalSetterTellsTheChangeAndNoHook)
 {
     init();

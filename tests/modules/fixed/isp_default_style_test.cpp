@@ -79,6 +79,17 @@ TEST_F(IspDefaultStyle, ANewOneGivesTheDefaultsAndLivesInTheOdmStore)
     EXPECT_EQ(current(), "{'style':1,'antiflicker':2,'saturation':70,'sharpness':10}");
 }
 
+TEST_F(IspDefaultStyle, TheOdmStoreIsToldOnceTheDefaultsStand)
+{
+    static int saturation_in_hook;
+    para_profile.odm_set_notify_hook = [](const char *) {
+        saturation_in_hook = para_get_isp_saturation_def(0);
+    };
+    start();
+    EXPECT_EQ(para_set_isp_style_def(0, 1), 0);
+    EXPECT_EQ(saturation_in_hook, 70);
+}
+
 TEST_F(IspDefaultStyle, TheSameOneIsNoChangeOfTheOdmStore)
 {
     start();

@@ -93,6 +93,21 @@ TEST_F(VideoSetter, TakesEveryValueOfTheRangeAndTellsTheHook)
     }
 }
 
+TEST_F(VideoSetter, TheHookFindsTheChangeDone)
+{
+    static int value_in_hook;
+    static bool due_in_hook;
+    para_profile.video_set_notify_hook = [](int (*)(int, int), int, int) {
+        value_in_hook = para_get_video_gop_cur(1);
+        move_clock(2000);
+        due_in_hook = para_need_save_video("video0") == 1;
+    };
+    init(2);
+    para_set_video_gop_cur(1, 7);
+    EXPECT_EQ(value_in_hook, 7);
+    EXPECT_TRUE(due_in_hook);
+}
+
 TEST_F(VideoSetter, TheInternalSetterTellsTheChangeAndNoHook)
 {
     init(2);

@@ -66,7 +66,7 @@ TEST_F(VideoStreams, CountItselfIsLetThrough)
     for (const accessors &member : all_members) {
         EXPECT_EQ(member.def(2), 0) << member.key;
         EXPECT_EQ(member.min(2), 0) << member.key;
-        EXPECT_EQ(member.max(2), member.slot == 6 ? 123 : 0) << member.key;
+        EXPECT_EQ(member.max(2), member.slot == PARA_VIDEO_gop ? 123 : 0) << member.key;
         EXPECT_EQ(member.cur(2), -1) << "not present";
         EXPECT_EQ(member.init(2), -1);
     }
@@ -74,6 +74,8 @@ TEST_F(VideoStreams, CountItselfIsLetThrough)
     para_video_cur[2 * PARA_VIDEO_STREAM_SLOTS + PARA_VIDEO_gop] = 45;
     EXPECT_EQ(para_get_video_gop_cur(2), 45) << "presence decides";
     EXPECT_EQ(_para_set_video_gop_cur(2, 50), 0) << "setters take streams in use alone";
+    EXPECT_EQ(para_set_video_member("gop", 2, 50, nullptr), 0);
+    EXPECT_EQ(para_video_cur[2 * PARA_VIDEO_STREAM_SLOTS + PARA_VIDEO_gop], 45);
 }
 
 TEST_F(VideoStreams, SixStreamsHaveNoSeventh)
