@@ -201,6 +201,26 @@ TEST_F(ConfLine, WaitsForAnotherProcessThatHasTheFileLockedAndKeepsItsLines)
     EXPECT_EQ(contents(), "port=9\nadded=1\n");
 }
 
+TEST_F(ConfLine, ASignalDoesNotMakeTheFileOurs)
+{
+    write_file(path, "port=1\n");
+    lock_holder other(path);
+    interrupt_locks(3);
+    std::thread rewriter([this] { EXPECT_EQ(update_conf(path.c_str(), "port", "port=9"), 0); });
+    EXPECT_TRUE(wait_until([] { return lock_attempts() == 4; }));
+    EXPECT_EQ(contents(), "port=1\n");
+    other.release();
+    rewriter.join();
+    EXPECT_EQ(contents(), "port=9\n");
+}
+
+TEST_F(ConfLine, GivesUpTheLockOnAWholeFile)
+{
+    rewritten("port=1\nname=x\n", "port", "port=2");
+    EXPECT_EQ(bytes_at_unlock(), "port=2\nname=x\n");
+    EXPECT_TRUE(last_lock_closes_on_exec()) << "the host starts programs meanwhile";
+}
+
 TEST_F(ConfLine, ReleasesTheLock)
 {
     rewritten("port=1\n", "port", "port=2");

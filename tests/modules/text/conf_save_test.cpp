@@ -140,6 +140,31 @@ TEST_F(ConfSave, WaitsForAnotherProcessThatHasTheFileLocked)
     EXPECT_THAT(saved(), StartsWith("port = \"8080\"\nrtsp = \"555\"\n"));
 }
 
+TEST_F(ConfSave, ASignalDoesNotMakeTheFileOurs)
+{
+    const std::string path = data + "/netport.conf";
+    init();
+    para_conf_set_member("netport", "port", "8080");
+    lock_holder other(path);
+    write_file(path, "what the other one writes\n");
+    interrupt_locks(3);
+    std::thread saver([] { EXPECT_EQ(para_save_conf("netport"), 0); });
+    EXPECT_TRUE(wait_until([] { return lock_attempts() == 4; }));
+    EXPECT_EQ(read_file(path), "what the other one writes\n");
+    other.release();
+    saver.join();
+    EXPECT_NE(read_file(path), "what the other one writes\n");
+}
+
+TEST_F(ConfSave, GivesUpTheLockOnAWholeFile)
+{
+    init();
+    para_conf_set_member("netport", "port", "8080");
+    const std::string bytes = saved();
+    EXPECT_EQ(bytes_at_unlock(), bytes);
+    EXPECT_TRUE(last_lock_closes_on_exec()) << "the host starts programs meanwhile";
+}
+
 TEST_F(ConfSave, ReleasesTheLock)
 {
     init();

@@ -90,6 +90,36 @@ TEST_F(ConfSetter, StoresAndTellsTheHook)
     EXPECT_TRUE(change_pending());
 }
 
+TEST_F(ConfSetter, TheHookFindsTheChangeDone)
+{
+    static std::string value_in_hook;
+    static bool due_in_hook;
+    para_profile.conf_member_notify_hook = [](const char *module, const char *key) {
+        value_in_hook = para_conf_get_member(module, key);
+        move_clock(2000);
+        due_in_hook = para_need_save_conf(module) == 1;
+    };
+    init();
+    para_conf_set_member("netport", "port", "8080");
+    EXPECT_EQ(value_in_hook, "8080");
+    EXPECT_TRUE(due_in_hook);
+}
+
+TEST_F(ConfSetter, TheHookMayReloadTheModule)
+{
+    alarm(20); // ends the test where a lock is held meanwhile
+    para_profile.conf_member_notify_hook = [](const char *module, const char *) {
+        para_conf_need_update(module);
+    };
+    init();
+    EXPECT_EQ(para_conf_set_member("netport", "port", "8080"), 1);
+    EXPECT_EQ(value("port"), "80") << "as it stands in the files";
+    EXPECT_EQ(unlink((home + "/netport.conf").c_str()), 0);
+    EXPECT_EQ(para_conf_set_member("netport", "port", "8080"), 1);
+    EXPECT_EQ(value("port"), "none") << "the reload has failed";
+    alarm(0);
+}
+
 TEST_F(ConfSetter, TheInternalSetterTellsNoHook)
 {
     init();

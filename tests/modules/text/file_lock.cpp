@@ -8,12 +8,29 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
+#include <filesystem>
+#include <mutex>
 
 #include "camparam/api.h"
+#include "support/store.h"
 
 namespace {
 
-std::atomic<int> attempts{0};
+std::atomic<int> attempts{0}, to_interrupt{0};
+std::atomic<bool> closes_on_exec{false};
+
+std::mutex unlocked_lock;
+std::string unlocked; // bytes of the file
+
+void note_unlock(int descriptor)
+{
+    const std::string path = "/proc/self/fd/" + std::to_string(descriptor);
+    if (!std::filesystem::is_regular_file(path))
+        return; // /dev/full has no end
+    const std::lock_guard<std::mutex> guard(unlocked_lock);
+    unlocked = read_file(path).value_or("none");
+}
 
 // Body of the other process: locks the file, says so, and waits for the end of the orders. A lock
 // that is never free ends it instead, without an answer.
@@ -33,14 +50,39 @@ std::atomic<int> attempts{0};
 
 extern "C" PARA_API int flock(int descriptor, int operation) noexcept
 {
-    if ((operation & LOCK_EX) != 0)
+    if ((operation & LOCK_EX) != 0) {
         attempts++;
+        closes_on_exec = (fcntl(descriptor, F_GETFD) & FD_CLOEXEC) != 0;
+        if (to_interrupt > 0) {
+            to_interrupt--;
+            errno = EINTR;
+            return -1;
+        }
+    } else {
+        note_unlock(descriptor);
+    }
     return static_cast<int>(syscall(SYS_flock, descriptor, operation));
 }
 
 int lock_attempts()
 {
     return attempts;
+}
+
+void interrupt_locks(int count)
+{
+    to_interrupt = count;
+}
+
+bool last_lock_closes_on_exec()
+{
+    return closes_on_exec;
+}
+
+std::string bytes_at_unlock()
+{
+    const std::lock_guard<std::mutex> guard(unlocked_lock);
+    return unlocked;
 }
 
 lock_holder::lock_holder(const std::string &path)

@@ -7,6 +7,12 @@
 
 // How many exclusive file locks this process has begun to wait for.
 int lock_attempts();
+// So many of the next ones are interrupted, as by a signal.
+void interrupt_locks(int count);
+// Whether the file of the last one is closed when the process becomes another program.
+bool last_lock_closes_on_exec();
+// What stood in the file whose lock this process gave up last.
+std::string bytes_at_unlock();
 
 // Another process that holds the exclusive lock on a file, which it creates if there is none.
 class lock_holder {

@@ -157,6 +157,31 @@ TEST_F(JsonSave, WaitsForAnotherProcessThatHasTheFileLocked)
     EXPECT_THAT(saved(), StartsWith("brightness = \"60\"\noffset = \"4\"\n"));
 }
 
+TEST_F(JsonSave, ASignalDoesNotMakeTheFileOurs)
+{
+    const std::string path = data + "/panel.conf";
+    init();
+    para_set_json_cur("panel", "brightness", 7);
+    lock_holder other(path);
+    write_file(path, "what the other one writes\n");
+    interrupt_locks(3);
+    std::thread saver([] { EXPECT_EQ(para_save_misc("panel"), 0); });
+    EXPECT_TRUE(wait_until([] { return lock_attempts() == 4; }));
+    EXPECT_EQ(read_file(path), "what the other one writes\n");
+    other.release();
+    saver.join();
+    EXPECT_NE(read_file(path), "what the other one writes\n");
+}
+
+TEST_F(JsonSave, GivesUpTheLockOnAWholeFile)
+{
+    init();
+    para_set_json_cur("panel", "brightness", 7);
+    const std::string bytes = saved();
+    EXPECT_EQ(bytes_at_unlock(), bytes);
+    EXPECT_TRUE(last_lock_closes_on_exec()) << "the host starts programs meanwhile";
+}
+
 TEST_F(JsonSave, ReleasesTheLock)
 {
     init();

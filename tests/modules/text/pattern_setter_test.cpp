@@ -155,6 +155,22 @@ TEST_F(JsonHook, IsToldOfAChangeByThePublicSetter)
     EXPECT_THAT(requests, IsEmpty());
 }
 
+TEST_F(JsonHook, FindsTheChangeDone)
+{
+    static int value_in_hook;
+    static bool due_in_hook;
+    para_profile.misc_set_notify_hook = [](const char *module, para_entry_point, const char *member,
+                                           int) {
+        value_in_hook = para_get_json_cur(module, member);
+        move_clock(2000);
+        due_in_hook = para_need_save_misc("panel") == 1;
+    };
+    init();
+    para_set_json_cur("panel", "brightness", 7);
+    EXPECT_EQ(value_in_hook, 7);
+    EXPECT_TRUE(due_in_hook);
+}
+
 TEST_F(JsonHook, IsNotToldOfARefusedValue)
 {
     init();
