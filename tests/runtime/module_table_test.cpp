@@ -116,6 +116,13 @@ TEST_F(ModuleTable, AListEntryThatIsNoTextIsPassedOver)
     EXPECT_THAT(appended_rows(), ElementsAre("one"));
 }
 
+TEST_F(ModuleTable, AnEmptyNameIsARowLikeAnyOther)
+{
+    write_home("www2json.json", "{'json_pattern_list':['one',''],'conf_pattern_list':[]}");
+    start_store();
+    EXPECT_THAT(appended_rows(), ElementsAre("one", ""));
+}
+
 TEST_F(ModuleTable, StopsAtSixtyFourRowsWithOneTraceForEachAppenderCutShort)
 {
     std::string lists = list_of("json_pattern_list", "j", 60);

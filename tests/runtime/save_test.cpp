@@ -185,6 +185,20 @@ TEST_F(SaveThread, StopSavesEveryModuleOnceMore)
     EXPECT_EQ(saved, 1);
 }
 
+TEST_F(SaveThread, StopSavesOnceTheThreadHasEnded)
+{
+    static bool ran_at_save;
+    row.save = [](const char *) {
+        ran_at_save = thread_runs();
+        return 0;
+    };
+    start_store();
+    ASSERT_TRUE(wait_until(thread_runs));
+    ran_at_save = true;
+    stop_store();
+    EXPECT_FALSE(ran_at_save) << "a request served meanwhile would be lost";
+}
+
 TEST_F(SaveThread, AForcedPassWaitsForADuePass)
 {
     row.save = slow_save;
