@@ -1,4 +1,5 @@
 // The server's socket, and how datagrams are told apart.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -192,6 +193,24 @@ TEST_F(Server, ListensOnAllAddresses)
     EXPECT_THAT(*sockets, HasSubstr(address));
 }
 
+TEST_F(Server, TracesWhatItRefusesAtLevelThree)
+{
+    client.send("rubbish");
+    client.send("{}");
+    client.ask("{'msg_type':'api_get'}");
+    client.ask("{'msg_type':'api_get','msg_name':'unknown'}");
+    client.ask("{'msg_type':'get','msg_from':'www'}");
+    EXPECT_TRUE(client.stays_silent());
+
+    const std::string dispatcher = "para_server_message_Process";
+    const std::string commands = "Recive_message_Process_api";
+    EXPECT_THAT(levels_of("cJSON_Parse err,Rec buffer: rubbish", dispatcher), ElementsAre(3));
+    EXPECT_THAT(levels_of("get msg_type err", dispatcher), ElementsAre(3));
+    EXPECT_THAT(levels_of("msg_name is NULL", commands), ElementsAre(3));
+    EXPECT_THAT(levels_of("not found api command: unknown", commands), ElementsAre(3));
+    EXPECT_THAT(levels_of("ERROR : json null", "Recive_message_Process_gset"), ElementsAre(3));
+}
+
 TEST_F(Server, CannotOpenATakenPort)
 {
     forget_traces();
@@ -201,6 +220,13 @@ TEST_F(Server, CannotOpenATakenPort)
 }
 
 class ServerSocket : public Store {};
+
+TEST_F(ServerSocket, IsClosedInProgramsThatTheHostStarts)
+{
+    const int descriptor = para_server_init();
+    EXPECT_EQ(fcntl(descriptor, F_GETFD), FD_CLOEXEC);
+    close(descriptor);
+}
 
 TEST_F(ServerSocket, OpensOnceAndMakesTheRegistry)
 {

@@ -1,4 +1,5 @@
 // Client processes: the setters, byte by byte.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -242,4 +243,11 @@ TEST(ShareSetterBeforeRegistration, SendsNothingAndAnswersZero)
     EXPECT_EQ(main_program.receive(), number_datagram("isp", "nr3d", 1, 2))
         << "the first that arrives";
     close(socket_on_zero);
+}
+
+TEST(ShareSetterSocket, IsClosedInProgramsThatTheClientStarts)
+{
+    const int descriptor = Send_Initial();
+    EXPECT_EQ(fcntl(descriptor, F_GETFD), FD_CLOEXEC);
+    close(descriptor);
 }

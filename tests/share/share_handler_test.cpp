@@ -175,6 +175,11 @@ TEST_F(ShareHandler, ARefusalIsTraced)
     register_share_datagram_handler(refuse);
     send(number_datagram("isp", "hue", 1, 5));
     EXPECT_EQ(count_traces("share datagram refused: isp.hue"), 1);
+    for (const trace_line &line : traces()) {
+        if (line.text == "share datagram refused: isp.hue\n") {
+            EXPECT_EQ(line.level, 3);
+        }
+    }
     send(text_datagram(std::string(16, 'm'), std::string(16, 'n'), 1, std::string(32, 't')));
     EXPECT_EQ(count_traces("share datagram refused: " + std::string(16, 'm') + "." +
                            std::string(16, 'n')),
