@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "modules/text/conf_answers.h"
 #include "modules/text/conf_fixture.h"
 
 using testing::ElementsAre;
@@ -64,6 +65,16 @@ TEST_F(ConfSetRequest, TellsNothingWhenNothingChanged)
     EXPECT_THAT(traces(), IsEmpty());
     EXPECT_THAT(updates_told, IsEmpty());
     EXPECT_FALSE(change_pending());
+}
+
+TEST_F(ConfSetRequest, TellsOfAChangeThatIsAnsweredByOneAlone)
+{
+    init();
+    let_changes_answer(2);
+    change("{'port':'8080'}");
+    EXPECT_EQ(value("port"), "8080");
+    EXPECT_THAT(updates_told, IsEmpty());
+    EXPECT_TRUE(change_pending());
 }
 
 TEST_F(ConfSetRequest, WorksWithoutAHook)

@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "modules/text/conf_answers.h"
 #include "modules/text/conf_fixture.h"
 
 using testing::ElementsAre;
@@ -145,6 +146,19 @@ TEST_F(ConfSetter, ANewKeyIsAdded)
     EXPECT_EQ(value("new"), "");
     EXPECT_EQ(default_value("new"), "none");
     EXPECT_THAT(members_told, ElementsAre("netport new"));
+}
+
+TEST_F(ConfSetter, EveryAnswerButZeroIsAChangeThoughOnlyOneIsTold)
+{
+    init();
+    let_changes_answer(2);
+    EXPECT_EQ(para_conf_set_member("netport", "port", "8080"), 2);
+    EXPECT_TRUE(change_pending());
+    saved();
+    let_changes_answer(-1);
+    EXPECT_EQ(para_conf_set_member("netport", "port", "8081"), -1);
+    EXPECT_TRUE(change_pending());
+    EXPECT_THAT(members_told, IsEmpty());
 }
 
 TEST_F(ConfSetter, NullTextsAreRefused)
