@@ -217,6 +217,18 @@ TEST_F(OdmVersion, AnotherOneIsReportedAndRewritten)
     }
 }
 
+TEST_F(OdmVersion, IsReportedBeforeItIsRewritten)
+{
+    static int version_in_hook;
+    para_profile.conflict_hook = [](const char *, int, int) {
+        para_get_odm_int("version", &version_in_hook);
+    };
+    init("{'version':2}");
+    second_stage();
+    EXPECT_EQ(version_in_hook, 2);
+    EXPECT_EQ(number("version"), "1");
+}
+
 TEST_F(OdmVersion, IsSetWithoutHooksToo)
 {
     para_profile.conflict_hook = nullptr;

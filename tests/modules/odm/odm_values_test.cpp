@@ -119,6 +119,13 @@ TEST_F(OdmSetter, ATextIsAddedChangedOrKept)
     EXPECT_EQ(saved_document(), "{'version':1,'mine':'" + long_text + "'}");
 }
 
+TEST_F(OdmSetter, ATextThatDiffersInCaseIsAnotherOne)
+{
+    init("{'version':1,'text':'Maker'}");
+    EXPECT_EQ(_para_set_odm_string("text", "maker"), 1);
+    EXPECT_EQ(text("text"), "maker");
+}
+
 TEST_F(OdmSetter, TheTextIsCopied)
 {
     char value[] = "one", key[] = "mine";
