@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <climits>
 #include <string>
 
 #include "modules/fixed/audio_fixture.h"
@@ -89,6 +90,18 @@ TEST_F(AudioSave, IsDueAfterItsDelay)
     EXPECT_TRUE(due());
     saved();
     EXPECT_FALSE(due());
+}
+
+TEST_F(AudioSave, OnlyAFlagOfOneIsAChange)
+{
+    init();
+    move_clock(10000);
+    for (const int flag : {0, 2, -1, INT_MAX}) {
+        audio_item_changed = flag;
+        EXPECT_FALSE(due()) << flag;
+    }
+    audio_item_changed = 1;
+    EXPECT_TRUE(due());
 }
 
 TEST_F(AudioSave, TheDelayCanBeSet)

@@ -106,6 +106,15 @@ TEST_F(IspAntiflickerDefault, TakesTheWholeRangeAndNoMore)
     EXPECT_THAT(odm_keys, IsEmpty());
 }
 
+TEST_F(IspAntiflickerDefault, TheStylesOwnValueIsNoneOfTheDeviceMaker)
+{
+    init();
+    EXPECT_EQ(para_set_isp_antiflicker_def(0, para_get_isp_antiflicker_def(0)), 0);
+    EXPECT_THAT(odm_keys, IsEmpty());
+    int value = 0;
+    EXPECT_EQ(para_get_odm_int("isp0_antiflicker_def", &value), -1) << "no document is made";
+}
+
 TEST_F(IspAntiflickerDefault, AnAbsentMemberHasNone)
 {
     remove_home("isp_def.json");
