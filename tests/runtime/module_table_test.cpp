@@ -169,6 +169,18 @@ TEST_F(ModuleTable, ABuiltInListThatCannotBeParsedIsTraced)
                 ElementsAre("conf_pattern_list error\n"));
 }
 
+TEST_F(ModuleTable, HostModulesStandBehindThePatternModulesInTheOrderOfTheirOffers)
+{
+    write_home("www2json.json",
+               "{'conf_pattern_list':['three'],'json_pattern_list':['one','two']}");
+    for (const char *name : {"zoom", "host"}) {
+        const para_module host = {name, nullptr, nullptr, host_set, host_get, nullptr, nullptr};
+        EXPECT_EQ(register_para_handle_extern(&host), 0);
+    }
+    start_store();
+    EXPECT_THAT(appended_rows(), ElementsAre("one", "two", "three", "zoom", "host"));
+}
+
 TEST_F(ModuleTable, AHostModuleBringsItsRequestFunctionsAlone)
 {
     const para_module host = {"host",   never_called, never_called, host_set,
@@ -225,6 +237,15 @@ TEST_F(ModuleTable, OfferingAfterStartUpIsRefused)
     EXPECT_EQ(count_traces(late), 2) << "no row at all is ignored";
 }
 
+TEST_F(ModuleTable, OfferingAfterAStartWithoutPatternModulesIsRefusedToo)
+{
+    write_home("www2json.json", "{'json_pattern_list':[],'conf_pattern_list':[]}");
+    start_store();
+    EXPECT_THAT(appended_rows(), IsEmpty());
+    const para_module host = {"host", nullptr, nullptr, host_set, host_get, nullptr, nullptr};
+    EXPECT_EQ(register_para_handle_extern(&host), -1);
+}
+
 TEST_F(ModuleTable, OfferingNothingIsIgnored)
 {
     const para_module nameless = {nullptr, nullptr, nullptr, host_set, host_get, nullptr, nullptr};
@@ -257,5 +278,6 @@ TEST_F(ModuleTable, StagesThirtyTwoHostModules)
 
     start_store();
     EXPECT_EQ(module_para_handle_num, 21 + 32);
+    EXPECT_EQ(row_names().back(), "host31");
     EXPECT_EQ(row_named("host31").get_opt, other_get);
 }

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,14 @@ void conflict(const char *name, int old_value, int new_value)
     conflict_new = new_value;
 }
 
+// Whether the kernel lists a socket on the server's port.
+bool port_is_open()
+{
+    char address[32];
+    snprintf(address, sizeof address, " 00000000:%04X ", PARA_SERVER_PORT);
+    return read_file("/proc/net/udp").value_or("").find(address) != std::string::npos;
+}
+
 } // namespace
 
 class StartUp : public Store {};
@@ -66,6 +75,19 @@ TEST_F(StartUp, CallsEveryInitInTableOrderAndThenEverySecondStage)
     start_store();
     EXPECT_THAT(calls, ElementsAre("init msg_type", "init video2", "init end", "stage2 msg_type",
                                    "stage2 video2", "stage2 end"));
+}
+
+TEST_F(StartUp, OpensThePortOnceEveryModuleIsReady)
+{
+    static bool open_in_second_stage;
+    open_in_second_stage = true;
+    row_named("end").init_stage2 = [](const char *) {
+        open_in_second_stage = port_is_open();
+        return 0;
+    };
+    start_store();
+    EXPECT_FALSE(open_in_second_stage) << "a request would find modules without values";
+    EXPECT_TRUE(port_is_open());
 }
 
 TEST_F(StartUp, TracesAFailedModuleAndGoesOn)
