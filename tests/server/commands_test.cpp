@@ -1,6 +1,8 @@
 // Commands that hosts register, and requests to them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 
 #include <string>
 #include <thread>
@@ -86,6 +88,30 @@ TEST_F(Commands, ANameMayBeCutShortAndTheLastRowWins)
     EXPECT_EQ(ask("alpha"), "{'from':'b','mode':0}") << "alphabet stands behind alpha";
     EXPECT_EQ(ask("a"), "{'from':'b','mode':0}");
     EXPECT_EQ(ask("alphabets"), "{'err':'Invalid API command'}");
+}
+
+TEST_F(Commands, HandlersAreToldWhereTheirRequestCameFrom)
+{
+    static para_message seen;
+    static const param_command where[] = {{"where",
+                                           [](int, para_message *message, cJSON **) {
+                                               seen = *message;
+                                               return 0;
+                                           },
+                                           nullptr}};
+    ASSERT_EQ(register_param_command("where", where, 1), 0);
+    start();
+    client.send("{\"msg_type\":\"api_get\",\"msg_name\":\"where\"}");
+    EXPECT_TRUE(client.stays_silent());
+    EXPECT_EQ(seen.sender_length, static_cast<int>(sizeof seen.sender));
+    EXPECT_EQ(seen.sender.sin_family, AF_INET);
+    EXPECT_EQ(seen.sender.sin_addr.s_addr, htonl(INADDR_LOOPBACK));
+    EXPECT_NE(seen.sender.sin_port, 0);
+    EXPECT_STREQ(seen.text, "{\"msg_type\":\"api_get\",\"msg_name\":\"where\"}");
+    sockaddr_in server = {};
+    socklen_t size = sizeof server;
+    EXPECT_EQ(getsockname(seen.socket, reinterpret_cast<sockaddr *>(&server), &size), 0);
+    EXPECT_EQ(server.sin_port, htons(PARA_SERVER_PORT));
 }
 
 TEST_F(Commands, TheNewestRegistrationIsSearchedFirst)

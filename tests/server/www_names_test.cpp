@@ -69,6 +69,14 @@ TEST_F(WwwName, OfAnEntryThatBeginsWithNoTextIsNone)
     EXPECT_STREQ(get_http_name("lists", "number", nullptr, nullptr), nullptr);
 }
 
+TEST_F(WwwName, HasNoTypeOrModifierThatIsNoText)
+{
+    start_with("{'lens':{'zoom':['z',5,null],'rate':['k','N',['K']]}}");
+    EXPECT_EQ(web_name("lens", "zoom"), "z null null");
+    EXPECT_EQ(web_name("lens", "rate"), "k N null");
+    EXPECT_EQ(found("k", 0), "lens.rate N null");
+}
+
 TEST_F(WwwName, IsUnknownWithoutAFile)
 {
     start_store();
