@@ -185,6 +185,7 @@ TEST_F(ShareRegister, RefusesAModuleThatIsNotPublished)
         EXPECT_EQ(para_share_register(module), -1);
         EXPECT_THAT(register_traces(), ElementsAre(pointer_trace(nullptr), not_registered));
         EXPECT_EQ(para_get_share_map(module, 1), nullptr);
+        EXPECT_FALSE(object_exists(module)) << "publishing is the main program's";
     }
     EXPECT_EQ(open_descriptors(), before) << "the socket is left as it was";
 }
