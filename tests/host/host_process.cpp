@@ -1,9 +1,8 @@
 #include "host/host_process.h"
 
-#include <sched.h>
-#include <sys/mount.h>
-
 #include <algorithm>
+
+#include "support/shared_memory.h"
 
 HostProcess::HostProcess()
 {
@@ -61,8 +60,6 @@ bool HostProcess::saves(const std::string &name, const std::string &text)
 
 void HostProcess::share()
 {
-    ASSERT_EQ(unshare(CLONE_NEWNS), 0);
-    ASSERT_EQ(mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr), 0);
-    ASSERT_EQ(mount("none", "/dev/shm", "tmpfs", 0, nullptr), 0);
+    remove_share_maps();
     shares = true;
 }

@@ -32,7 +32,7 @@ protected:
     // zero byte. Returns whether it does.
     bool saves(const std::string &name, const std::string &text);
 
-    // Mounts a private /dev/shm for the test and its child processes, and turns share maps on.
+    // Turns share maps on; none is left of an earlier host.
     void share();
 
     std::unique_ptr<process> host;

@@ -2,13 +2,13 @@
 
 #include <arpa/inet.h>
 #include <poll.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
+
+#include "support/shared_memory.h"
 
 std::string OwnSharedMemory::object_path(int module)
 {
@@ -53,9 +53,7 @@ std::string text_datagram(const std::string &module, const std::string &member, 
 
 OwnSharedMemory::OwnSharedMemory()
 {
-    EXPECT_EQ(unshare(CLONE_NEWNS), 0) << strerror(errno);
-    EXPECT_EQ(mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr), 0) << strerror(errno);
-    EXPECT_EQ(mount("none", "/dev/shm", "tmpfs", 0, nullptr), 0) << strerror(errno);
+    remove_share_maps();
 }
 
 void OwnSharedMemory::write_object(int module, const std::string &bytes)

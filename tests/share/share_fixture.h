@@ -18,8 +18,8 @@ std::string number_datagram(const std::string &module, const std::string &member
 std::string text_datagram(const std::string &module, const std::string &member, int instance,
                           const std::string &text);
 
-// Shared-memory objects belong to the whole machine, so each case gets a /dev/shm of its own: it
-// neither sees nor disturbs a main program that runs elsewhere.
+// Share maps without a main program that has published any. The case neither sees nor disturbs one
+// that runs elsewhere: it has a /dev/shm of its own, or the machine's to itself.
 class OwnSharedMemory {
 protected:
     OwnSharedMemory();
