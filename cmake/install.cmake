@@ -1,5 +1,6 @@
 # Installs the libraries, the headers, the programs, a CMake package and pkg-config files. Nothing in
 # them holds the prefix, so that an installed tree may be moved.
+include(CMakePackageConfigHelpers)
 
 install(TARGETS camparam camparam_platform camparam_headers EXPORT camparam_targets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
@@ -9,11 +10,15 @@ set_target_properties(camparam_platform PROPERTIES EXPORT_NAME platform)
 install(DIRECTORY include/camparam DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN *.h PATTERN *.def)
 
-file(RELATIVE_PATH from_bin_to_lib
-    /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
-set_target_properties(camparamd camparam_cli PROPERTIES
-    INSTALL_RPATH "$ORIGIN/${from_bin_to_lib}")
-install(TARGETS camparamd camparam_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+if(CAMPARAM_TOOLS)
+    file(RELATIVE_PATH from_bin_to_lib
+        /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(camparamd camparam_cli PROPERTIES
+        INSTALL_RPATH "$ORIGIN/${from_bin_to_lib}")
+    install(TARGETS camparamd camparam_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(FILES cli/camparam.bash RENAME camparam
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+endif()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/camparam)
 install(EXPORT camparam_targets NAMESPACE camparam:: DESTINATION ${package_dir})
