@@ -203,11 +203,11 @@ TEST_F(Server, TracesWhatItRefusesAtLevelThree)
     EXPECT_TRUE(client.stays_silent());
 
     const std::string dispatcher = "para_server_message_Process";
-    const std::string commands = "Recive_message_Process_api";
+    const std::string executor = "Recive_message_Process_api";
     EXPECT_THAT(levels_of("cJSON_Parse err,Rec buffer: rubbish", dispatcher), ElementsAre(3));
     EXPECT_THAT(levels_of("get msg_type err", dispatcher), ElementsAre(3));
-    EXPECT_THAT(levels_of("msg_name is NULL", commands), ElementsAre(3));
-    EXPECT_THAT(levels_of("not found api command: unknown", commands), ElementsAre(3));
+    EXPECT_THAT(levels_of("msg_name is NULL", executor), ElementsAre(3));
+    EXPECT_THAT(levels_of("not found api command: unknown", executor), ElementsAre(3));
     EXPECT_THAT(levels_of("ERROR : json null", "Recive_message_Process_gset"), ElementsAre(3));
 }
 

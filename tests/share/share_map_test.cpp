@@ -24,7 +24,7 @@ const char not_registered[] = "ERROR: main program don't register this share mod
 const char no_module[] = "ERROR: This mod is not exist!\n";
 const char no_entry[] = "ERROR: This share map is not exist!\n";
 
-constexpr size_t header_size = sizeof(para_share_map);
+constexpr int header_size = sizeof(para_share_map);
 
 std::string header(uint32_t registered, uint32_t count, uint32_t size)
 {

@@ -9,11 +9,12 @@
 namespace {
 
 std::atomic<int> change_answer{1};
-int (*platform_set)(configure *, const char *, const char *);
+using setter = int (*)(configure *, const char *, const char *);
+std::atomic<setter> platform_set{nullptr};
 
 int answering_set(configure *conf, const char *key, const char *value)
 {
-    return platform_set(conf, key, value) == 0 ? 0 : change_answer.load();
+    return platform_set.load()(conf, key, value) == 0 ? 0 : change_answer.load();
 }
 
 } // namespace
