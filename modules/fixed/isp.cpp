@@ -77,7 +77,7 @@ static int read(int instance, const isp_record *records, int slot)
 {
     if (!is_isp_instance(instance))
         return 0;
-    return load_word(reinterpret_cast<const int *>(&records[instance])[slot]);
+    return load_word(reinterpret_cast<const int *>(records)[instance * PARA_ISP_SLOTS + slot]);
 }
 
 static int read_current(int instance, const isp_record *records, int slot)
