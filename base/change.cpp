@@ -13,7 +13,7 @@ static timespec monotonic_now()
 void stamp_change(const change_stamp &stamp)
 {
     store_time(*stamp.time, monotonic_now());
-    __atomic_store_n(stamp.changed, 1, __ATOMIC_RELEASE); // who sees it sees time and value too
+    __atomic_store_n(stamp.changed, 1, __ATOMIC_RELEASE); // pairs with the acquire in change_due()
 }
 
 bool change_due(const change_stamp &stamp, int delay_ms)

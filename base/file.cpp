@@ -30,7 +30,7 @@ json_file read_json_file(const char *path)
 void lock_file(FILE *file)
 {
     while (flock(fileno(file), LOCK_EX) != 0 && errno == EINTR) {
-        // A signal of the host's interrupted the wait.
+        // Interrupted by a signal handler of the host: wait again.
     }
 }
 
@@ -48,7 +48,7 @@ int replace_contents(FILE *file, const char *bytes, size_t length)
     return fflush(file);
 }
 
-// Opened without truncating: until the lock is ours, another process may be reading the file.
+// Opens without truncating: the current lock holder may be reading the file.
 static FILE *open_to_lock(const char *path)
 {
     const int descriptor = open(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0666);

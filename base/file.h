@@ -26,18 +26,18 @@ json_file read_json_file(const char *path);
 
 enum class file_lock {
     none,
-    exclusive, // flock; until it is ours, the file keeps its contents
+    exclusive, // flock(LOCK_EX): the file keeps its contents until the lock is held
 };
 
 // Replaces the contents of a file, or makes it. Returns what fflush returned; 0 when the file
 // cannot be opened.
 int write_file(const char *path, const char *bytes, size_t length, file_lock lock);
 
-// Replaces a file by a text and its final zero byte (SavedFile.EndsWithOneZeroByte); by nothing
-// when the text is null, for want of memory.
+// The same for a text and its final zero byte (SavedFile.EndsWithOneZeroByte). A null text (out of
+// memory) writes nothing and returns 0.
 int write_text_file(const char *path, const char *text);
 
-// Waits until the exclusive lock on an open file is ours.
+// Takes the exclusive lock on an open file, and waits for it.
 void lock_file(FILE *file);
 void unlock_file(FILE *file);
 

@@ -1,4 +1,4 @@
-// What the modules' get_opt functions share: how a request says which members it wants.
+// How a get request names the members that it wants; shared by the modules' get_opt functions.
 #pragma once
 
 #include <cjson/cJSON.h>

@@ -1,4 +1,4 @@
-// Trace messages: the one way in which the store speaks to its developer.
+// Trace messages.
 #pragma once
 
 #include "camparam/platform.h"
@@ -14,7 +14,7 @@ struct trace_site {
 #define PARA_HERE (trace_site{__func__, __LINE__})
 
 // Emits a message, with prefix and line break, when the trace level admits it. The format is a
-// literal. (The pasted comma goes when no arguments follow.)
+// literal; ## drops the comma before an empty argument list.
 #define PARA_TRACE_AT(site, level, format, ...)                                                    \
     do {                                                                                           \
         if (para_traces(level))                                                                    \

@@ -1,5 +1,4 @@
-// Single words that several threads share without a lock: plain loads and stores that the compiler
-// may neither tear nor repeat.
+// Machine words that several threads share without a lock: relaxed atomic loads and stores.
 #pragma once
 
 #include <ctime>

@@ -57,7 +57,7 @@ para_module module_para_handle[PARA_MODULES_MAX] = {
     video_row("video4"),
     video_row("video5"),
     video_row("video6"),
-    // Counted like the others: the rows that start-up appends stand behind it.
+    // A row like the others: start-up appends its rows behind it.
     {.name = "end"},
 };
 

@@ -9,7 +9,7 @@
 #include "camparam/platform.h"
 #include "server/web_names.h"
 
-// What the module names of a web-name file's list, or of the built-in one, become.
+// A list of module names in the web-name file, and the row that each name gets.
 struct module_pattern {
     const char *list;         // the list's key in the web-name file
     const char *default_list; // the text to use when the file has none

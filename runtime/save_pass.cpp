@@ -5,7 +5,7 @@
 #include "camparam/platform.h"
 #include "runtime/module_table.h"
 
-// Held by a save pass, and by nothing else.
+// Serialises save passes.
 static pthread_mutex_t save_mutex = PTHREAD_MUTEX_INITIALIZER;
 
 static bool to_be_saved(const para_module &row, save_mode mode)

@@ -42,7 +42,7 @@ static void init_modules(const trace_site &site)
     });
 }
 
-// Of the protocols only the first one is started.
+// Only the first protocol is started, whatever their number.
 static void init_first_protocol(const trace_site &site)
 {
     const para_protocol &first = module_para_protocol_handle[0];
@@ -52,7 +52,7 @@ static void init_first_protocol(const trace_site &site)
 
 int platformparam_init()
 {
-    // The version that the interface was made for, whatever compatible one is loaded.
+    // The version that the interface was made for, not the one that is loaded.
     PARA_TRACE(PARA_INFO, "cJson version:%d %d %d", 1, 7, 14);
     if (para_profile.role != 0)
         return para_client_init();

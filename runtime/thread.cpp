@@ -75,7 +75,7 @@ int start_thread(int server_socket)
     server = server_socket;
     pthread_t started = no_thread;
     const int result = pthread_create(&started, nullptr, platformparam_Process, nullptr);
-    if (result == 0) // else the handle is undefined
+    if (result == 0) // on failure the handle is undefined
         thread = started;
     return result;
 }

@@ -1,4 +1,4 @@
-// The first look at a datagram: what kind of request is it?
+// Classifies requests by "msg_type".
 #include <cstring>
 
 #include "base/json.h"
@@ -21,8 +21,8 @@ int para_server_message_Process(para_message *message)
         return 0;
     }
 
-    // "get" and "set" may be cut short, down to nothing; longer types name commands. The order
-    // decides for the types that several tests fit (Server.TellsRequestsByTheirType).
+    // Any prefix of "get" and "set" counts, also the empty one; longer types are commands. The
+    // order of the tests matters (Server.TellsRequestsByTheirType).
     if (begins_with("get", type))
         Recive_message_Process_gset(message, request.release(), PARA_GET);
     else if (begins_with("set", type))

@@ -10,7 +10,7 @@
 #include "server/protocol.h"
 #include "server/socket.h"
 
-// The converter for requests that come from there, or null.
+// The converter for a "msg_from", or null.
 static const para_protocol *find_protocol(const char *msg_from)
 {
     if (msg_from == nullptr)
@@ -70,7 +70,7 @@ static void echo_identifiers(const cJSON *request, cJSON *reply)
         cJSON_AddNumberToObject(reply, "msg_id", id->valueint);
 }
 
-// The request in the modules' own names, or null after an error reply, if the converter has one.
+// The converted request. On failure sends the converter's error text, if any, and returns null.
 static json_ptr converted(const para_message *message, const para_protocol &protocol)
 {
     char error[1024] = "";

@@ -1,4 +1,4 @@
-// The rows "msg_name" and "msg_id": a request's identifiers come back as if modules answered them.
+// The rows "msg_name" and "msg_id", which echo a request's identifiers into its reply.
 #include "base/text.h"
 #include "base/trace.h"
 #include "camparam/module.h"

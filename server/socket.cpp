@@ -11,7 +11,7 @@
 int para_server_init()
 {
     const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    // The thread that will wait on it cannot watch a descriptor beyond select's set.
+    // select() cannot watch a descriptor of FD_SETSIZE or more.
     if (descriptor >= FD_SETSIZE) {
         PARA_TRACE(PARA_ERROR, "sock:%d is too large to wait on", descriptor);
         close(descriptor);

@@ -1,4 +1,4 @@
-// What receives requests and sends replies.
+// Receiving requests and sending replies.
 #pragma once
 
 #include <sys/socket.h>

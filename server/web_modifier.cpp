@@ -40,7 +40,7 @@ static void thousands_to_web(char (&text)[web_pair_size], const cJSON *number)
                  static_cast<double>(static_cast<float>(value) / 1000.0F));
 }
 
-// Counted from one on the page. The way back gives 0, whatever the text: pages only show these
+// Counted from 1 on the page. A set always stores 0: pages only show these values
 // (WwwSet.ACountedNumberIsStoredAsZero).
 static int counted_to_json(const char *)
 {

@@ -38,7 +38,7 @@ const char *get_http_name(const char *module, const char *member, const char **t
     return nullptr;
 }
 
-// Where the last search by web name ended: a module's object, or null.
+// The module object in which the last search by web name ended, or null.
 static const cJSON *cursor;
 
 static const cJSON *entry_with_web_name(const cJSON *module, const char *web_name)

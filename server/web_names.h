@@ -8,5 +8,5 @@
 // The parsed web-name file, or null. Fixed after start-up.
 extern cJSON *para_config;
 
-// The node, if it is an object; else null, whose members are none.
+// The node if it is an object, else null. Iterating over null visits nothing.
 const cJSON *if_object(const cJSON *node);

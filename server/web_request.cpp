@@ -20,7 +20,7 @@ static const char *text_of(const cJSON *object, const char *key)
     return json_object_get_string(cJSON_GetObjectItem(object, key));
 }
 
-// The beginning of every converted request, with a number of its own.
+// A new request with the identifiers that every converted request has.
 static json_ptr new_request(const char *type, const char *name)
 {
     static unsigned msg_id = 0;
@@ -32,7 +32,7 @@ static json_ptr new_request(const char *type, const char *name)
     return request;
 }
 
-// Every member of a module, or all that it has when the file names none.
+// The names of a module's members in the file, or ["all"] when it lists none.
 static cJSON *members_of(const cJSON *module)
 {
     cJSON *const members = cJSON_CreateArray();
@@ -107,8 +107,7 @@ static void add_pair(cJSON *request, const char *key, const char *value)
         add_member(request, name, modifier_named(modifier), value);
 }
 
-// Adds the pairs of a query. Returns whether it holds any; what follows the last "=" of them all
-// and its value is ignored.
+// Adds the pairs of a query, up to the last "=" and its value. Returns whether there was any.
 static bool add_pairs(cJSON *request, const char *query)
 {
     const char *equals = strchr(query, '=');

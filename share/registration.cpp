@@ -12,15 +12,15 @@
 void *g_shareMap;
 int g_shareMapLen;
 
-// The memory of a share module that this process has mapped last. It is never unmapped, as hosts
-// keep addresses of entries.
+// The latest mapping of each share module. Mappings are never removed: hosts keep addresses of
+// entries.
 struct mapped_object {
     const para_share_map *map;
     ino_t object;
 };
 static mapped_object mapped[PARA_SHARE_MODULES];
 
-// What the last registration found, null when it was refused.
+// The map of the last registration; null when it was refused.
 static const para_share_map *maps[PARA_SHARE_MODULES];
 
 static int share_socket_opened;
@@ -46,7 +46,7 @@ static const para_share_map *map_object(int descriptor, off_t size)
     return static_cast<const para_share_map *>(map);
 }
 
-// The memory that is published now, or null.
+// Maps the object that is published now. Returns null when there is none.
 static const para_share_map *attach(int module)
 {
     const int descriptor = shm_open(share_map_name(module).text, O_RDWR, 0);
@@ -108,7 +108,8 @@ void *para_get_share_map(int module, int entry)
         return nullptr;
     }
     if (entry < 1 || entry > map->entry_count)
-        PARA_TRACE(PARA_INFO, "ERROR: This share map is not exist!"); // the caller's business
+        PARA_TRACE(PARA_INFO,
+                   "ERROR: This share map is not exist!"); // callers check entry numbers themselves
     const long long offset = (entry - 1LL) * map->entry_size;
     const auto *const entries = reinterpret_cast<const char *>(map + 1);
     return const_cast<char *>(entries + static_cast<ptrdiff_t>(offset));

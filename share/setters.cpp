@@ -11,8 +11,8 @@
 #include "camparam/share.h"
 #include "camparam/video.h"
 
-// Until the socket is opened, setters send to the zeroed address, which fails silently. Who sees
-// the destination sees the socket too.
+// Before the socket is opened, setters send to the zeroed address, which fails silently.
+// Send_Initial() publishes the destination after the socket.
 static constexpr sockaddr_in nowhere = {};
 static sockaddr_in store;
 static const sockaddr_in *destination = &nowhere;
@@ -41,7 +41,7 @@ static int send_datagram(para_share_datagram &datagram, int instance, const char
     return 0;
 }
 
-// A setter is one call of these.
+// Not inlined: there are 98 setters.
 [[gnu::noinline]] static int send_number(const char *module, const char *member, int instance,
                                          int value)
 {
@@ -60,7 +60,7 @@ static int send_datagram(para_share_datagram &datagram, int instance, const char
     return send_datagram(datagram, instance, module, member);
 }
 
-// The list names members of the modules' own lists.
+// Every member must be in the list of its module.
 #define SLOT_OF_video(member) PARA_VIDEO_##member
 #define SLOT_OF_audio(member) PARA_AUDIO_##member
 #define SLOT_OF_isp(member) PARA_ISP_##member

@@ -23,7 +23,7 @@ static para_share_map *create_map(const char *name, size_t size)
     const int descriptor = shm_open(name, O_CREAT | O_EXCL | O_RDWR, 0666);
     if (descriptor < 0)
         return nullptr;
-    fchmod(descriptor, 0666); // clients of other users write too, whatever the umask
+    fchmod(descriptor, 0666); // clients run as other users; the umask must not apply
     void *map = MAP_FAILED;
     if (ftruncate(descriptor, static_cast<off_t>(size)) == 0)
         map = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
@@ -50,6 +50,6 @@ void *para_share_publish(int module, int entry_count, int entry_size)
     }
     map->entry_count = entry_count;
     map->entry_size = static_cast<uint32_t>(entry_size);
-    __atomic_store_n(&map->registered, 1U, __ATOMIC_RELEASE); // clients may look now
+    __atomic_store_n(&map->registered, 1U, __ATOMIC_RELEASE); // last: clients may read from now on
     return map;
 }

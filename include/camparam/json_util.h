@@ -1,6 +1,6 @@
 /**
  * @file json_util.h
- * Reading members of cJSON trees without fear of NULL or of another type, and tracing trees.
+ * Reading members of cJSON trees with checks for NULL and for the type, and tracing trees.
  *
  * Any thread, as long as no other thread changes the tree.
  */

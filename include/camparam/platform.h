@@ -58,7 +58,7 @@ PARA_API char *cat_file_name(char *path, const char *dir, const char *name);
  * Read a whole file.
  * @return Heap text that the caller frees with free(); NULL when the file cannot be opened or
  *         read, or memory runs out. A zero follows the last byte of the file; zero bytes in the
- *         file are kept, and end the text for who reads it as one.
+ *         file are kept.
  */
 PARA_API char *read_file_to_buf(const char *path);
 

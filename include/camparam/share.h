@@ -1,7 +1,7 @@
 /**
  * @file share.h
- * Settings changed by other processes of the device with one small datagram, and the memory that
- * the main program shares with them.
+ * Setting values from other processes of the device by datagram, and the memory that the main
+ * program shares with them.
  *
  * A client process (role nonzero in its profile) registers for a share module, 0 to 3, and then
  * calls the setters. The main program publishes the share modules, and sets a handler that applies

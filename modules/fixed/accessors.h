@@ -1,4 +1,4 @@
-// What modules with fixed members define alike. Each function is one call.
+// Definitions that modules with fixed members share. Each function is one call.
 #pragma once
 
 #include "camparam/control.h"
@@ -9,14 +9,14 @@
     int para_##module##_def[slots], para_##module##_min[slots], para_##module##_max[slots];        \
     int para_##module##_init[slots], para_##module##_cur[slots], para_##module##_exist[slots];
 
-// Start-up of a module that has no order of its own for it.
+// para_init_<module>, for modules with the common start-up sequence.
 #define DEFINE_START(module)                                                                       \
     int para_init_##module(const char *)                                                           \
     {                                                                                              \
         return start_module(module, PARA_HERE);                                                    \
     }
 
-// The functions of the module's row that save, and the dump.
+// para_need_save_<module>, para_save_<module> and <module>_page.
 #define DEFINE_ROW(module)                                                                         \
     int para_need_save_##module(const char *)                                                      \
     {                                                                                              \
@@ -72,7 +72,7 @@
         return number_of_text(names, text);                                                        \
     }
 
-// Of a module with instances, by functions of its own, which know what an instance is:
+// For modules with instances. The module defines the functions that check the instance:
 //   read(instance, values, slot)           a value of one of the tables
 //   read_current(instance, values, slot)   the same of the tables "init" and "cur"
 //   change(instance, slot, value)          an internal setter's work

@@ -8,7 +8,7 @@ timespec audio_item_start_time;
 int audio_save_param_time = default_save_delay_ms;
 int audio_item_changed;
 
-// The values' names of each named member.
+// Value names, one array for each named member.
 static const char *const aeFormat[] = {"AAC", "G711A"};
 static const char *const audioInput[] = {"linein", "micin"};
 static const char *const audioOut[] = {"lineout", "hdmi"};

@@ -3,8 +3,8 @@
 
 int change_value(const fixed_module &module, int slot, int value)
 {
-    // The value first: a save that sees the mark must see the value too, or it would clear the mark
-    // of a value that it has not written.
+    // Store the value before the changed flag: a save that sees the flag must also see the value,
+    // or it would clear the flag of a value that it has not written.
     store_word(module.values.cur[slot], value);
     stamp_change(module.stamp);
     return 1;

@@ -41,11 +41,11 @@ struct file_slots {
     const file_slot *end() const { return first + count; }
 };
 
-// The order of files is that of the slots, but for the moves that a module states.
+// Files hold members in slot order, except for these.
 struct file_move {
     int slot;
     int before;
-    int if_present; // the slot itself, but for a stated oddity
+    int if_present; // usually the same slot
 };
 
 template <int capacity> struct file_order {
@@ -88,7 +88,8 @@ constexpr file_order<members> order_of(const fixed_member (&all)[members],
     return order;
 }
 
-// Whether the order holds every written member once: a move to no place would lose its member.
+// Whether the order holds every written member exactly once. A move whose target does not exist
+// would lose its member.
 template <int members>
 constexpr bool is_permutation(const file_order<members> &order, const fixed_member (&all)[members])
 {
@@ -102,7 +103,7 @@ constexpr bool is_permutation(const file_order<members> &order, const fixed_memb
     return true;
 }
 
-// Whether the members' slots follow one another, as their look-up by slot needs.
+// Whether the slots are consecutive; answer_all() finds members by slot.
 template <int members> constexpr bool in_slot_order(const fixed_member (&all)[members])
 {
     for (int i = 0; i < members; i++) {

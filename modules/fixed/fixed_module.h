@@ -1,8 +1,8 @@
 // The model of a module with fixed members: six parallel tables of values, three files.
 //
-// A module is a fixed_module: its members, and what is particular to it, as data. What all of them
-// do alike is written once: loading.cpp reads the files, change.cpp sets, answer.cpp answers
-// queries, saving.cpp writes the current file, page.cpp dumps.
+// A fixed_module describes a module: its members, and where it differs from the others. The common
+// code: loading.cpp reads the files, change.cpp sets values, answer.cpp answers queries, saving.cpp
+// writes the current file, page.cpp dumps the tables.
 #pragma once
 
 #include <cjson/cJSON.h>
@@ -25,7 +25,7 @@ struct value_tables {
         .init = para_##module##_init, .cur = para_##module##_cur, .exist = para_##module##_exist   \
     }
 
-// A module whose members exist several times, in the files an object for each.
+// For modules whose members exist once for each instance; files hold an object for each instance.
 struct module_instances {
     int capacity;
     int *count; // in use; fixed after start-up
@@ -34,12 +34,12 @@ struct module_instances {
     void (*page_title)(int instance, const trace_site &site);
 };
 
-// Where a module differs from the others.
+// Differences between modules; the defaults are those of audio and video.
 struct module_rules {
     bool clears_presence = false;     // at start-up
     bool traces_unreadable = true;    // a file that cannot be read
     bool named_values = true;         // files may hold names for numbers
-    bool range_is_array = true;       // an object with two members is none
+    bool range_is_array = true;       // a range that is an object is ignored
     bool set_needs_presence = true;   // setters refuse an absent member
     bool get_needs_presence = true;   // the current value of an absent member reads as -1
     bool page_needs_presence = false; // the dump leaves absent members out
@@ -100,8 +100,8 @@ struct instance_key {
 // when one of the first two is missing or not JSON.
 int start_module(const fixed_module &module, const trace_site &site);
 
-// The steps of it, for a module with an order of its own. A missing or broken file gives null,
-// after the trace that its failure gets.
+// The steps of start_module(), for modules that need another order. The load functions trace a
+// missing or broken file and return null.
 json_ptr load_range_file(const fixed_module &module, const trace_site &site);
 json_ptr load_current_file(const fixed_module &module, const trace_site &site);
 void read_ranges(const fixed_module &module, int instance, const cJSON *object);

@@ -48,7 +48,7 @@ static constexpr module_instances instances = {
     .page_title = page_title,
 };
 
-// A record as the first of its words.
+// The address of a table's first record, as that of its first word.
 #define RECORD_TABLE(field) (&para_isp_##field[0].size)
 
 constexpr fixed_module isp = {
@@ -131,7 +131,7 @@ static void write_sizes()
     }
 }
 
-// Only the first instance has anything in the files; the second is counted.
+// Only instance 0 has values in files; instance 1 is counted.
 static int load_range(const trace_site &site)
 {
     const json_ptr root = load_range_file(isp, site);
@@ -157,8 +157,9 @@ static void load_default_style()
     store_word(para_isp_exist[0].style, PARA_PRESENT | PARA_PRESENT_AS_NUMBER);
 }
 
-// The saved style first, so that its values stand where the file has none of its own. A style that
-// differs from the default is a change: the file is saved again (IspStart.SavedStyle... tests).
+// Selects the saved style first, so that members missing from the file get its values. A style that
+// differs from the default counts as a change, and the file is saved again (IspStart.SavedStyle...
+// tests).
 static bool load_current(const trace_site &site)
 {
     const json_ptr root = load_current_file(isp, site);
@@ -198,7 +199,7 @@ int para_isp_cur_restore_isp_def()
 {
     for (int slot = 0; slot < slot_count(isp); slot++)
         store_word(isp.values.cur[slot], load_word(isp.values.def[slot]));
-    store_word(isp_item_changed, 1); // the time of the last change stands
+    store_word(isp_item_changed, 1); // the time of the last change is kept
     return 0;
 }
 

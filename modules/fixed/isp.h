@@ -1,4 +1,4 @@
-// What the files of the ISP module share.
+// Shared by the source files of the ISP module.
 #pragma once
 
 #include "camparam/isp.h"

@@ -83,7 +83,7 @@ static int instance_to_set(const cJSON *item)
     return -1;
 }
 
-// Tells no hook: IspSetRequest.TellsNoHook.
+// Calls no hook (IspSetRequest.TellsNoHook).
 int para_set_isp_opt(const char *, const cJSON *item, const char *)
 {
     PARA_TRACE(PARA_INFO, "inter");

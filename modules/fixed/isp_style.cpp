@@ -54,7 +54,7 @@ static void add_style(const trace_site &site, int index, const char *name)
     PARA_TRACE_AT(site, PARA_INFO, "find style[%d]:%s", index, name);
     cJSON *const number = cJSON_GetObjectItem(style, "style");
     if (number != nullptr)
-        cJSON_SetNumberValue(number, index); // the place in the list, whatever the file says
+        cJSON_SetNumberValue(number, index); // the list position overrides the file's value
     read_values(isp, &record.size, style);
 }
 

@@ -20,7 +20,7 @@ static int read_value(const fixed_module &module, const fixed_member &member, co
     }
     const int named = cJSON_IsString(item) ? name_in_file(*member.names, item->valuestring) : -1;
     if (named < 0)
-        return PARA_PRESENT; // has a default, but no form in which it is exchanged
+        return PARA_PRESENT; // has a default, but no usable form
     store_word(value, named);
     return PARA_PRESENT | PARA_PRESENT_AS_NAME;
 }
@@ -103,7 +103,7 @@ int count_instances(const fixed_module &module, const cJSON *root, const trace_s
     int count = 0;
     for (int instance = 0; instance < module.instances->capacity; instance++) {
         if (cJSON_GetObjectItem(root, instance_key(module, instance).text) != nullptr)
-            count++; // a gap shortens the count, and no more
+            count++; // gaps are not tracked
     }
     PARA_TRACE_AT(site, PARA_INFO, "check %s num = %d", module.name, count);
     return count;

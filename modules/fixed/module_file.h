@@ -1,4 +1,4 @@
-// Where the files of a module with fixed members stand.
+// Paths of the files of a module with fixed members.
 #pragma once
 
 #include "base/file.h"

@@ -34,7 +34,7 @@ int save_module(const fixed_module &module)
 {
     const printed_ptr text(cJSON_Print(current_document(module).get()));
     const int flushed = write_text_file(current_file(module).text, text.get());
-    // Last, and even when nothing was written: see SavedFile.FailedSaveIsNotRetried.
+    // After formatting, and also when nothing was written (SavedFile.FailedSaveIsNotRetried).
     clear_change(module.stamp);
     return flushed;
 }

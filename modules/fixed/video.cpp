@@ -14,7 +14,7 @@ timespec video_item_start_time;
 int video_save_param_time = default_save_delay_ms;
 int video_item_changed;
 
-// The values' names of each named member; those of size are in video_size.cpp.
+// Value names, one array for each named member; those of "size" are in video_size.cpp.
 static const char *const protocol[] = {"H264", "H265", "MJPEG"};
 static const char *const rcMode[] = {"CBR", "VBR", "ABR", "FIXQP", "AVBR"};
 static const char *const profile[] = {"baseline", "mainprofile", "highprofile", "svc-t"};
@@ -64,8 +64,8 @@ static bool is_stream(int stream)
     return stream >= 0 && stream < PARA_VIDEO_STREAMS;
 }
 
-// Lets a stream equal to the count through (VideoStreams.CountItselfIsLetThrough), never one
-// beyond the table.
+// A stream equal to the count is accepted (VideoStreams.CountItselfIsLetThrough), one beyond the
+// tables is not.
 static bool can_be_read(int stream)
 {
     return is_stream(stream) && stream <= g_num_stream;
@@ -157,7 +157,7 @@ int para_video_enum(void *, void *)
     return 0;
 }
 
-// The work queue calls with one argument what operators may call with two.
+// Work handlers have one argument, the exported functions two.
 static int list_names(void *argument)
 {
     return para_video_enum(argument, nullptr);
@@ -171,7 +171,7 @@ int para_init_video(const char *)
 {
     if (video_init_done != 0)
         return 0;
-    video_init_done = 1; // before anything can fail: the rows of other streams do not try again
+    video_init_done = 1; // first: the rows of the other streams must not retry a failed start
     if (start_module(video, PARA_HERE) != 0)
         return -1;
 
@@ -224,7 +224,7 @@ static int stream_of_key(const cJSON *item, int limit)
     return -1;
 }
 
-// The queries of this module are traced a level deeper than those of the others.
+// Traced at level 7; other modules trace queries at level 6.
 int para_get_video_opt(const char *, const cJSON *item, cJSON **answer, const char *)
 {
     PARA_TRACE(PARA_DUMP, "inter");
@@ -237,7 +237,7 @@ int para_get_video_opt(const char *, const cJSON *item, cJSON **answer, const ch
     return 0;
 }
 
-// Tells no hook: VideoSetRequest.NeverCallsTheRequestHook.
+// Calls no hook (VideoSetRequest.NeverCallsTheRequestHook).
 int para_set_video_opt(const char *, const cJSON *item, const char *)
 {
     PARA_TRACE(PARA_INFO, "inter");

@@ -28,7 +28,7 @@ struct picture_size {
     int width, height;
 };
 
-// In the order of look-up and listing. Several differ from the usual meaning of their name.
+// In look-up and listing order. Some sizes differ from the usual meaning of their names.
 static const picture_size size_name[] = {
     {"PIC_D1", HZ_50, 720, 576},
     {"PIC_D1", HZ_60, 720, 480},

@@ -1,4 +1,4 @@
-// The ODM store: a document of a device maker's own values.
+// The ODM store: a JSON document with the device maker's overrides.
 #include "camparam/odm.h"
 
 #include <pthread.h>
@@ -121,7 +121,7 @@ int para_get_odm_string(const char *key, char *text)
     return result;
 }
 
-// The key's item in a document that exists from now on, or null.
+// Creates the document if there is none. Returns the key's item, or null.
 static cJSON *item_to_set(const char *key)
 {
     if (json_odm_file == nullptr) {
@@ -160,11 +160,11 @@ int _para_set_odm_string(const char *key, const char *text)
     if (item->valuestring != nullptr && text != nullptr && strcmp(item->valuestring, text) == 0)
         return 0;
     if (text != nullptr)
-        cJSON_SetValuestring(item, text); // leaves an item that is no text as it is
+        cJSON_SetValuestring(item, text); // does not change a non-string item
     return 1;
 }
 
-// The hook hears of a change before the store is stamped (OdmSetter.TellsTheHookBeforeTheStamp).
+// The hook runs before the change is stamped (OdmSetter.TellsTheHookBeforeTheStamp).
 static int tell_and_stamp(const char *key)
 {
     if (para_profile.odm_set_notify_hook != nullptr)

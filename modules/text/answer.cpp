@@ -3,7 +3,7 @@
 #include "modules/text/pattern_module.h"
 #include "modules/text/text_module.h"
 
-// How a value is answered; a member without a range has no kind.
+// PARA_KIND_ENUM for a value that is answered as text; 0 for a member without a range.
 static int kind_in(const text_module &module, answer_form form, const char *member)
 {
     return form == answer_form::by_range ? kind_of(module, member) : PARA_KIND_ENUM;

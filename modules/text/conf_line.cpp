@@ -21,8 +21,7 @@ static bool has_key(const char *line, const char *key)
     return strncmp(line, key, length) == 0 && (line[length] == ' ' || line[length] == '=');
 }
 
-// Copies the lines, with the new one in place of those that have the key. Returns whether it got to
-// the end of the file.
+// Copies the file and replaces the lines that have the key. Returns whether all of it was read.
 static bool replace_lines(FILE *from, const char *key, const char *new_line, FILE *to)
 {
     char *line = nullptr;
@@ -48,7 +47,7 @@ int update_conf(const char *path, const char *key, const char *line)
     if (!file || text.stream() == nullptr)
         return -1;
 
-    // Locked before it is read, so that nothing another program writes in between is lost.
+    // Lock before reading: another program's write between read and rewrite would be lost.
     lock_file(file.get());
     const bool complete = replace_lines(file.get(), key, line, text.stream()) && text.finish();
     const bool rewritten =

@@ -1,4 +1,4 @@
-// Modules whose settings stand in ".conf" files that other programs own.
+// Modules whose settings are kept in ".conf" files of other programs.
 #include "modules/text/conf_module.h"
 
 #include "base/lock.h"
@@ -26,7 +26,7 @@ int para_init_single_conf(const char *name)
         return -1;
 
     const write_guard guard(conf_objects_lock);
-    if (module->cur == nullptr) { // else a reload: the host sees in the same objects what changed
+    if (module->cur == nullptr) { // a reload keeps the objects, for key-change detection
         module->def = configure_init();
         module->cur = configure_init();
     }
@@ -72,7 +72,7 @@ int para_init_conf(const char *name)
         return 0;
     }
     para_init_single_conf(name);
-    conf_modules.next++; // a module that failed keeps its record, for a reload
+    conf_modules.next++; // also after a failure: a later reload may succeed
     return 0;
 }
 
@@ -133,8 +133,7 @@ int para_need_save_conf(const char *name)
     return need_save(conf_modules, name);
 }
 
-// The lines as they stand, and clears the mark of change first: a change from now on is saved
-// again.
+// Clears the changed flag before reading the values, so that a later change is saved again.
 static text_ptr lines_to_save(text_module &module)
 {
     clear_change(stamp_of(module));
@@ -144,7 +143,7 @@ static text_ptr lines_to_save(text_module &module)
 int para_save_conf(const char *name)
 {
     if (para_profile.conf_save_hook == nullptr)
-        return 0; // the host has not switched writing on: the module stays due
+        return 0; // writing is switched off: the module stays due
     text_ptr lines;
     {
         const read_guard guard(conf_objects_lock);

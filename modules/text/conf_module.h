@@ -1,4 +1,4 @@
-// What the files of the conf-file modules share.
+// Shared by the source files of the conf-file modules.
 #pragma once
 
 #include <pthread.h>
@@ -7,8 +7,8 @@
 
 extern text_registry conf_modules;
 
-// A reload changes the values of a module one by one, and one that fails frees its objects: held
-// for writing meanwhile, and for reading while an object is used. Never held while a hook runs.
+// Taken for writing by a reload, which replaces values one by one and frees the objects on failure;
+// for reading by every other use of an object. Not held while a hook runs.
 extern pthread_rwlock_t conf_objects_lock;
 
 // The module, if it has values; the caller holds conf_objects_lock.

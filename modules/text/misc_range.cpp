@@ -1,5 +1,5 @@
-// The legacy range files of "misc": an enum member's first and last text stand for a stretch of a
-// fixed table.
+// Legacy range files of "misc", in which an enum member has the first and last text of a range
+// within a fixed table.
 #include <cstring>
 
 #include "base/text.h"
@@ -25,9 +25,9 @@ static const name_table *table_of(const char *member)
     return nullptr;
 }
 
-// The stretch from the first table text that begins with the one name to the one that begins with
-// the other. The end is looked for from the beginning of the table on, so a pair in the wrong order
-// gives a list that is short or empty (MiscWidening.* tests).
+// The table texts from the first one that begins with `first` to one that begins with `last`. The
+// end is searched from the start of the table, so names in the wrong order give a short or empty
+// list (MiscWidening.* tests).
 static cJSON *widened(const name_table &table, const char *first, const char *last)
 {
     cJSON *const list = cJSON_CreateArray();

@@ -153,6 +153,6 @@ int para_save_misc(const char *name)
     text_module *const module = find_module(patterns, name);
     if (module == nullptr)
         return -1;
-    clear_change(stamp_of(*module)); // first: a change from now on is saved again
+    clear_change(stamp_of(*module)); // before the values are read: a later change is saved again
     return module->files->save(*module);
 }

@@ -1,4 +1,4 @@
-// What the files of the pattern modules share: the modules, and what their ranges say.
+// Shared by the source files of the pattern modules.
 #pragma once
 
 #include "camparam/misc.h"
@@ -6,8 +6,7 @@
 
 extern text_registry patterns;
 
-// The files of a pattern module. Where they differ, they are a row of the table in
-// pattern_module.cpp.
+// How a pattern module is loaded and saved; a row of the table in pattern_module.cpp.
 struct file_set {
     const char *module;       // null: every module that has no row of its own
     bool keeps_failed_record; // else the next module takes it

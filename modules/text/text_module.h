@@ -22,7 +22,7 @@ struct file_set;
 struct text_module {
     // Fixed after start-up.
     char name[module_name_size];
-    bool listed;           // the record is a module's; the name may be empty
+    bool listed;           // the record is in use; the name may be empty
     const file_set *files; // of a pattern module
     cJSON *range;          // of a pattern module whose range file could be read
     // Fixed after start-up in a pattern module; see conf_objects_lock for the others.
@@ -35,12 +35,12 @@ struct text_module {
 
 // --- Records ---
 
-// The modules of one kind. The first row of the table that starts is that of the kind itself, and
-// stands for no module.
+// The modules of one kind. The first init call comes from the row of the kind itself ("json",
+// "conf"): it starts the registry and takes no record.
 struct text_registry {
     text_module *records;
     int capacity;
-    int next; // 0: not started; else one more than the records that are taken for good
+    int next; // 0: not started; else the index of the next free record, plus one
 };
 
 // Empties the next record and gives it the name. Null when all of them are taken.
@@ -83,14 +83,13 @@ int write_conf_to_buffer(const char *module, configure *conf, char *buffer, int 
 
 // --- Answers ---
 
-// In which form the members of a module are answered: as texts, or, where their range file says
-// that they are numbers, as such.
+// The form of answers: all values as texts, or as texts and numbers by the range file.
 enum class answer_form { texts, by_range };
 
 // Adds every entry of a configure object. Returns what its loop returned; -1 when there is no
 // object.
 int add_all(const text_module &module, configure *values, answer_form form, cJSON *answer);
 
-// Adds those among the item's names that the object has. A member without a range has no form.
+// Adds the listed members that the object has; by_range leaves out members without a range.
 void add_listed(const text_module &module, configure *values, answer_form form, const cJSON *item,
                 cJSON *answer);
