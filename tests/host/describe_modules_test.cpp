@@ -150,6 +150,24 @@ TEST_F(DescribeModules, AreNamedAloneWhenADatagramHoldsNoMore)
     EXPECT_NE(members_of("overlay").find("'line159':{'kind':'text'"), std::string::npos);
 }
 
+TEST_F(DescribeModules, FillADatagramToItsLastByte)
+{
+    const size_t longest = 65507; // of UDP over IPv4
+    write_home("overlay.conf", "");
+    const auto description = [this](size_t length) {
+        write_data("overlay.conf", "title = '" + std::string(length, 'x') + "'\n");
+        start_host();
+        const std::string reply = ask("overlay");
+        EXPECT_EQ(end_host(SIGKILL), -1);
+        return reply;
+    };
+    const size_t shortest = description(0).size();
+
+    EXPECT_EQ(description(longest - shortest).size(), longest);
+    EXPECT_EQ(description(longest - shortest + 1),
+              "{\"msg_name\":\"describe\",\"modules\":{\"overlay\":{}}}");
+}
+
 TEST_F(DescribeModules, OfTheSampleDeviceFitWithRoomToSpare)
 {
     home = SAMPLE_HOME;

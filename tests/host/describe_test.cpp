@@ -94,4 +94,12 @@ TEST_F(DescribeCommand, EchoesIdentifiersAsTheyCame)
     EXPECT_EQ(reply.find("{'msg_name':'desc','modules':"), 0u) << reply;
 }
 
+TEST_F(DescribeCommand, FindsIdentifiersInAnyCase)
+{
+    start_host();
+
+    EXPECT_EQ(client.ask("{'msg_type':'api_get','MSG_NAME':'save','Msg_Id':3}"),
+              "{'msg_name':'save','msg_id':3}");
+}
+
 } // namespace

@@ -86,16 +86,6 @@ TEST_F(Hooks, StayOneLineWhateverTheNamesHold)
                         "camparamd: audio_set_request:  \n");
 }
 
-TEST_F(Hooks, ShowEveryControlCharacterAsAQuestionMark)
-{
-    std::string controls = "\x7f";
-    for (char control = 1; control < ' '; control++)
-        controls += control;
-    para_profile.odm_set_notify_hook((controls + " ~\x80\xff").c_str());
-
-    EXPECT_EQ(logged(), "camparamd: odm_set_notify: " + std::string(32, '?') + " ~\x80\xff\n");
-}
-
 TEST_F(Hooks, LetConfFilesBeWrittenOnRequest)
 {
     EXPECT_EQ(para_profile.conf_save_hook, nullptr);

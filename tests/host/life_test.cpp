@@ -1,3 +1,7 @@
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -71,6 +75,19 @@ TEST_F(HostLife, RefusesToStartOnATakenPort)
     EXPECT_EQ(run_host({"--home", home, "--data", data, "--no-share"}), 1);
     EXPECT_EQ(host->errors(),
               "camparamd: UDP port 6800 is taken; does another host process run?\n");
+}
+
+TEST_F(HostLife, RefusesToStartWhenThePortIsTakenOnOneAddress)
+{
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(PARA_SERVER_PORT);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK + 1);
+    const int other = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(bind(other, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+
+    EXPECT_EQ(run_host({"--home", home, "--data", data, "--no-share"}), 1);
+    close(other);
 }
 
 TEST_F(HostLife, MakesNoDataFolderWhenThePortIsTaken)

@@ -1,6 +1,7 @@
 // Shared memory and share datagrams.
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/mount.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -113,6 +114,31 @@ TEST_F(Sharing, MapsFollowChanges)
         "{'msg_type':'set','video1':{'bitRate':4096},'audio':{'mute':1},'isp0':{'hue':3}}");
 
     EXPECT_TRUE(wait_until([&] { return *bit_rate == 4096 && *mute == 1 && *hue == 3; }));
+}
+
+TEST_F(Sharing, MapsHoldEveryMember)
+{
+    start_host();
+    const volatile int *const audio = entry(SHARE_AUDIO, 1);
+    const volatile int *const stream = entry(SHARE_VIDEO, 3);
+
+    Client().ask("{'msg_type':'set','audio':{'audioEnable':0,'audioOutMute':1},"
+                 "'video2':{'sliceSize':7}}");
+
+    EXPECT_TRUE(wait_until(
+        [&] { return audio[PARA_AUDIO_audioEnable] == 0 && audio[PARA_AUDIO_SLOTS - 1] == 1; }));
+    EXPECT_TRUE(wait_until([&] { return stream[PARA_VIDEO_STREAM_SLOTS - 1] == 7; }));
+}
+
+TEST_F(Sharing, TheHostServesWithoutMapsThatCannotBePublished)
+{
+    ASSERT_EQ(mount("none", "/dev/shm", nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
+    start_host();
+
+    EXPECT_TRUE(host_has_logged("cannot publish the shared memory")) << host->errors();
+    EXPECT_EQ(Client().ask("{'msg_type':'get','video1':['bitRate']}"),
+              "{'video1':{'bitRate':2048}}");
+    EXPECT_EQ(end_host(SIGTERM), 0);
 }
 
 TEST_F(Sharing, MapsGoAwayAtTheEnd)

@@ -86,6 +86,18 @@ TEST_F(StyleCommand, MakesAStyleTheDefaultForGood)
     EXPECT_EQ(list(), styles_with("night", "night"));
 }
 
+TEST_F(StyleCommand, MakesAStyleTheDefaultForEveryNumberButZero)
+{
+    start_host();
+
+    for (const char *flag : {"-1", "2", "true"}) {
+        const std::string on = "'default':" + std::string(flag);
+        EXPECT_EQ(set("{'style':'night'," + on + "}"),
+                  reply_with("'style','antiflicker','hue','default'", ""))
+            << flag;
+    }
+}
+
 TEST_F(StyleCommand, KeepsTheDefaultUnlessTold)
 {
     start_host();
@@ -145,6 +157,24 @@ TEST_F(StyleCommand, ListsNothingWithoutAStyleFile)
 
     EXPECT_EQ(list(), "{'msg_name':'style','styles':[]}");
     EXPECT_EQ(set("{'style':'day'}"), reply_with("", "'style':'no such style'"));
+}
+
+TEST_F(StyleCommand, ListsStylesBeyondAGapAtTheEndOfTheRange)
+{
+    write_home("isp_def.json", "{'isp0_style_list':['day','night','dusk','gone','far'],"
+                               "'day':{'hue':5},'night':{'hue':2},'dusk':{},'far':{}}");
+    start_host();
+
+    EXPECT_EQ(list(), "{'msg_name':'style','styles':['day','night','dusk','far'],"
+                      "'default':'day','current':'day'}");
+}
+
+TEST_F(StyleCommand, ABogusRangeDoesNotHoldUpTheList)
+{
+    write_home("isp_range.json", "{'isp0':{'style':[0,2147483647],'hue':[0,10]}}");
+    start_host();
+
+    EXPECT_EQ(list(), styles_with("day", "day"));
 }
 
 TEST_F(StyleCommand, ListsANameThatIsGivenTwiceOnce)
