@@ -49,6 +49,30 @@ TEST(ClientAnswers, ValuesOfAnyTypeArePrinted)
               "af.a=1e+300\naf.b=[1,{\"c\":null}]\naf.d=true\naf.e=x\\x0ay\naf.f=null\naf=2.5\n");
 }
 
+TEST(ClientAnswers, ControlCharactersAreEscaped)
+{
+    const fake_server camera([](const std::string &request) {
+        return std::vector<std::string>{
+            reply_to(request, "'af':{'a\\u007f':'\\u001b[31m\\u007f'}")};
+    });
+
+    EXPECT_EQ(run({"get", "af"}).output, "af.a\\x7f=\\x1b[31m\\x7f\n");
+    EXPECT_EQ(run({"get", "af.b\x1b"}).errors, "camparam: no setting \"af.b\\x1b\"\n");
+}
+
+TEST(ClientAnswers, AStyleListOfAnotherTypeIsNone)
+{
+    shared_text styles;
+    const fake_server camera([&](const std::string &request) {
+        return std::vector<std::string>{reply_to(request, "'styles':" + std::string(styles))};
+    });
+
+    for (const char *none : {"5", "{}", "'vivid'", "null"}) {
+        styles = none;
+        EXPECT_EQ(run({"style"}).status, 1) << none;
+    }
+}
+
 TEST(ClientAnswers, ADescriptionOfWrongTypesIsReadAsFarAsItGoes)
 {
     shared_text modules;
@@ -71,6 +95,45 @@ TEST(ClientAnswers, ADescriptionOfWrongTypesIsReadAsFarAsItGoes)
               "'default':null}}}}";
     EXPECT_EQ(run({"list"}).output, "NAME           KIND  MIN  MAX  DEFAULT  VALUE\n"
                                     "af.zoom_value  -     low  {}   null     -      *\n");
+}
+
+TEST(ClientAnswers, LimitsNeedBothEnds)
+{
+    const fake_server camera(describing("'af':{'members':{'low':{'kind':'number','min':0},"
+                                        "'high':{'kind':'number','max':9}}}",
+                                        ""));
+
+    for (const char *member : {"low", "high"})
+        EXPECT_EQ(run({"set", "af." + std::string(member) + "=x"}).errors,
+                  "camparam: af." + std::string(member) +
+                      ": \"x\" is no 32-bit integer (number)\n"
+                      "camparam: nothing was set\n");
+}
+
+TEST(ClientAnswers, ASetNeedsAnAnswerWithItsIdentifier)
+{
+    const fake_server camera([](const std::string &request) {
+        return std::vector<std::string>{is_for(request, "set")
+                                            ? quoted("{'msg_name':'camparam'}")
+                                            : reply_to(request, "'af':{'zoom_value':5}")};
+    });
+
+    const run_result got =
+        run_until_reported({"set", "--number", "af.zoom_value=5"}, "1 not understood");
+    EXPECT_EQ(got.status, 3) << got.errors;
+}
+
+TEST(ClientAnswers, AStyleThatTheHostDoesNotSetIsRefused)
+{
+    const fake_server camera([](const std::string &request) {
+        return std::vector<std::string>{is_for(request, "api_set")
+                                            ? quoted("{'err':'Invalid API command'}")
+                                            : reply_to(request, "'styles':['vivid']")};
+    });
+
+    const run_result refused = run({"style", "vivid"});
+    EXPECT_EQ(refused.status, 4);
+    EXPECT_EQ(refused.errors, "camparam: the host refused the style \"vivid\"\n");
 }
 
 TEST(ClientAnswers, ASetWhoseAnswerChangesTypeIsNotTaken)

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <regex>
 
 #include "cli/run.h"
 #include "host/host_process.h"
@@ -44,6 +45,25 @@ TEST_F(Completion, OffersCommandsAndOptions)
     EXPECT_EQ(offers("call s"), "save style\n");
     EXPECT_EQ(offers("www ''"), "get set\n");
     EXPECT_EQ(offers("www get ''"), "\n");
+}
+
+TEST_F(Completion, OffersEveryOptionOfTheHelp)
+{
+    const std::string offered = " " + offers("get --");
+    const std::regex option("--[a-z]+");
+    for (const std::vector<std::string> &words :
+         std::vector<std::vector<std::string>>{{"--help"},
+                                               {"set", "--help"},
+                                               {"call", "--help"},
+                                               {"style", "--help"},
+                                               {"share", "--help"}}) {
+        const std::string help = run(words).output;
+        const std::string options = help.substr(0, help.find("Examples:"));
+        for (std::sregex_iterator found(options.begin(), options.end(), option), end; found != end;
+             ++found)
+            EXPECT_TRUE(std::regex_search(offered, std::regex(" " + found->str() + "[ \n]")))
+                << found->str();
+    }
 }
 
 TEST_F(Completion, OffersTheSettingsOfTheHost)

@@ -151,6 +151,29 @@ TEST_F(ValueForm, ManyValuesTravelInSeveralDatagrams)
     EXPECT_GE(sets, 60 * 200 / PARA_MESSAGE_MAX + 1);
 }
 
+TEST_F(ValueForm, ValuesThatJustExceedADatagramTravelInTwo)
+{
+    const fake_server camera([](const std::string &request) {
+        return std::vector<std::string>{reply_to(request, "'overlay':{}")};
+    });
+    const auto set = [](size_t length) {
+        return run({"set", "--text", "overlay.a=" + std::string(2000, 'x'),
+                    "overlay.b=" + std::string(length, 'x')});
+    };
+
+    set(0);
+    size_t shortest = 0;
+    for (const std::string &request : camera.requests())
+        shortest = is_for(request, "set") ? request.size() : shortest;
+    const size_t longest = PARA_MESSAGE_MAX - shortest; // for identifiers of as many digits
+    for (size_t length = longest - 1; length <= longest + 3; length++) {
+        const run_result got = set(length);
+        EXPECT_EQ(got.errors.find("bytes"), std::string::npos) << got.errors;
+    }
+    for (const std::string &request : camera.requests())
+        EXPECT_LE(request.size(), size_t{PARA_MESSAGE_MAX});
+}
+
 TEST_F(ValueForm, AValueThatFitsInNoDatagramIsAUsageError)
 {
     const fake_server camera(describing(modules, values));

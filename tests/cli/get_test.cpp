@@ -42,6 +42,14 @@ TEST_F(GetCommand, PrintsJson)
     EXPECT_EQ(squeeze(run({"--json", "get", "af.zoom_value"}).output), "{'af':{'zoom_value':0}}");
 }
 
+TEST_F(GetCommand, PrintsAValueOnceAsJson)
+{
+    start_host();
+
+    EXPECT_EQ(squeeze(run({"get", "--json", "af.zoom_value", "af.zoom_value"}).output),
+              "{'af':{'zoom_value':0}}");
+}
+
 TEST_F(GetCommand, TellsWhatIsMissing)
 {
     start_host();
@@ -70,6 +78,15 @@ TEST_F(GetCommand, MessageFieldsAreNoSettings)
         const run_result got = run({"get", field});
         EXPECT_EQ(got.status, 5) << field;
         EXPECT_EQ(got.output, "");
+    }
+}
+
+TEST_F(GetCommand, MessageFieldsAreNotAskedFor)
+{
+    for (const char *field : {"msg_id", "msg_name", "msg_type", "msg_from"}) {
+        const run_result got = run({"get", field});
+        EXPECT_EQ(got.status, 5) << field;
+        EXPECT_EQ(got.errors, "camparam: no module \"" + std::string(field) + "\"\n");
     }
 }
 

@@ -58,6 +58,18 @@ TEST_F(ListCommand, OffersASimilarName)
     EXPECT_EQ(nothing.errors, "camparam: no setting \"af.brightness\"\n");
 }
 
+TEST_F(ListCommand, OffersNoNameForAVeryLongOne)
+{
+    const std::string name(64, 'a');
+    const fake_server camera(describing("'af':{'members':{'" + name + "':{'kind':'number'}}}", ""));
+
+    EXPECT_EQ(run({"list", "af." + std::string(63, 'a') + "b"}).errors,
+              "camparam: no setting \"af." + std::string(63, 'a') + "b\"; did you mean \"af." +
+                  name + "\"?\n");
+    EXPECT_EQ(run({"list", "af." + name + "b"}).errors,
+              "camparam: no setting \"af." + name + "b\"\n");
+}
+
 TEST_F(ListCommand, PrintsJson)
 {
     start_host();
@@ -90,6 +102,7 @@ TEST_F(ListCommand, ShowsNamesAndTexts)
               "NAME            KIND  MIN  MAX  DEFAULT  VALUE\n"
               "audio.aeFormat  enum  -    -    AAC      G711A  *\n"
               "one of AAC, G711A\n");
+    EXPECT_EQ(run({"list", "audio"}).output.find("one of"), std::string::npos);
 }
 
 TEST_F(ListCommand, ShowsValuesOfAHostThatDescribesNothing)

@@ -40,6 +40,15 @@ TEST_F(ClientNetwork, RetriesTwiceUnlessToldOtherwise)
     EXPECT_EQ(camera.requests().size(), 4u);
 }
 
+TEST_F(ClientNetwork, TellsOfTheOneRequestWithoutRetries)
+{
+    const fake_server camera(silence);
+
+    EXPECT_EQ(run({"get", "af", "--timeout", "0.05", "--retries", "0"}).errors,
+              "camparam: no answer from 127.0.0.1 port 6800 to 1 request; --timeout and --retries "
+              "wait longer\n");
+}
+
 TEST_F(ClientNetwork, WaitsForTheWholeTimeout)
 {
     const fake_server camera(silence);

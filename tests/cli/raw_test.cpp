@@ -41,6 +41,18 @@ TEST_F(RawCommand, RefusesWhatTheStoreWouldDrop)
     EXPECT_EQ(longest.status, 2);
 }
 
+TEST_F(RawCommand, SendsTheLongestRequest)
+{
+    start_host();
+    const std::string begin = R"({"msg_type":"get","msg_id":5,"x":")", end = R"("})";
+    const std::string filling(PARA_MESSAGE_MAX - begin.size() - end.size(), 'x');
+
+    const run_result sent = run({"raw"}, begin + filling + end);
+
+    EXPECT_EQ(sent.status, 0) << sent.errors;
+    EXPECT_EQ(squeeze(sent.output), "{'msg_id':5}");
+}
+
 TEST_F(RawCommand, SkipsAnswersToOtherRequests)
 {
     const fake_server camera([](const std::string &) {

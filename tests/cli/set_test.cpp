@@ -56,6 +56,18 @@ TEST_F(SetCommand, TellsWhenOnlySomeWereTaken)
     EXPECT_NE(set.errors.find("af.zoom_value: \"1001\""), std::string::npos) << set.errors;
 }
 
+TEST_F(SetCommand, PrintsValuesAndMessagesInOrder)
+{
+    start_host();
+
+    process client(
+        {"sh", "-c", CAMPARAM " --timeout 20 set af.focus_mode=2 af.zoom_value=1001 2>&1"});
+
+    EXPECT_EQ(client.wait_for_end(), 6);
+    EXPECT_EQ(client.output().find("af.focus_mode=2\ncamparam: af.zoom_value: "), 0u)
+        << client.output();
+}
+
 TEST_F(SetCommand, AMissingNameHidesNoRefusal)
 {
     start_host();

@@ -66,15 +66,18 @@ TEST(ClientUsage, MistakesAreUsageErrors)
              {"share", "misc.mirror=1"},
              {"share", "video0.gop=5"},
              {"share", "video.gop=5", "--instance", "-1"},
+             {"share", "video.gop=5", "--instance", "256"},
              {"share", "video.gop=5", "--instance", "one"},
              {"share", "audio.mute=1", "--instance", "1"},
              {"get", "af", "--port", "0"},
              {"get", "af", "--port", "65536"},
              {"get", "af", "--timeout", "0"},
              {"get", "af", "--timeout", "-1"},
+             {"get", "af", "--timeout", "3601"},
              {"get", "af", "--timeout", "nan"},
              {"get", "af", "--timeout", "soon"},
              {"get", "af", "--retries", "-1"},
+             {"get", "af", "--retries", "1001"},
          }) {
         const run_result got = run(words);
         EXPECT_EQ(got.status, 2) << testing::PrintToString(words);

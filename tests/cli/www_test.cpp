@@ -70,6 +70,18 @@ TEST_F(WebNames, AGreedyNameSetsEveryModuleThatHasIt)
               "video0.frameRate=25\nvideo1.frameRate=25\nvideo2.frameRate=25\n");
 }
 
+TEST_F(WebNames, AnyOfTheValuesUnderANameCounts)
+{
+    const fake_server camera([](const std::string &request) {
+        const bool sets = is_for(request, "set");
+        return std::vector<std::string>{sets ? "result=success" : "&rate=4&rate=5&rate=6"};
+    });
+
+    for (const char *rate : {"rate=4", "rate=5", "rate=6"})
+        EXPECT_EQ(run({"www", "set", "page", rate}).output, std::string(rate) + "\n");
+    EXPECT_EQ(run({"www", "set", "page", "rate=7"}).status, 4);
+}
+
 TEST_F(WebNames, WhatThePageShowsOtherwiseIsNamed)
 {
     start_host();
