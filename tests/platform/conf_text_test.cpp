@@ -30,6 +30,11 @@ TEST_F(ConfText, MayHaveBlanksAroundEachPart)
                 ElementsAre(Pair("a", "1 2"), Pair("b", " 3 "), Pair("c", "4"), Pair("d", "5")));
 }
 
+TEST_F(ConfText, CountsVerticalTabAndFormFeedAsBlanks)
+{
+    EXPECT_THAT(entries("\f\va\v=\f1\v\nb\vb=2\n"), ElementsAre(Pair("a", "1")));
+}
+
 TEST_F(ConfText, SkipsCommentsAndBlankLines)
 {
     EXPECT_THAT(entries("# a = 1\n\n   \n  #b=2\n#\nc = 3\n"), ElementsAre(Pair("c", "3")));

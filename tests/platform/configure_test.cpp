@@ -114,6 +114,18 @@ TEST_F(ConfigureObject, FindsTheValueText256BytesIntoTheEntry)
     EXPECT_EQ(conf.object->conf_find(conf.object, nullptr), nullptr);
 }
 
+TEST_F(ConfigureObject, FindsAnEntryThatBeginsWithItsKey)
+{
+    const std::string long_key(300, 'k');
+    conf.set("port", "80");
+    conf.set(long_key, "long");
+    const auto entry = [this](const std::string &key) {
+        return static_cast<const char *>(conf.object->conf_find(conf.object, key.c_str()));
+    };
+    EXPECT_STREQ(entry("port"), "port");
+    EXPECT_STREQ(entry(long_key), std::string(255, 'k').c_str());
+}
+
 TEST_F(ConfigureObject, KeepsAFoundTextUntilItsKeyIsSetAgain)
 {
     conf.set("port", "80");

@@ -75,6 +75,14 @@ int Conf::changed(const std::vector<const char *> &keys)
     return configure_key_IsChanged(object, set.get());
 }
 
+bool thread_sleeps(pid_t id)
+{
+    std::ifstream status("/proc/self/task/" + std::to_string(id) + "/stat");
+    std::string number, name, state;
+    status >> number >> name >> state;
+    return state == "S";
+}
+
 bool eventually(const std::function<bool()> &condition)
 {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);

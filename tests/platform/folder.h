@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/types.h>
 
 #include <cstdlib>
 #include <functional>
@@ -54,6 +55,9 @@ public:
 
     configure *const object;
 };
+
+// Whether a thread of this process is blocked in a system call.
+bool thread_sleeps(pid_t id);
 
 // Waits up to 20 seconds for the condition. Returns whether it holds.
 bool eventually(const std::function<bool()> &condition);

@@ -3,7 +3,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <thread>
 
 #include "tests/platform/folder.h"
@@ -99,6 +101,32 @@ TEST_F(TraceOutput, OfSeveralThreadsDoesNotMix)
 
     for (char name : {'a', 'b', 'c', 'd'})
         EXPECT_EQ(std::count(seen.begin(), seen.end(), std::string(100, name) + "\n"), each);
+}
+
+TEST_F(TraceOutput, SurvivesASignalWhileItWaitsForTheReader)
+{
+    static std::atomic<bool> interrupted{false};
+    struct sigaction interrupt = {};
+    interrupt.sa_handler = [](int) { interrupted = true; };
+    ASSERT_EQ(sigaction(SIGUSR1, &interrupt, nullptr), 0);
+    const int messages = 100;
+    std::atomic<pid_t> writer{0};
+    std::thread thread([&] {
+        writer = gettid();
+        for (int i = 0; i < messages; i++)
+            wnk_traceout(6, "%s\n", std::string(20000, 't').c_str());
+    });
+
+    EXPECT_TRUE(eventually([&] { return writer != 0 && thread_sleeps(writer); }));
+    pthread_kill(thread.native_handle(), SIGUSR1);
+    EXPECT_TRUE(eventually([] { return interrupted.load(); }));
+    int seen = 0;
+    EXPECT_TRUE(eventually([&] {
+        while (next_write() != "none")
+            seen++;
+        return seen == messages;
+    })) << seen;
+    thread.join();
 }
 
 TEST(TraceLevel, ShowsErrorsUntilItIsSet)

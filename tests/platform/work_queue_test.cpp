@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <csignal>
-#include <fstream>
 #include <future>
 #include <thread>
 
@@ -208,20 +207,12 @@ namespace {
 
 std::atomic<bool> ending{false};
 
-bool main_thread_sleeps()
-{
-    std::ifstream status("/proc/self/task/" + std::to_string(getpid()) + "/stat");
-    std::string id, name, state;
-    status >> id >> name >> state;
-    return state == "S";
-}
-
 // Finishes once the main thread sleeps, as it does when the exiting process waits for this handler.
 int finish_late(void *started)
 {
     static_cast<std::promise<void> *>(started)->set_value();
     eventually([] { return ending.load(); });
-    eventually(main_thread_sleeps);
+    eventually([] { return thread_sleeps(getpid()); });
     fputs("finished", stderr);
     return 0;
 }
