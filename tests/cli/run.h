@@ -7,7 +7,8 @@
 
 #include "host/fake_server.h"
 #include "host/process.h"
-#include "support/store.h"
+#include "support/folders.h"
+#include "support/json_text.h"
 
 struct run_result {
     int status;

@@ -6,15 +6,22 @@
 #include <string>
 #include <vector>
 
+#include "camparam/camparam.h"
 #include "host/process.h"
-#include "support/store.h"
+#include "support/client.h"
+#include "support/device.h"
+#include "support/folders.h"
+#include "support/json_text.h"
+#include "support/running_store.h"
 
-class HostProcess : public Store {
+class HostProcess : public Folders {
 protected:
     // Writes the files of a lens: focus_mode 0 to 3, default 1; zoom_value -100 to 1000, default 0.
     // Its other members are absent.
     HostProcess();
 
+    // Starts a store in the test's own process, in place of camparamd.
+    void start_store() { store.start(); }
     // Starts camparamd on the fixture's folders and waits until it is ready.
     void start_host(const std::vector<std::string> &options = {});
     // Runs camparamd with only these arguments until it exits. Returns its exit status.
@@ -38,5 +45,6 @@ protected:
     std::unique_ptr<process> host;
 
 private:
+    RunningStore store;
     bool shares = false;
 };
