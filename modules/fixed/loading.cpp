@@ -9,63 +9,75 @@
 
 // --- Members ---
 
-// Stores the value of a file's item, unless it has no usable form. Returns the presence that it
-// gives.
-static int read_value(const fixed_module &module, const fixed_member &member, const cJSON *item,
-                      int &value)
+// A value as a file gives it.
+struct file_value {
+    int presence; // 0: the file has none
+    bool usable;  // it is a number, or one of the member's names
+    int value;
+};
+
+static file_value value_of(const fixed_module &module, const fixed_member &member,
+                           const cJSON *item)
 {
-    if (!module.rules.named_values || cJSON_IsNumber(item)) {
-        store_word(value, item->valueint);
-        return module.rules.presence_of_number;
-    }
+    if (item == nullptr)
+        return {.presence = 0, .usable = false, .value = 0};
+    if (!module.rules.named_values || cJSON_IsNumber(item))
+        return {
+            .presence = module.rules.presence_of_number, .usable = true, .value = item->valueint};
     const int named = cJSON_IsString(item) ? name_in_file(*member.names, item->valuestring) : -1;
     if (named < 0)
-        return PARA_PRESENT; // has a default, but no usable form
-    store_word(value, named);
-    return PARA_PRESENT | PARA_PRESENT_AS_NAME;
+        return {.presence = PARA_PRESENT, .usable = false, .value = 0};
+    return {.presence = PARA_PRESENT | PARA_PRESENT_AS_NAME, .usable = true, .value = named};
 }
 
-static void get_range_param(const fixed_module &module, const fixed_member &member, int slot,
-                            const cJSON *object)
+static void store_if_usable(int &slot, const file_value &read)
+{
+    if (read.usable)
+        store_word(slot, read.value);
+}
+
+struct file_range {
+    file_value min, max;
+};
+
+static file_range get_range_param(const fixed_module &module, const fixed_member &member,
+                                  const cJSON *object)
 {
     const cJSON *const range = cJSON_GetObjectItem(object, member.key);
     if (cJSON_GetArraySize(range) <= 1 || (module.rules.range_is_array && !cJSON_IsArray(range)))
-        return;
-    read_value(module, member, cJSON_GetArrayItem(range, 0), module.values.min[slot]);
-    read_value(module, member, cJSON_GetArrayItem(range, 1), module.values.max[slot]);
+        return {};
+    return {.min = value_of(module, member, cJSON_GetArrayItem(range, 0)),
+            .max = value_of(module, member, cJSON_GetArrayItem(range, 1))};
 }
 
-static void get_def_param(const fixed_module &module, const fixed_member &member, int slot,
-                          const cJSON *object)
+static file_value get_value_param(const fixed_module &module, const fixed_member &member,
+                                  const cJSON *object)
 {
-    const cJSON *const item = cJSON_GetObjectItem(object, member.key);
-    if (item == nullptr)
-        return;
-    const int presence = read_value(module, member, item, module.values.def[slot]);
-    store_word(module.values.exist[slot], presence);
-}
-
-static void get_cur_param(const fixed_module &module, const fixed_member &member, int &value,
-                          const cJSON *object)
-{
-    const cJSON *const item = cJSON_GetObjectItem(object, member.key);
-    if (item != nullptr)
-        read_value(module, member, item, value);
+    return value_of(module, member, cJSON_GetObjectItem(object, member.key));
 }
 
 void read_ranges(const fixed_module &module, int instance, const cJSON *object)
 {
     for (const fixed_member &member : module.members) {
-        if (member.loaded)
-            get_range_param(module, member, slot_of(module, instance, member), object);
+        if (!member.loaded)
+            continue;
+        const int slot = slot_of(module, instance, member);
+        const file_range range = get_range_param(module, member, object);
+        store_if_usable(module.values.min[slot], range.min);
+        store_if_usable(module.values.max[slot], range.max);
     }
 }
 
 void read_defaults(const fixed_module &module, int instance, const cJSON *object)
 {
     for (const fixed_member &member : module.members) {
-        if (member.loaded)
-            get_def_param(module, member, slot_of(module, instance, member), object);
+        if (!member.loaded)
+            continue;
+        const int slot = slot_of(module, instance, member);
+        const file_value read = get_value_param(module, member, object);
+        store_if_usable(module.values.def[slot], read);
+        if (read.presence != 0)
+            store_word(module.values.exist[slot], read.presence);
     }
 }
 
@@ -73,7 +85,7 @@ void read_values(const fixed_module &module, int *values, const cJSON *object)
 {
     for (const fixed_member &member : module.members) {
         if (member.loaded)
-            get_cur_param(module, member, values[member.slot], object);
+            store_if_usable(values[member.slot], get_value_param(module, member, object));
     }
 }
 
