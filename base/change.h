@@ -9,7 +9,7 @@ struct change_stamp {
     int *changed;   // 1: accepted and not yet saved
 };
 
-constexpr int default_save_delay_ms = 2000; // of every module that has none of its own
+inline constexpr int default_save_delay_ms = 2000; // of every module that has none of its own
 
 void stamp_change(const change_stamp &stamp);
 bool change_due(const change_stamp &stamp, int delay_ms);

@@ -19,12 +19,12 @@ json_file read_json_file(const char *path)
 {
     text_ptr text(read_file_to_buf(path));
     if (!text)
-        return {false, nullptr, "", nullptr};
+        return {.readable = false, .root = nullptr, .error = "", .text = nullptr};
 
     // cJSON_GetErrorPtr() is a global of the process: another thread that parses would move it.
     const char *end = nullptr;
     json_ptr root(cJSON_ParseWithOpts(text.get(), &end, 0));
-    return {true, std::move(root), end, std::move(text)};
+    return {.readable = true, .root = std::move(root), .error = end, .text = std::move(text)};
 }
 
 void lock_file(FILE *file)
@@ -39,13 +39,20 @@ void unlock_file(FILE *file)
     flock(fileno(file), LOCK_UN);
 }
 
+// A short write is a failure that fflush may not see: nothing is pending after it.
+static int write_all(FILE *file, const char *bytes, size_t length)
+{
+    const bool complete = fwrite(bytes, 1, length, file) == length;
+    const int flushed = fflush(file);
+    return complete ? flushed : EOF;
+}
+
 int replace_contents(FILE *file, const char *bytes, size_t length)
 {
     if (ftruncate(fileno(file), 0) != 0)
         return EOF;
     rewind(file);
-    fwrite(bytes, 1, length, file);
-    return fflush(file);
+    return write_all(file, bytes, length);
 }
 
 // Opens without truncating: the current lock holder may be reading the file.
@@ -80,8 +87,7 @@ int write_file(const char *path, const char *bytes, size_t length, file_lock loc
     FILE *const file = fopen(path, "wb");
     if (file == nullptr)
         return 0;
-    fwrite(bytes, length, 1, file);
-    const int flushed = fflush(file);
+    const int flushed = write_all(file, bytes, length);
     fclose(file);
     return flushed;
 }

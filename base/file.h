@@ -5,14 +5,13 @@
 #include <cstdio>
 
 #include "base/json.h"
-
-constexpr int path_size = 128;
+#include "camparam/platform.h"
 
 // A path that does not fit is empty, and so a file that cannot be opened.
 struct file_path {
     file_path() : text{} {}
     file_path(const char *dir, const char *name);
-    char text[path_size];
+    char text[PARA_PATH_SIZE];
 };
 
 struct json_file {
@@ -29,8 +28,8 @@ enum class file_lock {
     exclusive, // flock(LOCK_EX): the file keeps its contents until the lock is held
 };
 
-// Replaces the contents of a file, or makes it. Returns what fflush returned; 0 when the file
-// cannot be opened.
+// Replaces the contents of a file, or makes it. Returns what fflush returned, EOF for a short
+// write; 0 when the file cannot be opened.
 int write_file(const char *path, const char *bytes, size_t length, file_lock lock);
 
 // The same for a text and its final zero byte (SavedFile.EndsWithOneZeroByte). A null text (out of
@@ -41,5 +40,5 @@ int write_text_file(const char *path, const char *text);
 void lock_file(FILE *file);
 void unlock_file(FILE *file);
 
-// Replaces the contents of a file that is open for writing. Returns what fflush returned.
+// The same for a file that is open.
 int replace_contents(FILE *file, const char *bytes, size_t length);

@@ -34,7 +34,7 @@ public:
     void *address() const { return const_cast<char *>(bytes.data()); }
 
 private:
-    static constexpr size_t value_offset = 256;
+    static constexpr size_t value_offset = PARA_CONF_VALUE_OFFSET;
     std::string bytes;
 };
 using entry_ptr = std::shared_ptr<const entry>; // null: absent

@@ -7,8 +7,6 @@
 #include "camparam/platform.h"
 #include "platform/guard.h"
 
-static constexpr size_t path_size = 128; // of every path that the store builds
-
 file_ptr open_to_read(const char *path)
 {
     return file_ptr(path != nullptr ? fopen(path, "rbe") : nullptr);
@@ -53,7 +51,7 @@ char *cat_file_name(char *path, const char *dir, const char *name)
     const size_t separator_length = bare ? 0 : 1;
 
     path[0] = '\0';
-    if (dir_length + separator_length + name_length >= path_size)
+    if (dir_length + separator_length + name_length >= PARA_PATH_SIZE)
         return path;
 
     if (dir_length > 0)

@@ -10,7 +10,6 @@ char *lib_strdup(const char *text)
 
 char *lib_itoa(int value, char *text)
 {
-    const size_t text_size = 32;
-    snprintf(text, text_size, "%d", value);
+    snprintf(text, PARA_NUMBER_SIZE, "%d", value);
     return text;
 }

@@ -17,7 +17,7 @@
 
 PARA_BEGIN_DECLS
 
-struct timespec; /* which <time.h> keeps to itself in strict C99 */
+struct timespec; /* strict C99 hides it in <time.h> */
 
 /* --- Trace ------------------------------------------------------------------------------------ */
 
@@ -41,12 +41,21 @@ PARA_API extern int dbgout_profile[2];
 PARA_API void wnk_traceout(int level, const char *format, ...)
     __attribute__((format(printf, 2, 3)));
 
+/* --- Sizes of texts --------------------------------------------------------------------------- */
+
+/** Bytes of a path, the final zero included. */
+#define PARA_PATH_SIZE 128
+/** Bytes that the text of a number needs at most, the final zero included. */
+#define PARA_NUMBER_SIZE 32
+/** Where the value text begins in an entry that conf_find() returns. */
+#define PARA_CONF_VALUE_OFFSET 256
+
 /* --- Files and text --------------------------------------------------------------------------- */
 
 /**
  * Join a directory and a file name.
  *
- * @param[out] path  128 bytes. A result that does not fit in 127 characters gives the empty text,
+ * @param[out] path  PARA_PATH_SIZE bytes. A result that does not fit gives the empty text,
  *                   never a cut path.
  * @param dir        Directory; "/" is added unless it ends with one. NULL: the bare name.
  * @param name       File name.
@@ -67,7 +76,7 @@ PARA_API char *lib_strdup(const char *text);
 
 /**
  * Decimal text of a number.
- * @param[out] text  32 bytes.
+ * @param[out] text  PARA_NUMBER_SIZE bytes.
  * @return @p text
  */
 PARA_API char *lib_itoa(int value, char *text);
@@ -106,9 +115,9 @@ struct configure {
      */
     int (*conf_set)(configure *conf, const char *key, const char *value);
     /**
-     * The entry of a key, whose value text begins 256 bytes into it, or NULL. The object owns it;
-     * the value text stays valid until that key is set or parsed with another value, or the
-     * object is freed.
+     * The entry of a key, whose value text begins PARA_CONF_VALUE_OFFSET bytes into it, or NULL.
+     * The object owns it; the value text stays valid until that key is set or parsed with another
+     * value, or the object is freed.
      */
     void *(*conf_find)(configure *conf, const char *key);
 };
@@ -152,8 +161,9 @@ PARA_API void *config_keys_format(const char *const *keys, int count);
 PARA_API int configure_key_IsChanged(configure *conf, const void *key_set);
 
 /**
- * conf_loop callback that writes `key = "value"` and a line end to a FILE *. The reference platform
- * writes nothing to a NULL file, and no entry that its conf_set refuses. @return 0
+ * conf_loop callback that writes `key = "value"` and a line end to a FILE *, which may be a stream
+ * in memory: it need not have a descriptor. The reference platform writes nothing to a NULL file,
+ * and no entry that its conf_set refuses. @return 0
  */
 PARA_API int loop_2_conf(void *file, const char *key, const char *value);
 

@@ -8,9 +8,9 @@
 
 file_path module_path(const char *dir, const char *module, const char *suffix)
 {
-    char name[path_size];
+    char name[PARA_PATH_SIZE];
     const int length = snprintf(name, sizeof name, "%s%s", module, suffix);
-    if (length >= path_size)
+    if (length >= PARA_PATH_SIZE)
         return file_path();
     return {dir, name};
 }

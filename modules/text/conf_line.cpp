@@ -104,7 +104,7 @@ int update_line_conf_str(const char *path, const char *key, const char *value, c
 
 int update_line_conf_int(const char *path, const char *key, int value, const char *format)
 {
-    char digits[32];
+    char digits[PARA_NUMBER_SIZE];
     return update_line(PARA_HERE, path, key, lib_itoa(value, digits), format,
                        {.quoted = "%s = \"%d\"", .plain = "%s=%d"});
 }

@@ -26,7 +26,7 @@ int fix_old_misc_def_cur_conf(const char *path, configure *conf)
     const cJSON *member = nullptr;
     cJSON_ArrayForEach(member, file.root.get())
     {
-        char number[32];
+        char number[PARA_NUMBER_SIZE];
         if (member->string == nullptr)
             continue;
         const char *const text =
@@ -57,11 +57,15 @@ static cJSON *load_range(const trace_site &site)
     cJSON *const range =
         current_set ? file.root.release() : fix_old_misc_range_conf(file.root.get());
     misc_version = cJSON_GetObjectItem(range, "version");
+    if (misc_version == nullptr) { // out of memory
+        cJSON_Delete(range);
+        return nullptr;
+    }
     cJSON_Print_safe(range);
     return range;
 }
 
-static bool load_legacy_set(configure *cur, configure *def)
+static bool load_legacy_set(configure *def, configure *cur)
 {
     const file_path defaults(para_profile.home_dir, "misc_def.json");
     fix_old_misc_def_cur_conf(defaults.text, def);
@@ -82,7 +86,7 @@ int para_init_misc_legacy(const char *, configure **cur, configure **def, cJSON 
 
     PARA_TRACE(PARA_INFO, "enter misc version:%d", misc_version->valueint);
     const bool has_values =
-        is_current_set() ? load_conf_files("misc", *def, *cur) : load_legacy_set(*cur, *def);
+        is_current_set() ? load_conf_files("misc", *def, *cur) : load_legacy_set(*def, *cur);
     if (!has_values)
         return -1;
     return para_init_misc_legacy_test();

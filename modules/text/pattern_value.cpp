@@ -61,7 +61,7 @@ int para_set_json_cur_number(const char *module, const char *member, int value)
     char current[value_size];
     if (!read_value(found->cur, member, current) || leading_number(current) == value)
         return 0;
-    char text[32];
+    char text[PARA_NUMBER_SIZE];
     return store_value(*found, member, lib_itoa(value, text));
 }
 
