@@ -14,17 +14,6 @@ private:
     pthread_mutex_t &mutex;
 };
 
-class read_guard {
-public:
-    explicit read_guard(pthread_rwlock_t &held) : lock(held) { pthread_rwlock_rdlock(&lock); }
-    ~read_guard() { pthread_rwlock_unlock(&lock); }
-    read_guard(const read_guard &) = delete;
-    read_guard &operator=(const read_guard &) = delete;
-
-private:
-    pthread_rwlock_t &lock;
-};
-
 class write_guard {
 public:
     explicit write_guard(pthread_rwlock_t &held) : lock(held) { pthread_rwlock_wrlock(&lock); }

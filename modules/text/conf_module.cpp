@@ -9,12 +9,11 @@
 static text_module records[64];
 text_registry conf_modules = {.records = records, .capacity = sizeof records / sizeof records[0]};
 
-pthread_rwlock_t conf_objects_lock = PTHREAD_RWLOCK_INITIALIZER;
+static pthread_rwlock_t locks[sizeof records / sizeof records[0]];
 
-text_module *find_loaded(const char *name)
+pthread_rwlock_t &objects_lock(const text_module &module)
 {
-    text_module *const module = find_module(conf_modules, name);
-    return module != nullptr && module->cur != nullptr ? module : nullptr;
+    return locks[&module - records];
 }
 
 // --- Loading ---
@@ -25,7 +24,7 @@ int para_init_single_conf(const char *name)
     if (module == nullptr)
         return -1;
 
-    const write_guard guard(conf_objects_lock);
+    const write_guard guard(objects_lock(*module));
     if (module->cur == nullptr) { // a reload keeps the objects, for key-change detection
         module->def = configure_init();
         module->cur = configure_init();
@@ -45,8 +44,6 @@ void para_conf_need_update(const char *module)
     PARA_TRACE(PARA_INFO, "leave");
 }
 
-static char netport[] = "netport";
-
 static int reload_netport(void *name)
 {
     para_conf_need_update(static_cast<const char *>(name));
@@ -56,21 +53,23 @@ static int reload_netport(void *name)
 static void start_store()
 {
     static const fifo_work reload = {
-        .name = netport, .handler = reload_netport, .argument = netport};
+        .name = netport, .handler = reload_netport, .argument = const_cast<char *>(netport)};
     add_fifo_work(&reload, 1);
     conf_modules.next = 1;
 }
 
 int para_init_conf(const char *name)
 {
-    if (conf_modules.next == 0) { // the row "conf": it stands for no module
+    if (conf_modules.next == 0) { // the row "conf": no module
         start_store();
         return 0;
     }
-    if (take_record(conf_modules, name) == nullptr) {
+    const text_module *const module = take_record(conf_modules, name);
+    if (module == nullptr) {
         PARA_TRACE(PARA_ERROR, "err not enough conf module:%s", name);
         return 0;
     }
+    pthread_rwlock_init(&objects_lock(*module), nullptr);
     para_init_single_conf(name);
     conf_modules.next++; // also after a failure: a later reload may succeed
     return 0;
@@ -98,18 +97,16 @@ int para_set_conf_opt(const char *, const cJSON *item, const char *name)
 
 static void add_all_values(const char *name, bool defaults, cJSON *answer)
 {
-    const read_guard guard(conf_objects_lock);
-    const text_module *const module = find_loaded(name);
-    if (module != nullptr)
+    const loaded_conf module(name);
+    if (module)
         add_all(*module, defaults ? module->def : module->cur, answer_form::texts, answer);
 }
 
 // Current values, also when the key asks for defaults (ConfQuery.OnlyAllGivesDefaults).
 static void add_listed_values(const char *name, const cJSON *item, cJSON *answer)
 {
-    const read_guard guard(conf_objects_lock);
-    const text_module *const module = find_loaded(name);
-    if (module != nullptr)
+    const loaded_conf module(name);
+    if (module)
         add_listed(*module, module->cur, answer_form::texts, item, answer);
 }
 
@@ -146,9 +143,8 @@ int para_save_conf(const char *name)
         return 0; // writing is switched off: the module stays due
     text_ptr lines;
     {
-        const read_guard guard(conf_objects_lock);
-        text_module *const module = find_loaded(name);
-        if (module == nullptr)
+        const loaded_conf module(name);
+        if (!module)
             return -1;
         lines = lines_to_save(*module);
     }

@@ -1,45 +1,39 @@
 // The values of conf-file modules, for hosts.
 #include <cstdlib>
 
-#include "base/lock.h"
 #include "camparam/conf.h"
 #include "camparam/control.h"
 #include "modules/text/conf_module.h"
 
 const char *para_conf_get_member(const char *module, const char *key)
 {
-    const read_guard guard(conf_objects_lock);
-    const text_module *const found = find_loaded(module);
-    if (found == nullptr || key == nullptr)
+    const loaded_conf found(module);
+    if (!found || key == nullptr)
         return nullptr;
-    constexpr int value_in_entry = 256;
     const void *const entry = found->cur->conf_find(found->cur, key);
-    return entry != nullptr ? static_cast<const char *>(entry) + value_in_entry : nullptr;
+    return entry != nullptr ? static_cast<const char *>(entry) + PARA_CONF_VALUE_OFFSET : nullptr;
 }
 
 int para_conf_get_member_safe(const char *module, const char *key, char *buffer, int size)
 {
-    const read_guard guard(conf_objects_lock);
-    const text_module *const found = find_loaded(module);
-    if (found == nullptr || key == nullptr)
+    const loaded_conf found(module);
+    if (!found || key == nullptr)
         return -1;
     return found->cur->conf_get(found->cur, key, buffer, size);
 }
 
 int para_conf_get_def_member_safe(const char *module, const char *key, char *buffer, int size)
 {
-    const read_guard guard(conf_objects_lock);
-    const text_module *const found = find_loaded(module);
-    if (found == nullptr || key == nullptr)
+    const loaded_conf found(module);
+    if (!found || key == nullptr)
         return -1;
     return found->def->conf_get(found->def, key, buffer, size);
 }
 
 int _para_conf_set_member(const char *module, const char *key, const char *value)
 {
-    const read_guard guard(conf_objects_lock);
-    text_module *const found = find_loaded(module);
-    if (found == nullptr || key == nullptr || value == nullptr)
+    const loaded_conf found(module);
+    if (!found || key == nullptr || value == nullptr)
         return -1;
     const int result = found->cur->conf_set(found->cur, key, value);
     if (result != 0)
@@ -57,9 +51,8 @@ int para_conf_set_member(const char *module, const char *key, const char *value)
 
 int para_conf_key_IsChanged(const char *module, const char *const *keys, unsigned char count)
 {
-    const read_guard guard(conf_objects_lock);
-    const text_module *const found = find_loaded(module);
-    if (found == nullptr)
+    const loaded_conf found(module);
+    if (!found)
         return -1;
     if (keys == nullptr)
         return 0;
@@ -74,9 +67,8 @@ int para_conf_key_IsChanged(const char *module, const char *const *keys, unsigne
 
 int para_save_conf_2_buf(const char *module, char *buffer, int size)
 {
-    const read_guard guard(conf_objects_lock);
-    const text_module *const found = find_loaded(module);
-    if (found == nullptr)
+    const loaded_conf found(module);
+    if (!found)
         return -1;
     return write_conf_to_buffer(module, found->cur, buffer, size, PARA_HERE);
 }
@@ -89,7 +81,7 @@ const char *para_get_overlay_member(const char *key)
 }
 const char *para_get_netport_member(const char *key)
 {
-    return para_conf_get_member("netport", key);
+    return para_conf_get_member(netport, key);
 }
 const char *para_get_ndi_config_member(const char *key)
 {
@@ -98,12 +90,12 @@ const char *para_get_ndi_config_member(const char *key)
 
 void para_need_update_netport()
 {
-    para_conf_need_update("netport");
+    para_conf_need_update(netport);
 }
 
 int para_key_IsChanged_netport(const char *const *keys, int count)
 {
-    return para_conf_key_IsChanged("netport", keys, static_cast<unsigned char>(count));
+    return para_conf_key_IsChanged(netport, keys, static_cast<unsigned char>(count));
 }
 
 int para_key_IsChanged_ndi(const char *const *keys, int count)

@@ -15,7 +15,8 @@ struct name_table {
 static const name_table *table_of(const char *member)
 {
     static const name_table tables[] = {
-#define MISC_ENUM_MEMBER(name) {#name, name, sizeof name / sizeof name[0]},
+#define MISC_ENUM_MEMBER(name)                                                                     \
+    {.member = #name, .names = name, .count = sizeof name / sizeof name[0]},
 #include "camparam/misc_members.def"
     };
     for (const name_table &table : tables) {
@@ -43,7 +44,7 @@ static cJSON *widened(const name_table &table, const char *first, const char *la
 }
 
 // The member of the new range, or null for one that is dropped.
-static cJSON *fixed_member(const cJSON *old_member)
+static cJSON *widened_member(const cJSON *old_member)
 {
     if (!cJSON_IsArray(old_member))
         return nullptr;
@@ -71,7 +72,7 @@ cJSON *fix_old_misc_range_conf(const cJSON *old_range)
             continue;
         PARA_TRACE(PARA_INFO, "element is %s,size:%d", old_member->string,
                    cJSON_GetArraySize(old_member));
-        cJSON *const member = fixed_member(old_member);
+        cJSON *const member = widened_member(old_member);
         if (member != nullptr)
             cJSON_AddItemToObject(range, old_member->string, member);
     }

@@ -73,7 +73,7 @@ static const file_set &files_of(const char *name)
 
 int para_init_misc(const char *name)
 {
-    if (patterns.next == 0) { // the row "json": it stands for no module
+    if (patterns.next == 0) { // the row "json": no module
         patterns.next = 1;
         return 0;
     }

@@ -14,7 +14,7 @@ struct file_set {
     int (*save)(const text_module &module);
 };
 
-// The sets of misc.
+// Loading and saving of "misc", in either of its file sets.
 bool load_misc(text_module &module, const char *name, const trace_site &site);
 int save_misc(const text_module &module);
 

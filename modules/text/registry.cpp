@@ -40,7 +40,7 @@ text_module *find_module(const text_registry &registry, const char *name)
 
 change_stamp stamp_of(text_module &module)
 {
-    return {&module.change_time, &module.changed};
+    return {.time = &module.change_time, .changed = &module.changed};
 }
 
 int need_save(const text_registry &registry, const char *name)

@@ -25,7 +25,7 @@ struct text_module {
     bool listed;           // the record is in use; the name may be empty
     const file_set *files; // of a pattern module
     cJSON *range;          // of a pattern module whose range file could be read
-    // Fixed after start-up in a pattern module; see conf_objects_lock for the others.
+    // Fixed after start-up in a pattern module; guarded by a lock in a conf-file module.
     configure *def;
     configure *cur;
     // Any thread.

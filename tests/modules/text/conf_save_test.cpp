@@ -187,6 +187,28 @@ TEST_F(ConfSave, AReloadWaitsForTheWriterOfTheFile)
     EXPECT_EQ(value("port"), "8080");
 }
 
+TEST_F(ConfSave, AReloadThatWaitsHoldsUpNoOtherModule)
+{
+    init();
+    write_home("overlay.conf", "show = '1'\n");
+    para_init_conf("overlay");
+    write_data("overlay.conf", "show = '2'\n");
+    lock_holder other(data + "/overlay.conf");
+    std::atomic<bool> reloaded{false};
+    std::thread reloader([&reloaded] {
+        para_conf_need_update("overlay");
+        reloaded = true;
+    });
+    EXPECT_TRUE(wait_until([] { return count_traces("enter", "para_conf_need_update") == 1; }));
+    EXPECT_EQ(value("port"), "80");
+    EXPECT_EQ(para_conf_set_member("netport", "port", "81"), 1);
+    EXPECT_EQ(query("['port']"), "{'port':'81'}");
+    EXPECT_FALSE(reloaded);
+    other.release();
+    reloader.join();
+    EXPECT_STREQ(para_conf_get_member("overlay", "show"), "2");
+}
+
 TEST_F(ConfSave, NobodyMeetsADefaultDuringAReload)
 {
     write_data("netport.conf", "port = '8080'\n");
