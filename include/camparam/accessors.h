@@ -12,6 +12,8 @@
 #include "camparam/api.h"
 #include "camparam/presence.h"
 
+struct timespec; /* strict C99 hides it in <time.h> */
+
 /**
  * The six tables of a module, with a place for each slot (or, of the ISP, for each instance). Hosts
  * read them, as single words, and write through the setters.

@@ -13,8 +13,6 @@
 
 PARA_BEGIN_DECLS
 
-struct timespec; /* which <time.h> keeps to itself in strict C99 */
-
 /** The slot of each member, PARA_AF_<m>, from 1: slot 0 is reserved. And how many slots there are.
  */
 enum {

@@ -19,8 +19,6 @@
 
 PARA_BEGIN_DECLS
 
-struct timespec; /* which <time.h> keeps to itself in strict C99 */
-
 /** The slot of each member, PARA_AUDIO_<m>, from 0, and how many slots there are. */
 enum {
 #define AUDIO_MEMBER(slot, name) PARA_AUDIO_##name = (slot),

@@ -15,8 +15,6 @@
 
 PARA_BEGIN_DECLS
 
-struct timespec; /* which <time.h> keeps to itself in strict C99 */
-
 /** The word of each member in a record, PARA_ISP_<m>, from 1: word 0 is the size. And how many
  * words there are. */
 enum {
@@ -28,7 +26,7 @@ enum {
 /** Instances that the tables hold. */
 enum { PARA_ISP_INSTANCES = 2 };
 
-/** The values of one instance, a word for each slot. */
+/** The values of one instance, an int for each slot. */
 typedef struct isp_record {
     int size; /**< bytes of the record, 156 */
 #define ISP_MEMBER(slot, name, loaded, accessor, by_name, written) int name;

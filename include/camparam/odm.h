@@ -15,7 +15,7 @@
 
 PARA_BEGIN_DECLS
 
-struct timespec; /* which <time.h> keeps to itself in strict C99 */
+struct timespec; /* strict C99 hides it in <time.h> */
 
 /** Bytes that para_get_odm_string() may store, the final zero included. */
 #define PARA_ODM_TEXT_MAX 256

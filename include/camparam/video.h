@@ -21,8 +21,6 @@
 
 PARA_BEGIN_DECLS
 
-struct timespec; /* which <time.h> keeps to itself in strict C99 */
-
 /** The place of each member within a stream, PARA_VIDEO_<m>, from 0, and how many there are. */
 enum {
 #define VIDEO_MEMBER(slot, name) PARA_VIDEO_##name = (slot),

@@ -31,7 +31,6 @@ static constexpr file_move moves[] = {
      .if_present = PARA_AUDIO_audioInput},
 };
 static constexpr auto order = order_of(members, moves);
-static_assert(is_permutation(order, members) && in_slot_order(members));
 
 static constexpr fixed_module audio = {
     .name = "audio",

@@ -55,39 +55,6 @@ template <int capacity> struct file_order {
     constexpr file_slots list() const { return {rows, count}; }
 };
 
-template <int members> constexpr file_order<members> order_of(const fixed_member (&all)[members])
-{
-    file_order<members> order = {};
-    for (const fixed_member &member : all) {
-        if (member.written)
-            order.rows[order.count++] = {member.slot, member.slot};
-    }
-    return order;
-}
-
-template <int members>
-constexpr file_order<members> with_move(const file_order<members> &order, const file_move &move)
-{
-    file_order<members> moved = {};
-    for (int i = 0; i < order.count; i++) {
-        if (order.rows[i].slot == move.before)
-            moved.rows[moved.count++] = {move.slot, move.if_present};
-        if (order.rows[i].slot != move.slot)
-            moved.rows[moved.count++] = order.rows[i];
-    }
-    return moved;
-}
-
-template <int members, int moves>
-constexpr file_order<members> order_of(const fixed_member (&all)[members],
-                                       const file_move (&moved)[moves])
-{
-    file_order<members> order = order_of(all);
-    for (const file_move &move : moved)
-        order = with_move(order, move);
-    return order;
-}
-
 // Whether the order holds every written member exactly once. A move whose target does not exist
 // would lose its member.
 template <int members>
@@ -111,4 +78,45 @@ template <int members> constexpr bool in_slot_order(const fixed_member (&all)[me
             return false;
     }
     return true;
+}
+
+// Not constexpr: to reach one of these while a table is computed is an error at compile time.
+void slots_are_not_consecutive();
+void a_move_loses_its_member();
+
+template <int members> constexpr file_order<members> order_of(const fixed_member (&all)[members])
+{
+    if (!in_slot_order(all))
+        slots_are_not_consecutive();
+    file_order<members> order = {};
+    for (const fixed_member &member : all) {
+        if (member.written)
+            order.rows[order.count++] = {.slot = member.slot, .if_present = member.slot};
+    }
+    return order;
+}
+
+template <int members>
+constexpr file_order<members> with_move(const file_order<members> &order, const file_move &move)
+{
+    file_order<members> moved = {};
+    for (int i = 0; i < order.count; i++) {
+        if (order.rows[i].slot == move.before)
+            moved.rows[moved.count++] = {.slot = move.slot, .if_present = move.if_present};
+        if (order.rows[i].slot != move.slot)
+            moved.rows[moved.count++] = order.rows[i];
+    }
+    return moved;
+}
+
+template <int members, int moves>
+constexpr file_order<members> order_of(const fixed_member (&all)[members],
+                                       const file_move (&moved)[moves])
+{
+    file_order<members> order = order_of(all);
+    for (const file_move &move : moved)
+        order = with_move(order, move);
+    if (!is_permutation(order, all))
+        a_move_loses_its_member();
+    return order;
 }

@@ -47,8 +47,7 @@ struct module_rules {
 };
 
 struct fixed_module {
-    const char
-        *name; // as in its file names, "af" for "af_range.json", and before an instance number
+    const char *name;  // "af": in file names, and before an instance's number
     const char *title; // of the dump
     void (*page)();    // dumps it
     value_tables values;

@@ -12,7 +12,8 @@ int isp_inited;
 timespec isp_item_start_time;
 int isp_item_changed;
 
-static_assert(sizeof(isp_record) == PARA_ISP_SLOTS * sizeof(int), "a slot is a word of the record");
+static_assert(sizeof(isp_record) == PARA_ISP_SLOTS * sizeof(int),
+              "a slot is a place in the record");
 
 constexpr bool yes = true, no = false;
 
@@ -29,11 +30,10 @@ static constexpr fixed_member members[] = {
 
 static constexpr file_move moves[] = {
     {.slot = PARA_ISP_skin_saturation,
-     .before = PARA_ISP_hue, // with the colours
+     .before = PARA_ISP_hue, // to the other colour settings
      .if_present = PARA_ISP_skin_saturation},
 };
 static constexpr auto order = order_of(members, moves);
-static_assert(is_permutation(order, members) && in_slot_order(members));
 
 static void page_title(int instance, const trace_site &site)
 {
@@ -44,7 +44,6 @@ static constexpr module_instances instances = {
     .capacity = PARA_ISP_INSTANCES,
     .count = &isp_num,
     .stride = PARA_ISP_SLOTS,
-    .count_in = check_isp_num,
     .page_title = page_title,
 };
 
@@ -213,7 +212,7 @@ int para_set_isp_antiflicker_def(int instance, int value)
     if (value == para_get_isp_antiflicker_def(instance))
         return 0;
 
-    para_set_odm_int("isp0_antiflicker_def", value); // one key, whatever the instance
+    para_set_odm_int(odm_antiflicker_def, value); // one key, whatever the instance
     store_word(para_isp_def[instance].antiflicker, value);
     return 0;
 }

@@ -6,6 +6,10 @@
 
 extern const fixed_module isp;
 
+// Keys of the ODM store, for all instances.
+constexpr char odm_style_def[] = "isp0_style_def";
+constexpr char odm_antiflicker_def[] = "isp0_antiflicker_def";
+
 inline bool is_isp_instance(int instance)
 {
     return instance >= 0 && instance < PARA_ISP_INSTANCES;

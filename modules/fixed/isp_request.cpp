@@ -56,10 +56,10 @@ static isp_query query_of(const char *key)
             char name[32];
             snprintf(name, sizeof name, "isp%d%s", instance, form.suffix);
             if (strcmp(key, name) == 0)
-                return {instance, form.values};
+                return {.instance = instance, .values = form.values};
         }
     }
-    return {0, nullptr};
+    return {.instance = 0, .values = nullptr};
 }
 
 int para_get_isp_opt(const char *key, const cJSON *item, cJSON **answer, const char *)

@@ -2,10 +2,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/file.h"
-#include "camparam/control.h"
 #include "camparam/odm.h"
 #include "modules/fixed/isp.h"
+#include "modules/fixed/module_file.h"
 
 // Fixed after start-up; the list points into the document, which is kept for good.
 static cJSON *json_style_file;
@@ -19,7 +18,7 @@ static int isp_antiflicker_def_odm = -1; // -1: none
 // Any thread.
 static int isp_style_def_index;
 
-// What the style file says of all styles.
+// The settings of the style file that concern all styles.
 static void read_settings()
 {
     const cJSON *const def = cJSON_GetObjectItem(json_style_file, "isp0_style_def");
@@ -34,9 +33,9 @@ static void read_settings()
 static void read_overrides()
 {
     int value = 0;
-    if (para_get_odm_int("isp0_style_def", &value) == 0)
+    if (para_get_odm_int(odm_style_def, &value) == 0)
         store_word(isp_style_def_index, value);
-    if (para_get_odm_int("isp0_antiflicker_def", &value) == 0)
+    if (para_get_odm_int(odm_antiflicker_def, &value) == 0)
         isp_antiflicker_def_odm = value;
 }
 
@@ -69,8 +68,7 @@ static int allocate_styles(int count)
 
 int para_init_isp_style()
 {
-    const file_path path(para_profile.home_dir, "isp_def.json");
-    json_file file = read_json_file(path.text);
+    json_file file = read_json_file(home_file(isp, "_def.json").text);
     json_style_file = file.root.release();
     if (json_style_file == nullptr) {
         if (file.readable)
@@ -124,7 +122,7 @@ int para_set_isp_style_def(int instance, int index)
     if (!is_isp_instance(instance) || para_set_isp_style_def_index(instance, index) != 0)
         return -1;
     read_defaults(isp, instance, get_isp_style_json(index));
-    para_set_odm_int("isp0_style_def", index);
+    para_set_odm_int(odm_style_def, index);
     return parse_isp_def_odm(&para_isp_def[instance]);
 }
 

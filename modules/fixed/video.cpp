@@ -14,16 +14,13 @@ timespec video_item_start_time;
 int video_save_param_time = default_save_delay_ms;
 int video_item_changed;
 
-// Value names, one array for each named member; those of "size" are in video_size.cpp.
+// Value names, one array for each named member; those of "size" are in video_size.h.
 static const char *const protocol[] = {"H264", "H265", "MJPEG"};
 static const char *const rcMode[] = {"CBR", "VBR", "ABR", "FIXQP", "AVBR"};
 static const char *const profile[] = {"baseline", "mainprofile", "highprofile", "svc-t"};
 
-static constexpr value_names protocol_names = names_of(protocol);
-static constexpr value_names rcMode_names = names_of(rcMode);
-static constexpr value_names profile_names = names_of(profile);
 #define VIDEO_MEMBER(slot, name) static constexpr const value_names &name##_names = null_names;
-#define VIDEO_NAMED_MEMBER(slot, name)
+#define VIDEO_NAMED_MEMBER(slot, name) static constexpr value_names name##_names = names_of(name);
 #include "camparam/video_members.def"
 
 static constexpr fixed_member members[] = {
@@ -32,7 +29,6 @@ static constexpr fixed_member members[] = {
 #include "camparam/video_members.def"
 };
 static constexpr auto order = order_of(members);
-static_assert(in_slot_order(members));
 
 static void page_title(int stream, const trace_site &site)
 {
@@ -179,7 +175,7 @@ int para_init_video(const char *)
         {.name = "para_video", .type = "enum", .handler = list_names},
         {.name = "para_video_size", .type = "enum", .handler = list_sizes},
     };
-    add_fifo_work(listings, 2);
+    add_fifo_work(listings, sizeof listings / sizeof listings[0]);
     return 0;
 }
 
@@ -214,7 +210,7 @@ int para_set_video_member(const char *name, int stream, int value, const char *t
     return set_as_requested(video, stream, *member, value, text);
 }
 
-// The first stream below the limit whose name the key is, or begins; -1 for none.
+// The first stream below the limit whose name begins with the key; -1 for none.
 static int stream_of_key(const cJSON *item, int limit)
 {
     for (int stream = 0; item->string != nullptr && stream < limit; stream++) {
