@@ -28,7 +28,8 @@ static int server = -1;
 // A failed or empty receive is ignored.
 static void serve_datagram(para_message &message, socklen_t &sender_size)
 {
-    const ssize_t length = receive_datagram(message, sender_size);
+    message.socket = server; // a command's handler may have changed it
+    const ssize_t length = receive_datagram(server, message, sender_size);
     if (length > 0 && !take_share_datagram(message.text, length))
         para_server_message_Process(&message);
 }
@@ -46,7 +47,6 @@ void *platformparam_Process(void *)
     prctl(PR_SET_NAME, "Para_Process");
 
     para_message message = {};
-    message.socket = server;
     message.sender_length = sizeof message.sender;
     socklen_t sender_size = sizeof message.sender;
 
@@ -58,11 +58,11 @@ void *platformparam_Process(void *)
     while (true) {
         fd_set readable;
         if (wait_for_datagram(watched, readable) < 0)
-            break; // interrupted or not (ThreadCalls.AFailedWaitEndsTheThreadWithoutAPass)
+            break; // also when interrupted (ThreadCalls.AFailedWaitEndsTheThreadWithoutAPass)
         if (server >= 0 && FD_ISSET(server, &readable))
             serve_datagram(message, sender_size);
         if (load_word(stop_requested) != 0)
-            break; // the final save is platformparam_stop's
+            break; // platformparam_stop() saves
         save_param(save_mode::due);
     }
     return nullptr;

@@ -34,9 +34,9 @@ int para_server_init()
     return descriptor;
 }
 
-ssize_t receive_datagram(para_message &message, socklen_t &sender_size)
+ssize_t receive_datagram(int socket, para_message &message, socklen_t &sender_size)
 {
-    const ssize_t length = recvfrom(message.socket, message.text, PARA_MESSAGE_MAX, MSG_DONTWAIT,
+    const ssize_t length = recvfrom(socket, message.text, PARA_MESSAGE_MAX, MSG_DONTWAIT,
                                     reinterpret_cast<sockaddr *>(&message.sender), &sender_size);
     if (length >= 0)
         message.text[length] = '\0';

@@ -8,7 +8,7 @@
 #include "camparam/command.h"
 
 // Receives one datagram without waiting, and ends its text. Returns its length, or -1.
-ssize_t receive_datagram(para_message &message, socklen_t &sender_size);
+ssize_t receive_datagram(int socket, para_message &message, socklen_t &sender_size);
 
 void reply_text(const para_message &message, const char *text);
 

@@ -13,5 +13,5 @@ struct web_modifier {
     void (*to_web)(char (&text)[web_pair_size], const cJSON *number);
 };
 
-// That of a name; the plain form for null and for any other name.
+// The modifier of that name; the plain form for null and for unknown names.
 const web_modifier &modifier_named(const char *name);

@@ -37,6 +37,12 @@ template <int result> int fail(int, para_message *, cJSON **reply)
     return result;
 }
 
+int lose_socket(int, para_message *message, cJSON **)
+{
+    message->socket = -1;
+    return 0;
+}
+
 const char refusal[] = "{\"err\":\"Invalid API command\"}";
 
 const param_command first[] = {
@@ -241,4 +247,13 @@ TEST_F(Commands, RegisteringWhileRequestsAreServed)
         EXPECT_EQ(ask("alphabet"), "{'from':'b','mode':0}");
     host.join();
     EXPECT_EQ(ask("more"), "{'from':'m','mode':0}");
+}
+
+TEST_F(Commands, CannotMakeTheServerDeafOrDumb)
+{
+    const param_command table[] = {{"lose", lose_socket, nullptr}};
+    register_param_command("test", table, 1);
+    start_store();
+    client.send(R"({"msg_type":"api_set","msg_name":"lose"})");
+    EXPECT_EQ(client.ask("{'msg_type':'get','msg_name':'n'}"), "{'msg_name':'n'}");
 }
