@@ -63,7 +63,7 @@ void add_modules(cJSON *described, const cJSON *list)
     for (int i = 0; i < module_para_handle_num; i++) {
         const para_module &row = module_para_handle[i];
         const module_kind *const kind = kind_of(row);
-        if (kind != nullptr && is_wanted(row.name, list))
+        if (row.name != nullptr && kind != nullptr && is_wanted(row.name, list))
             add_module(described, row.name, *kind);
     }
 }

@@ -14,7 +14,7 @@ bool is_conf_module(const char *name)
 {
     for (int i = 0; i < module_para_handle_num; i++) {
         const para_module &row = module_para_handle[i];
-        if (row.get_opt == para_get_conf_opt && strcmp(row.name, name) == 0)
+        if (row.name != nullptr && row.get_opt == para_get_conf_opt && strcmp(row.name, name) == 0)
             return true;
     }
     return false;
