@@ -13,6 +13,29 @@ namespace {
 std::atomic<int> made{0}, freed{0}, freed_null{0};
 std::atomic<bool> out_of_memory{false};
 
+using looper = int (*)(configure *, conf_loop_callback, void *);
+std::atomic<looper> platform_loop{nullptr};
+std::atomic<int> told_to_go_on{0}, told_to_stop{0};
+
+struct callback {
+    conf_loop_callback function;
+    void *argument;
+};
+
+int note_answer(void *argument, const char *key, const char *value)
+{
+    const auto *const called = static_cast<const callback *>(argument);
+    const int answer = called->function(called->argument, key, value);
+    (answer == 0 ? told_to_go_on : told_to_stop)++;
+    return answer;
+}
+
+int noting_loop(configure *conf, conf_loop_callback function, void *argument)
+{
+    callback called = {function, argument};
+    return platform_loop.load()(conf, note_answer, &called);
+}
+
 template <typename function> function next(const char *name)
 {
     return reinterpret_cast<function>(dlsym(RTLD_NEXT, name));
@@ -25,7 +48,12 @@ extern "C" {
 PARA_API configure *configure_init(void)
 {
     made++;
-    return out_of_memory ? nullptr : next<configure *(*)()>("configure_init")();
+    configure *const conf = out_of_memory ? nullptr : next<configure *(*)()>("configure_init")();
+    if (conf != nullptr) {
+        platform_loop = conf->conf_loop;
+        conf->conf_loop = noting_loop;
+    }
+    return conf;
 }
 
 PARA_API void configure_free(configure *conf)
@@ -95,4 +123,24 @@ TEST_F(HostObjects, APatternModuleThatTakesAFailedOnesRecordFreesWhatItHad)
     expect_counts(8, 4);
     EXPECT_EQ(para_save_misc("fourth"), 0);
     EXPECT_EQ(para_get_json_cur("fourth", "member"), -1);
+}
+
+// The store's own callbacks: loop_2_conf and loop_2_buf are the platform's.
+TEST_F(HostObjects, ALoopIsToldToGoOnByEveryCallback)
+{
+    init("a = '1'\nb = '2'\n");
+    EXPECT_EQ(query("['all']"), "{'a':'1','b':'2'}");
+    EXPECT_EQ(query("['all']", "netport_def"), "{'a':'1','b':'2'}");
+    EXPECT_EQ(told_to_go_on, 4) << "a platform may end the loop at any other answer";
+
+    write_home("panel_range.json", "{'number':[0,9],'mode':['off','on']}");
+    write_home("panel.conf", "number = '1'\nmode = 'on'\n");
+    para_init_misc("json");
+    para_init_misc("panel");
+    EXPECT_EQ(told_to_go_on, 6) << "the dump";
+    const json answer(cJSON_CreateObject());
+    EXPECT_EQ(Create_Json_Misc_Object("panel", answer.get(), 0), 0);
+    EXPECT_EQ(compact(answer.get()), "{'number':1,'mode':'on'}");
+    EXPECT_EQ(told_to_go_on, 8);
+    EXPECT_EQ(told_to_stop, 0);
 }
