@@ -56,6 +56,18 @@ TEST_F(IspQuery, AnAbsentMemberHasNoPresence)
     EXPECT_EQ(query("isp0", "['shutter','style']"), "{'style':0}");
 }
 
+TEST_F(IspQuery, MemberLookUpGivesTheStoredValueOfAnAbsentMember)
+{
+    init();
+    para_isp_exist[0].shutter = 0;
+    int value = 77;
+    EXPECT_EQ(para_get_isp_cur_member("shutter", 0, &value, nullptr), 0);
+    EXPECT_EQ(value, para_get_isp_shutter_cur(0));
+    EXPECT_NE(value, -1) << "unlike audio and video";
+    EXPECT_EQ(para_get_isp_def_member("shutter", 0, &value, nullptr), 0);
+    EXPECT_EQ(value, para_get_isp_shutter_def(0));
+}
+
 TEST_F(IspQuery, TheKeyChoosesCurrentValuesOrDefaults)
 {
     init();
