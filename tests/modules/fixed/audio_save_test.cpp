@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <climits>
+#include <cstdlib>
 #include <string>
 
 #include "modules/fixed/audio_fixture.h"
@@ -135,6 +136,27 @@ TEST_F(AudioSave, HostDrivenSaveGoesByTheModulesDelay)
     EXPECT_EQ(save_cur_audio_param_delay(100000), 0);
     EXPECT_TRUE(read_data("audio_cur.json"));
     EXPECT_FALSE(due());
+}
+
+// Called by cJSON while it prints the file.
+static int mark_during_print = -1;
+static void *note_mark_and_allocate(size_t size)
+{
+    mark_during_print = audio_item_changed;
+    return malloc(size);
+}
+
+// Else the store's thread might find the module due, and write the same file meanwhile.
+TEST_F(AudioSave, HostDrivenSaveClearsTheMarkBeforeItWrites)
+{
+    init();
+    para_set_audio_save_param_time(0);
+    para_set_audio_mute_cur(1);
+    cJSON_Hooks hooks = {note_mark_and_allocate, free};
+    cJSON_InitHooks(&hooks);
+    save_cur_audio_param_delay(0);
+    cJSON_InitHooks(nullptr);
+    EXPECT_EQ(mark_during_print, 0);
 }
 
 TEST_F(AudioSave, HostDrivenSaveDoesNothingWithoutAChange)
