@@ -3,11 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <regex>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "support/store.h"
 
@@ -163,6 +166,34 @@ TEST_F(TraceSites, FormatsEndAsTheMessagesDo)
                 testing::UnorderedElementsAre(prefix + "inter\n", prefix + "leave\n"));
     EXPECT_THAT(formats_of("platformparam_stop"),
                 testing::ElementsAre(prefix + "platformparam_stop ok\n"));
+}
+
+// What stands in the text for the conversions of its format, the prefix aside.
+static std::vector<std::string> arguments_of(const trace_line &line)
+{
+    static const std::regex conversion("%[-0-9.]*[a-z]");
+    const std::string format = line.format.substr(strlen("[para %s +%-4d]"));
+    const std::sregex_token_iterator end;
+    std::vector<std::string> arguments;
+    size_t begin = 0;
+    for (std::sregex_token_iterator words(format.begin(), format.end(), conversion, -1);
+         words != end; ++words) {
+        const std::string literal = *words;
+        const size_t found = line.text.find(literal, begin);
+        EXPECT_NE(found, std::string::npos) << line.format << line.text;
+        if (words->first != format.begin())
+            arguments.push_back(line.text.substr(begin, found - begin));
+        begin = found + literal.size();
+    }
+    return arguments;
+}
+
+TEST_F(TraceSites, NoPartOfAFormatStandsForNothing)
+{
+    run_sample_device();
+    for (const trace_line &line : traces())
+        EXPECT_THAT(arguments_of(line), testing::Each(testing::Not(testing::IsEmpty())))
+            << line.function << " " << line.format;
 }
 
 TEST_F(TraceSites, AFileThatIsNotJsonIsTracedInTheWordsOfItsModule)
