@@ -30,6 +30,7 @@ record &seen()
 std::atomic<long long> clock_moved_ms{0};
 std::atomic<bool> clock_stopped{false};
 timespec stopped_at;
+std::atomic<void (*)()> clock_watcher{nullptr};
 
 trace_line split(int level, const char *format, const std::string &message)
 {
@@ -57,6 +58,8 @@ PARA_API int clock_gettime(clockid_t clock, timespec *now) noexcept
         const long long nanoseconds = now->tv_nsec + moved % 1000 * 1000000;
         now->tv_sec += static_cast<time_t>(moved / 1000 + nanoseconds / 1000000000);
         now->tv_nsec = static_cast<long>(nanoseconds % 1000000000);
+        if (void (*const watcher)() = clock_watcher)
+            watcher();
     }
     return static_cast<int>(result);
 }
@@ -99,6 +102,11 @@ void stop_clock()
 {
     syscall(SYS_clock_gettime, CLOCK_MONOTONIC, &stopped_at);
     clock_stopped = true;
+}
+
+void watch_clock(void (*watcher)())
+{
+    clock_watcher = watcher;
 }
 
 void set_trace_level(int level)

@@ -21,6 +21,9 @@ struct trace_line {
 void move_clock(int milliseconds);
 // From now on it moves by move_clock() alone.
 void stop_clock();
+// Has a function called whenever it is read, by the reading thread; null for none. The store reads
+// it when it stamps a change, so the function sees what stands at that moment.
+void watch_clock(void (*watcher)());
 
 // Admits traces up to this level; the store's thread may be reading it.
 void set_trace_level(int level);

@@ -121,6 +121,17 @@ TEST_F(AfSetter, AnAbsentMemberCanBeSetButIsNeitherSavedNorReported)
     EXPECT_EQ(read_data("af_cur.json"), "{\n\t\"focus_mode\":\t1\n}" + std::string(1, '\0'));
 }
 
+// Else a save in between would clear the mark of a value that it has not written.
+TEST_F(AfSetter, TheValueStandsBeforeTheChangeIsStamped)
+{
+    static int value_at_stamp;
+    init();
+    watch_clock([] { value_at_stamp = para_get_af_zoom_value_cur(); });
+    para_set_af_zoom_value_cur(200);
+    watch_clock(nullptr);
+    EXPECT_EQ(value_at_stamp, 200);
+}
+
 TEST_F(AfSetter, StampsTheMonotonicTime)
 {
     init();

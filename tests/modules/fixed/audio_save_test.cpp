@@ -105,6 +105,18 @@ TEST_F(AudioSave, OnlyAFlagOfOneIsAChange)
     EXPECT_TRUE(due());
 }
 
+// Else a change after a long rest would be due at once, by the time of the one before it.
+TEST_F(AudioSave, AChangeIsMarkedOnceItsTimeIsTaken)
+{
+    static int mark_at_stamp = -1;
+    init();
+    watch_clock([] { mark_at_stamp = audio_item_changed; });
+    para_set_audio_mute_cur(1);
+    watch_clock(nullptr);
+    EXPECT_EQ(mark_at_stamp, 0);
+    EXPECT_EQ(audio_item_changed, 1);
+}
+
 TEST_F(AudioSave, TheDelayCanBeSet)
 {
     init();

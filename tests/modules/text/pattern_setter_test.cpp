@@ -110,6 +110,17 @@ TEST_F(JsonSetter, ARepeatedValueDoesNotPostponeTheSave)
     EXPECT_TRUE(due());
 }
 
+// Else a save in between would clear the mark of a value that it has not written.
+TEST_F(JsonSetter, TheValueStandsBeforeTheChangeIsStamped)
+{
+    static int value_at_stamp;
+    init();
+    watch_clock([] { value_at_stamp = para_get_json_cur("panel", "brightness"); });
+    para_set_json_cur_number("panel", "brightness", 7);
+    watch_clock(nullptr);
+    EXPECT_EQ(value_at_stamp, 7);
+}
+
 TEST_F(JsonSetter, ByNumberAnEnumMemberTakesThePosition)
 {
     init();
