@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "runtime/module_row.h"
-#include "runtime/thread_state.h"
 #include "support/store.h"
+#include "support/thread_state.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;

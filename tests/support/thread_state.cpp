@@ -1,4 +1,4 @@
-#include "runtime/thread_state.h"
+#include "support/thread_state.h"
 
 #include <chrono>
 #include <sstream>
