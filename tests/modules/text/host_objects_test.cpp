@@ -3,18 +3,53 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <atomic>
+#include <functional>
+#include <memory>
+#include <thread>
+#include <utility>
 
 #include "modules/text/conf_fixture.h"
 #include "modules/text/pattern_fixture.h"
+#include "support/thread_state.h"
 
 namespace {
 
 std::atomic<int> made{0}, freed{0}, freed_null{0};
 std::atomic<bool> out_of_memory{false};
 
-using looper = int (*)(configure *, conf_loop_callback, void *);
-std::atomic<looper> platform_loop{nullptr};
+// Called once, when the store next uses an object.
+std::atomic<void (*)()> next_use{nullptr};
+
+void note_use()
+{
+    if (void (*const call)() = next_use.exchange(nullptr))
+        call();
+}
+
+// The operations of the platform's objects.
+configure platform = {};
+
+int noting_get(configure *conf, const char *key, char *buffer, int size)
+{
+    note_use();
+    return platform.conf_get(conf, key, buffer, size);
+}
+
+int noting_set(configure *conf, const char *key, const char *value)
+{
+    note_use();
+    return platform.conf_set(conf, key, value);
+}
+
+void *noting_find(configure *conf, const char *key)
+{
+    note_use();
+    return platform.conf_find(conf, key);
+}
+
 std::atomic<int> told_to_go_on{0}, told_to_stop{0};
 
 struct callback {
@@ -32,8 +67,9 @@ int note_answer(void *argument, const char *key, const char *value)
 
 int noting_loop(configure *conf, conf_loop_callback function, void *argument)
 {
+    note_use();
     callback called = {function, argument};
-    return platform_loop.load()(conf, note_answer, &called);
+    return platform.conf_loop(conf, note_answer, &called);
 }
 
 template <typename function> function next(const char *name)
@@ -50,10 +86,20 @@ PARA_API configure *configure_init(void)
     made++;
     configure *const conf = out_of_memory ? nullptr : next<configure *(*)()>("configure_init")();
     if (conf != nullptr) {
-        platform_loop = conf->conf_loop;
+        if (platform.conf_get == nullptr)
+            platform = *conf;
+        conf->conf_get = noting_get;
         conf->conf_loop = noting_loop;
+        conf->conf_set = noting_set;
+        conf->conf_find = noting_find;
     }
     return conf;
+}
+
+PARA_API int configure_key_IsChanged(configure *conf, const void *key_set)
+{
+    note_use();
+    return next<int (*)(configure *, const void *)>("configure_key_IsChanged")(conf, key_set);
 }
 
 PARA_API void configure_free(configure *conf)
@@ -97,6 +143,66 @@ TEST_F(HostObjects, AFailedReloadFreesBothAndTheNextMakesThemAnew)
     write_home("netport.conf", port_defaults);
     EXPECT_EQ(para_init_single_conf("netport"), 0);
     expect_counts(6, 4);
+}
+
+// Reloads the module from a folder without files, and tells whether its objects were freed.
+class failing_reload {
+public:
+    failing_reload()
+        : thread([this] {
+              id = gettid();
+              para_init_single_conf("netport");
+          })
+    {
+    }
+    ~failing_reload() { thread.join(); }
+    failing_reload(const failing_reload &) = delete;
+    failing_reload &operator=(const failing_reload &) = delete;
+
+    bool frees() const
+    {
+        wait_until([this] { return freed != before || (id != 0 && stays_asleep(id)); });
+        return freed != before;
+    }
+
+private:
+    const int before = freed;
+    std::atomic<pid_t> id{0};
+    std::thread thread;
+};
+
+TEST_F(HostObjects, AreNotFreedWhileTheyAreUsed)
+{
+    static std::unique_ptr<failing_reload> reload;
+    static const char *const keys[] = {"port"};
+    static char buffer[400];
+    const std::pair<const char *, std::function<void()>> uses[] = {
+        {"member", [] { para_conf_get_member("netport", "port"); }},
+        {"copy", [] { para_conf_get_member_safe("netport", "port", buffer, sizeof buffer); }},
+        {"default",
+         [] { para_conf_get_def_member_safe("netport", "port", buffer, sizeof buffer); }},
+        {"set", [] { _para_conf_set_member("netport", "port", "8080"); }},
+        {"changed keys", [] { para_conf_key_IsChanged("netport", keys, 1); }},
+        {"dump", [] { para_save_conf_2_buf("netport", buffer, sizeof buffer); }},
+        {"query", [this] { query("['port']"); }},
+        {"query of all", [this] { query("['all']"); }},
+        {"save", [] { para_save_conf("netport"); }},
+    };
+    init();
+    for (const auto &[name, use] : uses) {
+        SCOPED_TRACE(name);
+        write_home("netport.conf", port_defaults);
+        ASSERT_EQ(para_init_single_conf("netport"), 0);
+        unlink((home + "/netport.conf").c_str());
+        next_use = [] {
+            reload = std::make_unique<failing_reload>();
+            ASSERT_FALSE(reload->frees());
+        };
+        use();
+        EXPECT_NE(reload, nullptr) << "used no object";
+        reload.reset();
+        EXPECT_EQ(value("port"), "none") << "freed after the use";
+    }
 }
 
 TEST_F(HostObjects, AModuleForWhichThereIsNoMemoryHasNoneToFree)
