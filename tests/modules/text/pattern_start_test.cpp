@@ -190,6 +190,19 @@ TEST_F(JsonSlots, TheNextModuleTakesTheSlotOfOneThatFailed)
     EXPECT_EQ(para_get_json_max("second", "brightness"), 2);
 }
 
+// Loading "misc" stores no range when it fails, so none may be there before.
+TEST_F(JsonSlots, MiscFindsTheSlotOfOneThatFailedEmpty)
+{
+    para_init_misc("json");
+    write_module("failing");
+    unlink((home + "/failing.conf").c_str());
+    para_init_misc("failing");
+    ASSERT_EQ(peek_json_enum_type("failing", "brightness"), PARA_KIND_NUMBER);
+    para_init_misc("misc"); // without files
+    EXPECT_EQ(peek_json_enum_type("misc", "brightness"), 0);
+    EXPECT_EQ(para_get_json_emum_str("misc", "mode", 0), nullptr);
+}
+
 TEST_F(JsonSlots, AChangeMarksItsOwnModuleAlone)
 {
     init("{'a':[0,9]}", "a = '1'\n");
