@@ -140,6 +140,28 @@ TEST_F(ConfSave, WaitsForAnotherProcessThatHasTheFileLocked)
     EXPECT_THAT(saved(), StartsWith("port = \"8080\"\nrtsp = \"555\"\n"));
 }
 
+TEST_F(ConfSave, HoldsUpNoReloadOfAnotherModuleWhileItWaits)
+{
+    init();
+    write_home("overlay.conf", "title = 'front'\n");
+    para_init_conf("overlay");
+    lock_holder other(data + "/netport.conf");
+    std::thread saver([] { EXPECT_EQ(para_save_conf("netport"), 0); });
+    EXPECT_TRUE(wait_until([] { return lock_attempts() == 1; }));
+
+    write_home("overlay.conf", "title = 'back'\n");
+    std::atomic<bool> reloaded{false};
+    std::thread reloader([&reloaded] {
+        EXPECT_EQ(para_init_single_conf("overlay"), 0);
+        reloaded = true;
+    });
+    EXPECT_TRUE(wait_until([&reloaded] { return reloaded.load(); }));
+    other.release();
+    saver.join();
+    reloader.join();
+    EXPECT_STREQ(para_conf_get_member("overlay", "title"), "back");
+}
+
 TEST_F(ConfSave, ASignalDoesNotMakeTheFileOurs)
 {
     const std::string path = data + "/netport.conf";
