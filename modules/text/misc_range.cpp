@@ -35,8 +35,9 @@ static cJSON *widened(const name_table &table, const char *first, const char *la
     bool started = false;
     for (int i = 0; i < table.count; i++) {
         started = started || begins_with(table.names[i], first);
-        if (started)
-            cJSON_AddItemToArray(list, cJSON_CreateString(table.names[i]));
+        cJSON *const name = started ? cJSON_CreateString(table.names[i]) : nullptr;
+        if (name != nullptr && !cJSON_AddItemToArray(list, name))
+            cJSON_Delete(name);
         if (begins_with(table.names[i], last))
             break;
     }
@@ -73,8 +74,8 @@ cJSON *fix_old_misc_range_conf(const cJSON *old_range)
         PARA_TRACE(PARA_INFO, "element is %s,size:%d", old_member->string,
                    cJSON_GetArraySize(old_member));
         cJSON *const member = widened_member(old_member);
-        if (member != nullptr)
-            cJSON_AddItemToObject(range, old_member->string, member);
+        if (member != nullptr && !cJSON_AddItemToObject(range, old_member->string, member))
+            cJSON_Delete(member);
     }
     return range;
 }
