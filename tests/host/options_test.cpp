@@ -45,9 +45,10 @@ TEST_F(HostOptions, MistakesAreUsageErrors)
 
 TEST_F(HostOptions, AHomeFolderThatCannotBeReadStartsNothing)
 {
-    EXPECT_EQ(run_host({"--home", "/nonexistent", "--data", data}), 1);
-    EXPECT_EQ(host->errors(), "camparamd: cannot read the home folder \"/nonexistent\": "
-                              "No such file or directory\n");
+    const std::string absent = home + "/absent";
+    EXPECT_EQ(run_host({"--home", absent, "--data", data}), 1);
+    EXPECT_EQ(host->errors(), "camparamd: cannot read the home folder \"" + absent +
+                                  "\": No such file or directory\n");
     EXPECT_FALSE(read_data("af_cur.json"));
 }
 
