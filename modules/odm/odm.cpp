@@ -17,7 +17,7 @@
 
 // Never held while a hook runs: hooks may call the getters and setters.
 static pthread_mutex_t document_mutex = PTHREAD_MUTEX_INITIALIZER;
-static cJSON *json_odm_file; // null until a file is loaded or a value set; never deleted
+static cJSON *json_odm_file; // null until a file is loaded or a value set
 
 timespec odm_item_start_time;
 static int odm_item_changed;
