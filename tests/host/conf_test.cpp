@@ -31,7 +31,6 @@ protected:
 };
 
 const char *const done = "{'msg_name':'reload','msg_id':2}";
-const char *const error = "{'err':'Invalid API command'}";
 
 TEST_F(ConfFiles, AreNotWrittenByDefault)
 {
@@ -87,8 +86,9 @@ TEST_F(ConfFiles, ReloadRefusesEveryOtherModule)
     start_host();
 
     for (const char *module : {"'misc'", "'conf'", "'net'", "'netport2'", "''", "5", "null", "[]"})
-        EXPECT_EQ(reload(",'data':{'module':" + std::string(module) + "}"), error) << module;
-    EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'reload'}"), error);
+        EXPECT_EQ(reload(",'data':{'module':" + std::string(module) + "}"), invalid_command)
+            << module;
+    EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'reload'}"), invalid_command);
     EXPECT_FALSE(host_has_logged("conf_update"));
 }
 
@@ -97,7 +97,7 @@ TEST_F(ConfFiles, AModuleThatTheListLeavesOutIsNotReloaded)
     write_home("www2json.json", "{'conf_pattern_list':['overlay']}");
     start_host();
 
-    EXPECT_EQ(reload(""), error);
+    EXPECT_EQ(reload(""), invalid_command);
     EXPECT_EQ(reload(",'data':{'module':'overlay'}"), done);
 }
 

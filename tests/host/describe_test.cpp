@@ -23,8 +23,6 @@ std::string reply_with(const std::string &modules)
     return "{'msg_name':'describe','msg_id':7,'modules':{" + modules + "}}";
 }
 
-const char *const error = "{'err':'Invalid API command'}";
-
 TEST_F(DescribeCommand, ListsEveryPresentMember)
 {
     start_host();
@@ -63,7 +61,7 @@ TEST_F(DescribeCommand, RefusesAListOfAnotherType)
     for (const char *list : {"'af'", "{'af':1}", "5", "null"})
         EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'describe','data':{'modules':" +
                              std::string(list) + "}}"),
-                  error)
+                  invalid_command)
             << list;
 }
 
@@ -82,7 +80,7 @@ TEST_F(DescribeCommand, CannotBeSet)
 {
     start_host();
 
-    EXPECT_EQ(client.ask("{'msg_type':'api_set','msg_name':'describe'}"), error);
+    EXPECT_EQ(client.ask("{'msg_type':'api_set','msg_name':'describe'}"), invalid_command);
 }
 
 TEST_F(DescribeCommand, EchoesIdentifiersAsTheyCame)

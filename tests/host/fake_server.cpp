@@ -5,7 +5,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "support/store.h"
+#include "camparam/camparam.h"
+#include "support/json_text.h"
 
 fake_server::fake_server(answerer answers)
     : answer(std::move(answers)), descriptor(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0))

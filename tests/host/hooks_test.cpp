@@ -3,7 +3,8 @@
 #include <regex>
 
 #include "camparam/camparam.h"
-#include "support/store.h"
+#include "support/device.h"
+#include "support/json_text.h"
 
 namespace {
 

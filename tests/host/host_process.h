@@ -14,6 +14,9 @@
 #include "support/json_text.h"
 #include "support/running_store.h"
 
+// What camparamd's commands answer when they cannot be carried out.
+inline const char *const invalid_command = "{'err':'Invalid API command'}";
+
 class HostProcess : public Folders {
 protected:
     // Writes the files of a lens: focus_mode 0 to 3, default 1; zoom_value -100 to 1000, default 0.

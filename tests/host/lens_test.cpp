@@ -79,12 +79,11 @@ TEST_F(LensCommand, RefusesRequestsWithoutAnObject)
 {
     start_host();
 
-    const std::string error = "{'err':'Invalid API command'}";
     for (const char *wrong : {"5", "'zoom_value'", "[1,2]", "null"})
-        EXPECT_EQ(set(wrong), error) << wrong;
-    EXPECT_EQ(client.ask("{'msg_type':'api_set','msg_name':'lens'}"), error);
+        EXPECT_EQ(set(wrong), invalid_command) << wrong;
+    EXPECT_EQ(client.ask("{'msg_type':'api_set','msg_name':'lens'}"), invalid_command);
     EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'lens','data':{'zoom_value':5}}"),
-              error);
+              invalid_command);
     EXPECT_EQ(values(), untouched);
 }
 

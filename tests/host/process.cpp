@@ -10,7 +10,7 @@
 #include <filesystem>
 
 #include "support/device.h"
-#include "support/store.h"
+#include "support/folders.h"
 
 process::process(const std::vector<std::string> &command, const std::string &input)
 {

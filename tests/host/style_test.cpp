@@ -38,8 +38,6 @@ std::string reply_with(const std::string &accepted, const std::string &refused)
     return "{'msg_name':'style','accepted':[" + accepted + "],'refused':{" + refused + "}}";
 }
 
-const char *const error = "{'err':'Invalid API command'}";
-
 TEST_F(StyleCommand, ListsStylesThatHaveValues)
 {
     start_host();
@@ -145,8 +143,8 @@ TEST_F(StyleCommand, RefusesWhatItDoesNotUnderstand)
 
     for (const char *wrong : {"{}", "{'style':1}", "{'style':null}", "{'default':1}", "'night'",
                               "{'style':'night','default':'1'}", "{'style':'night','default':[]}"})
-        EXPECT_EQ(set(wrong), error) << wrong;
-    EXPECT_EQ(client.ask("{'msg_type':'api_set','msg_name':'style'}"), error);
+        EXPECT_EQ(set(wrong), invalid_command) << wrong;
+    EXPECT_EQ(client.ask("{'msg_type':'api_set','msg_name':'style'}"), invalid_command);
     EXPECT_EQ(list(), styles_with("day", "day"));
 }
 

@@ -14,23 +14,23 @@ using testing::IsEmpty;
 
 namespace {
 
-std::vector<std::string> calls;
+std::vector<std::string> stages;
 
 int init_ok(const char *name)
 {
-    calls.push_back(std::string("init ") + name);
+    stages.push_back(std::string("init ") + name);
     return 0;
 }
 
 int init_fails(const char *name)
 {
-    calls.push_back(std::string("init ") + name);
+    stages.push_back(std::string("init ") + name);
     return 7;
 }
 
 int second_stage(const char *name)
 {
-    calls.push_back(std::string("stage2 ") + name);
+    stages.push_back(std::string("stage2 ") + name);
     return 7;
 }
 
@@ -73,8 +73,8 @@ TEST_F(StartUp, CallsEveryInitInTableOrderAndThenEverySecondStage)
     }
     row_named("video2").init = init_fails;
     start_store();
-    EXPECT_THAT(calls, ElementsAre("init msg_type", "init video2", "init end", "stage2 msg_type",
-                                   "stage2 video2", "stage2 end"));
+    EXPECT_THAT(stages, ElementsAre("init msg_type", "init video2", "init end", "stage2 msg_type",
+                                    "stage2 video2", "stage2 end"));
 }
 
 TEST_F(StartUp, OpensThePortOnceEveryModuleIsReady)
@@ -97,7 +97,7 @@ TEST_F(StartUp, TracesAFailedModuleAndGoesOn)
     start_store();
     EXPECT_EQ(count_traces("msg_type init err", "platformparam_init"), 1);
     EXPECT_EQ(count_traces("end init err", "platformparam_init"), 0);
-    EXPECT_THAT(calls, ElementsAre("init msg_type", "init end"));
+    EXPECT_THAT(stages, ElementsAre("init msg_type", "init end"));
 }
 
 TEST_F(StartUp, ABrokenWebNameFileIsTracedAndIgnored)

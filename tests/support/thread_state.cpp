@@ -5,7 +5,7 @@
 #include <string>
 #include <thread>
 
-#include "support/store.h"
+#include "support/folders.h"
 
 namespace {
 
