@@ -10,6 +10,7 @@
 #include "camparam/command.h"
 #include "camparam/conf.h"
 #include "camparam/control.h"
+#include "camparam/guard.h"
 #include "camparam/isp.h"
 #include "camparam/json_util.h"
 #include "camparam/misc.h"

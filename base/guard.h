@@ -1,0 +1,4 @@
+// Whether the guard is on. Fixed before the store starts.
+#pragma once
+
+bool guard_is_on();
