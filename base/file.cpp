@@ -2,13 +2,20 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <utility>
 
+#include "base/backup.h"
+#include "base/guard.h"
+#include "base/trace.h"
 #include "camparam/platform.h"
+
+static unsigned written_files; // any thread
 
 file_path::file_path(const char *dir, const char *name)
 {
@@ -27,11 +34,33 @@ json_file read_json_file(const char *path)
     return {.readable = true, .root = std::move(root), .error = end, .text = std::move(text)};
 }
 
-void lock_file(FILE *file)
+// --- Locks ---
+
+static int wait_for_lock(int descriptor)
 {
-    while (flock(fileno(file), LOCK_EX) != 0 && errno == EINTR) {
-        // Interrupted by a signal handler of the host: wait again.
+    while (flock(descriptor, LOCK_EX) != 0) {
+        if (errno != EINTR) // interrupted by a signal handler of the host: wait again
+            return errno;
     }
+    return 0;
+}
+
+// Polls, as nothing else bounds the wait without a signal.
+static int try_to_lock(int descriptor)
+{
+    constexpr timespec pause = {.tv_sec = 0, .tv_nsec = 10000000};
+    constexpr int turns = 200; // 2 s
+    for (int turn = 0; flock(descriptor, LOCK_EX | LOCK_NB) != 0; turn++) {
+        if ((errno != EWOULDBLOCK && errno != EINTR) || turn == turns)
+            return errno;
+        nanosleep(&pause, nullptr);
+    }
+    return 0;
+}
+
+int lock_file(FILE *file)
+{
+    return guard_is_on() ? try_to_lock(fileno(file)) : wait_for_lock(fileno(file));
 }
 
 void unlock_file(FILE *file)
@@ -39,12 +68,18 @@ void unlock_file(FILE *file)
     flock(fileno(file), LOCK_UN);
 }
 
+// --- Writing ---
+
 // A short write is a failure that fflush may not see: nothing is pending after it.
 static int write_all(FILE *file, const char *bytes, size_t length)
 {
     const bool complete = fwrite(bytes, 1, length, file) == length;
+    const int error = errno;
     const int flushed = fflush(file);
-    return complete ? flushed : EOF;
+    if (complete)
+        return flushed;
+    errno = error;
+    return EOF;
 }
 
 int replace_contents(FILE *file, const char *bytes, size_t length)
@@ -55,47 +90,101 @@ int replace_contents(FILE *file, const char *bytes, size_t length)
     return write_all(file, bytes, length);
 }
 
-// Opens without truncating: the current lock holder may be reading the file.
-static FILE *open_to_lock(const char *path)
+static bool is_regular_file(int descriptor)
 {
-    const int descriptor = open(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+    struct stat about = {};
+    if (fstat(descriptor, &about) == 0 && S_ISREG(about.st_mode))
+        return true;
+    errno = EINVAL;
+    return false;
+}
+
+// Truncates only without a lock: its holder may be reading the file. With the guard on it does not
+// wait for the reader of a FIFO.
+static FILE *open_to_write(const char *path, file_lock lock)
+{
+    const int truncated = lock == file_lock::none ? O_TRUNC : 0;
+    const int guarded = guard_is_on() ? O_NONBLOCK : 0;
+    const int descriptor = open(path, O_WRONLY | O_CREAT | O_CLOEXEC | truncated | guarded, 0666);
     if (descriptor < 0)
         return nullptr;
-    FILE *const file = fdopen(descriptor, "wb");
-    if (file == nullptr)
+    FILE *file = nullptr;
+    if (guarded == 0 || is_regular_file(descriptor))
+        file = fdopen(descriptor, "wb");
+    if (file == nullptr) {
+        const int error = errno;
         close(descriptor);
+        errno = error;
+    }
     return file;
 }
 
-static int write_locked(const char *path, const char *bytes, size_t length)
+static write_result failure(int returned)
 {
-    FILE *const file = open_to_lock(path);
-    if (file == nullptr)
-        return 0;
-    lock_file(file);
-    const int flushed = replace_contents(file, bytes, length);
+    return {.returned = returned, .error = errno != 0 ? errno : EIO};
+}
+
+static write_result result_of(int flushed)
+{
+    return flushed == 0 ? write_result{.returned = 0, .error = 0} : failure(flushed);
+}
+
+// A file system without locks is written all the same, but for the guard.
+static write_result replace_under_lock(FILE *file, const char *bytes, size_t length)
+{
+    const int error = lock_file(file);
+    if (error != 0 && guard_is_on())
+        return {.returned = EOF, .error = error};
+    const write_result written = result_of(replace_contents(file, bytes, length));
     unlock_file(file);
-    fclose(file);
-    return flushed;
+    return written;
 }
 
-int write_file(const char *path, const char *bytes, size_t length, file_lock lock)
+write_result write_in_place(const char *path, const char *bytes, size_t length, file_lock lock)
 {
-    if (lock == file_lock::exclusive)
-        return write_locked(path, bytes, length);
-
-    FILE *const file = fopen(path, "wb");
+    errno = 0;
+    FILE *const file = open_to_write(path, lock);
     if (file == nullptr)
-        return 0;
-    const int flushed = write_all(file, bytes, length);
-    fclose(file);
-    return flushed;
+        return failure(0);
+    __atomic_fetch_add(&written_files, 1U, __ATOMIC_RELAXED);
+    write_result written = lock == file_lock::exclusive ? replace_under_lock(file, bytes, length)
+                                                        : result_of(write_all(file, bytes, length));
+    if (fclose(file) != 0 && written.error == 0)
+        written = failure(written.returned);
+    return written;
 }
 
-int write_text_file(const char *path, const char *text)
+static write_result write_guarded(const char *path, const char *bytes, size_t length,
+                                  file_lock lock)
 {
-    if (text == nullptr)
-        return 0;
+    write_result written = {.returned = 0, .error = ENOMEM};
+    if (bytes != nullptr)
+        written.error = write_backup(path, bytes, length);
+    if (written.error == 0)
+        written = write_in_place(path, bytes, length, lock);
+    if (written.error == 0)
+        return written;
+    PARA_TRACE(PARA_ERROR, "%s is not written, errno:%d", path, written.error);
+    return {.returned = EOF, .error = written.error};
+}
+
+write_result write_file(const char *path, const char *bytes, size_t length, file_lock lock)
+{
+    if (guard_is_on())
+        return write_guarded(path, bytes, length, lock);
+    if (bytes == nullptr)
+        return {.returned = 0, .error = ENOMEM};
+    return write_in_place(path, bytes, length, lock);
+}
+
+write_result write_text_file(const char *path, const char *text)
+{
     // length + 1: the final zero byte belongs to the format (SavedFile.EndsWithOneZeroByte).
-    return write_file(path, text, strlen(text) + 1, file_lock::none);
+    const size_t length = text != nullptr ? strlen(text) + 1 : 0;
+    return write_file(path, text, length, file_lock::none);
+}
+
+unsigned files_written()
+{
+    return __atomic_load_n(&written_files, __ATOMIC_RELAXED);
 }

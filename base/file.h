@@ -28,17 +28,30 @@ enum class file_lock {
     exclusive, // flock(LOCK_EX): the file keeps its contents until the lock is held
 };
 
-// Replaces the contents of a file, or makes it. Returns what fflush returned, EOF for a short
-// write; 0 when the file cannot be opened.
-int write_file(const char *path, const char *bytes, size_t length, file_lock lock);
+// What came of writing a file.
+struct write_result {
+    int returned; // what fflush returned, EOF for a short write; 0 when the file cannot be opened
+    int error;    // errno of the step that failed; 0: everything is written
+};
 
-// The same for a text and its final zero byte (SavedFile.EndsWithOneZeroByte). A null text (out of
-// memory) writes nothing and returns 0.
-int write_text_file(const char *path, const char *text);
+// Replaces the contents of a file, or makes it; without bytes (out of memory) nothing is written.
+// With the guard on, its backup is written first, only a regular file is written, and a failure is
+// traced.
+write_result write_file(const char *path, const char *bytes, size_t length, file_lock lock);
 
-// Takes the exclusive lock on an open file, and waits for it.
-void lock_file(FILE *file);
+// The same without a backup.
+write_result write_in_place(const char *path, const char *bytes, size_t length, file_lock lock);
+
+// write_file() for a text and its final zero byte (SavedFile.EndsWithOneZeroByte).
+write_result write_text_file(const char *path, const char *text);
+
+// How many files write_file() has opened to write. Any thread.
+unsigned files_written();
+
+// Takes the exclusive lock on an open file, and waits for it: with the guard on, 2 s at most.
+// Returns 0, or the error number.
+int lock_file(FILE *file);
 void unlock_file(FILE *file);
 
-// The same for a file that is open.
+// Replaces the contents of a file that is open for writing. Returns what fflush returned, or EOF.
 int replace_contents(FILE *file, const char *bytes, size_t length);

@@ -1,5 +1,7 @@
 #include "runtime/save_pass.h"
 
+#include "base/file.h"
+#include "base/guard.h"
 #include "base/lock.h"
 #include "base/trace.h"
 #include "camparam/platform.h"
@@ -12,7 +14,10 @@ static bool to_be_saved(const para_module &row, save_mode mode)
 {
     if (mode == save_mode::forced)
         return row.save != nullptr;
-    return row.need_save != nullptr && row.need_save(row.name) != 0;
+    if (row.need_save == nullptr)
+        return false;
+    const int needed = row.need_save(row.name);
+    return guard_is_on() ? needed > 0 : needed != 0; // -1: the module cannot be found
 }
 
 static void save_row(const para_module &row, const trace_site &site)
@@ -26,6 +31,7 @@ int save_param(save_mode mode)
 {
     const lock_guard guard(save_mutex);
     const trace_site site = PARA_HERE;
+    const unsigned written_before = files_written();
     bool saved = false;
     for_each_module([&](const para_module &row) {
         if (to_be_saved(row, mode)) {
@@ -33,7 +39,8 @@ int save_param(save_mode mode)
             saved = true;
         }
     });
-    if (saved)
-        lib_system("sync");
+    const bool written = guard_is_on() ? files_written() != written_before : saved;
+    if (written && lib_system("sync") != 0 && guard_is_on())
+        PARA_TRACE(PARA_ERROR, "sync err");
     return 0;
 }

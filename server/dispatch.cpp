@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "base/json.h"
+#include "base/observer.h"
 #include "base/text.h"
 #include "base/trace.h"
 #include "camparam/command.h"
@@ -9,6 +10,7 @@
 
 int para_server_message_Process(para_message *message)
 {
+    const request_scope scope(&message->sender);
     json_ptr request(cJSON_Parse(message->text));
     if (!request) {
         PARA_TRACE(PARA_ERROR, "cJSON_Parse err,Rec buffer: %s", message->text);

@@ -9,13 +9,68 @@
 
 PARA_BEGIN_DECLS
 
+struct sockaddr_in; /* netinet/in.h */
+
 /**
  * Switch the guard on or off. Before platformparam_init(), from the thread that will call that.
+ *
+ * With the guard on, for the current files of all modules:
+ *
+ * - A save first brings the new text to disk as "<file>.bak", and then writes the file as always.
+ *   At start-up a file that is empty or only the beginning of its backup is restored from it. A
+ *   missing file stays missing, and one that was edited is used as it is.
+ * - A file that cannot be read, or is no JSON where it must be, is kept as "<file>.bad", and its
+ *   backup used. A module whose range or defaults could not be loaded is not saved.
+ * - A save that fails is traced with file and errno, and tried again after 2, 4, 8 ... 60 s.
+ * - Another program's lock on a file is waited for 2 s at most.
+ * - "sync" runs only after a pass that wrote a file.
  *
  * @param on  Nonzero: on. It is off until set.
  * @return What it was before, 1 or 0.
  */
 PARA_API int platformparam_set_guard(int on);
+
+/** Flags of a module's status. */
+enum {
+    PARA_STATUS_LOAD_FAILED = 1, /**< its range or defaults could not be loaded */
+    PARA_STATUS_RESTORED = 2,    /**< its file was lost or torn, and its backup used */
+    PARA_STATUS_KEPT_BAD = 4,    /**< its file could not be used and was renamed "<file>.bad" */
+    PARA_STATUS_NOT_SAVED = 8    /**< its values cannot be saved */
+};
+
+/** What is known of a module's changes and saves. Counted with the guard on or off. */
+typedef struct {
+    unsigned changes; /**< accepted since start; wraps */
+    unsigned saved;   /**< what changes was when the values that were last written were read. Equal
+                           to changes, with error 0: everything is written */
+    int error;        /**< errno of the last save if it failed, else 0 */
+    unsigned flags;   /**< PARA_STATUS_... */
+    long long saved_at; /**< time of the last good save, milliseconds of CLOCK_REALTIME; 0: none */
+} para_module_status;
+
+/**
+ * Tell what is known of a module. Any thread. Modules that share a file ("video0" ...) share a
+ * status; a row that holds no values of the store's ("msg_id", the host's own) has no changes and
+ * PARA_STATUS_NOT_SAVED.
+ *
+ * @param module       Name of a row of the module table.
+ * @param[out] status  Untouched on failure.
+ * @return 0; -1 for an unknown module or a null argument.
+ */
+PARA_API int platformparam_get_status(const char *module, para_module_status *status);
+
+/**
+ * Set the function that is told of each accepted change, by setters and requests alike; NULL: none,
+ * as in the beginning. Any thread.
+ *
+ * It is called after the change is in force, on the thread that made it, holding no lock. It may
+ * read values and status, and set values, which calls it again.
+ *
+ * @param observer  module: name of the row that holds the value, borrowed for the call. sender: the
+ *                  client whose request changed it, borrowed for the call; NULL: the host did.
+ */
+PARA_API void platformparam_set_change_observer(void (*observer)(const char *module,
+                                                                 const struct sockaddr_in *sender));
 
 PARA_END_DECLS
 

@@ -3,6 +3,7 @@
 
 #include "camparam/control.h"
 #include "modules/fixed/fixed_module.h"
+#include "modules/fixed/status.h"
 
 // The tables of values.
 #define DEFINE_TABLES(module, slots)                                                               \
@@ -16,7 +17,7 @@
         return start_module(module, PARA_HERE);                                                    \
     }
 
-// para_need_save_<module>, para_save_<module> and <module>_page.
+// para_need_save_<module>, para_save_<module>, <module>_status and <module>_page.
 #define DEFINE_ROW(module)                                                                         \
     int para_need_save_##module(const char *)                                                      \
     {                                                                                              \
@@ -25,6 +26,10 @@
     int para_save_##module(const char *)                                                           \
     {                                                                                              \
         return save_module(module);                                                                \
+    }                                                                                              \
+    para_module_status module##_status(const char *)                                               \
+    {                                                                                              \
+        return status_of(saves);                                                                   \
     }                                                                                              \
     void module##_page()                                                                           \
     {                                                                                              \

@@ -7,6 +7,7 @@
 DEFINE_TABLES(af, PARA_AF_SLOTS)
 timespec af_item_start_time;
 static int af_item_changed;
+static save_state saves;
 
 static constexpr fixed_member members[] = {
 #define AF_MEMBER(number, name) {.slot = PARA_AF_##name, .key = #name},
@@ -21,7 +22,7 @@ static constexpr fixed_module af = {
     .values = VALUE_TABLES(af),
     .members = list_of(members),
     .file_order = order.list(),
-    .stamp = {.time = &af_item_start_time, .changed = &af_item_changed},
+    .stamp = {.time = &af_item_start_time, .changed = &af_item_changed, .saves = &saves},
     .rules = {.clears_presence = true,
               .traces_unreadable = false,
               .named_values = false,

@@ -7,6 +7,7 @@ DEFINE_TABLES(audio, PARA_AUDIO_SLOTS)
 timespec audio_item_start_time;
 int audio_save_param_time = default_save_delay_ms;
 int audio_item_changed;
+static save_state saves;
 
 // Value names, one array for each named member.
 static const char *const aeFormat[] = {"AAC", "G711A"};
@@ -39,7 +40,7 @@ static constexpr fixed_module audio = {
     .values = VALUE_TABLES(audio),
     .members = list_of(members),
     .file_order = order.list(),
-    .stamp = {.time = &audio_item_start_time, .changed = &audio_item_changed},
+    .stamp = {.time = &audio_item_start_time, .changed = &audio_item_changed, .saves = &saves},
     .save_delay_ms = &audio_save_param_time,
 };
 

@@ -1,4 +1,5 @@
 // Changing the values of a module with fixed members.
+#include "base/observer.h"
 #include "modules/fixed/fixed_module.h"
 
 int change_value(const fixed_module &module, int slot, int value)
@@ -6,7 +7,9 @@ int change_value(const fixed_module &module, int slot, int value)
     // Store the value before the changed flag: a save that sees the flag must also see the value,
     // or it would clear the flag of a value that it has not written.
     store_word(module.values.cur[slot], value);
-    stamp_change(module.stamp);
+    accept_change(module.stamp);
+    if (current_observer() != nullptr)
+        tell_observer(row_name(module, slot).text);
     return 1;
 }
 

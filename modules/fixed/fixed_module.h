@@ -32,6 +32,7 @@ struct module_instances {
     int stride; // slots from one instance to the next
     int (*count_in)(const cJSON *range_root);
     void (*page_title)(int instance, const trace_site &site);
+    bool share_a_row = false; // that of the first; else each has its own
 };
 
 // Differences between modules; the defaults are those of audio and video.
@@ -90,6 +91,12 @@ inline int instance_count(const fixed_module &module)
 // The key of an instance's object: "video0".
 struct instance_key {
     instance_key(const fixed_module &module, int instance);
+    char text[32];
+};
+
+// The module-table row that holds a slot's value.
+struct row_name {
+    row_name(const fixed_module &module, int slot);
     char text[32];
 };
 

@@ -1,6 +1,7 @@
 // The image signal processor: its values come from a style, and may be overridden by the ODM store.
 #include "modules/fixed/isp.h"
 
+#include "base/observer.h"
 #include "camparam/odm.h"
 #include "modules/fixed/accessors.h"
 
@@ -11,6 +12,7 @@ int isp_num;
 int isp_inited;
 timespec isp_item_start_time;
 int isp_item_changed;
+static save_state saves;
 
 static_assert(sizeof(isp_record) == PARA_ISP_SLOTS * sizeof(int),
               "a slot is a place in the record");
@@ -45,6 +47,7 @@ static constexpr module_instances instances = {
     .count = &isp_num,
     .stride = PARA_ISP_SLOTS,
     .page_title = page_title,
+    .share_a_row = true,
 };
 
 // The address of a table's first record, as that of its first word.
@@ -63,7 +66,7 @@ constexpr fixed_module isp = {
     .members = list_of(members),
     .file_order = order.list(),
     .instances = &instances,
-    .stamp = {.time = &isp_item_start_time, .changed = &isp_item_changed},
+    .stamp = {.time = &isp_item_start_time, .changed = &isp_item_changed, .saves = &saves},
     .rules = {.traces_unreadable = false,
               .named_values = false,
               .get_needs_presence = false,
@@ -181,8 +184,9 @@ int para_init_isp(const char *)
     isp_inited = 1;
 
     if (load_range(PARA_HERE) != 0)
-        return -1;
-    para_init_isp_style();
+        return note_load_failure(saves, isp.name);
+    if (para_init_isp_style() != 0)
+        note_load_failure(saves, isp.name); // the defaults are the style file's
     load_default_style();
     const bool parse_ok = load_current(PARA_HERE);
     PARA_TRACE(PARA_INFO, "parse_ok:%d", parse_ok ? 1 : 0);
@@ -198,7 +202,9 @@ int para_isp_cur_restore_isp_def()
 {
     for (int slot = 0; slot < slot_count(isp); slot++)
         store_word(isp.values.cur[slot], load_word(isp.values.def[slot]));
-    store_word(isp_item_changed, 1); // the time of the last change is kept
+    count_change(isp.stamp);
+    mark_change(isp.stamp); // the time of the last change is kept
+    tell_observer("isp0");
     return 0;
 }
 

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "base/backup.h"
 #include "base/file.h"
 #include "modules/fixed/fixed_module.h"
 #include "modules/fixed/module_file.h"
@@ -146,7 +147,8 @@ static json_ptr load_defaults_file(const fixed_module &module, const trace_site 
 
 json_ptr load_current_file(const fixed_module &module, const trace_site &site)
 {
-    const file_path path = current_file(module);
+    const file_beside path =
+        recover_file(current_file(module).text, file_form::json, *module.stamp.saves);
     if (access(path.text, F_OK) != 0)
         return nullptr;
     json_file file = read_json_file(path.text);
@@ -204,7 +206,7 @@ int start_module(const fixed_module &module, const trace_site &site)
     if (module.rules.clears_presence)
         clear_presence(module);
     if (load_ranges(module, site) != 0 || load_defaults(module, site) != 0)
-        return -1;
+        return note_load_failure(*module.stamp.saves, module.name);
     load_current(module, site);
     keep_start_values(module);
     module.page();

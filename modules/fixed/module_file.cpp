@@ -21,6 +21,16 @@ file_path current_file(const fixed_module &module)
     return module_file(para_profile.data_dir, module, "_cur.json");
 }
 
+row_name::row_name(const fixed_module &module, int slot)
+{
+    if (module.instances == nullptr) {
+        snprintf(text, sizeof text, "%s", module.name);
+        return;
+    }
+    const int instance = module.instances->share_a_row ? 0 : slot / module.instances->stride;
+    snprintf(text, sizeof text, "%s%d", module.name, instance);
+}
+
 instance_key::instance_key(const fixed_module &module, int instance)
 {
     snprintf(text, sizeof text, "%s%d", module.name, instance);

@@ -24,17 +24,22 @@ static json_ptr current_document(const fixed_module &module)
 
     json_ptr root(cJSON_CreateObject());
     for (int instance = 0; instance < instance_count(module); instance++) {
-        cJSON_AddItemToObject(root.get(), instance_key(module, instance).text,
-                              answer_all(module, module.values.cur, instance));
+        json_ptr values(answer_all(module, module.values.cur, instance));
+        if (!cJSON_AddItemToObject(root.get(), instance_key(module, instance).text, values.get()))
+            return nullptr;
+        values.release();
     }
     return root;
 }
 
 int save_module(const fixed_module &module)
 {
+    if (!may_be_saved(*module.stamp.saves))
+        return refuse_save(module.name);
+    const unsigned changes = counted_changes(module.stamp);
     const printed_ptr text(cJSON_Print(current_document(module).get()));
-    const int flushed = write_text_file(current_file(module).text, text.get());
-    // After formatting, and also when nothing was written (SavedFile.FailedSaveIsNotRetried).
+    const write_result written = write_text_file(current_file(module).text, text.get());
+    // After formatting, and also when nothing was written (VideoSave.AFailedSaveIsNotRetried).
     clear_change(module.stamp);
-    return flushed;
+    return end_save(module.stamp, changes, written);
 }

@@ -13,6 +13,7 @@ int video_init_done;
 timespec video_item_start_time;
 int video_save_param_time = default_save_delay_ms;
 int video_item_changed;
+static save_state saves;
 
 // Value names, one array for each named member; those of "size" are in video_size.h.
 static const char *const protocol[] = {"H264", "H265", "MJPEG"};
@@ -51,7 +52,7 @@ static constexpr fixed_module video = {
     .members = list_of(members),
     .file_order = order.list(),
     .instances = &streams,
-    .stamp = {.time = &video_item_start_time, .changed = &video_item_changed},
+    .stamp = {.time = &video_item_start_time, .changed = &video_item_changed, .saves = &saves},
     .save_delay_ms = &video_save_param_time,
 };
 

@@ -8,12 +8,16 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/backup.h"
 #include "base/change.h"
 #include "base/file.h"
+#include "base/guard.h"
 #include "base/lock.h"
+#include "base/observer.h"
 #include "base/trace.h"
 #include "base/word.h"
 #include "camparam/control.h"
+#include "modules/odm/status.h"
 
 // Never held while a hook runs: hooks may call the getters and setters.
 static pthread_mutex_t document_mutex = PTHREAD_MUTEX_INITIALIZER;
@@ -21,7 +25,11 @@ static cJSON *json_odm_file; // null until a file is loaded or a value set
 
 timespec odm_item_start_time;
 static int odm_item_changed;
-static constexpr change_stamp stamp = {.time = &odm_item_start_time, .changed = &odm_item_changed};
+static save_state saves;
+static constexpr change_stamp stamp = {
+    .time = &odm_item_start_time, .changed = &odm_item_changed, .saves = &saves};
+
+constexpr char row[] = "odmInter";
 
 static int odm_persist_dir_missing;
 
@@ -41,9 +49,10 @@ static file_path store_path()
     return dir.text[0] != '\0' ? file_path(dir.text, "odm.json") : file_path();
 }
 
+// With the guard on it may have gone since start-up.
 static void make_persist_dir_if_missing()
 {
-    if (load_word(odm_persist_dir_missing) == 0)
+    if (load_word(odm_persist_dir_missing) == 0 && !guard_is_on())
         return;
     store_word(odm_persist_dir_missing, 0);
     mkdir(persist_dir().text, 0775);
@@ -66,12 +75,12 @@ int para_init_odm(const char *)
         store_word(odm_persist_dir_missing, 1);
     move_legacy_file();
 
-    json_file file = read_json_file(store_path().text);
+    json_file file = read_json_file(recover_file(store_path().text, file_form::json, saves).text);
     if (!file.readable)
         return 0;
     if (!file.root) {
         PARA_TRACE(PARA_ERROR, "Error before: [%s]\n", file.error);
-        return -1;
+        return note_load_failure(saves, row);
     }
 
     const lock_guard guard(document_mutex);
@@ -131,10 +140,8 @@ static cJSON *item_to_set(const char *key)
     return cJSON_GetObjectItem(json_odm_file, key);
 }
 
-int _para_set_odm_int(const char *key, int value)
+static int set_int(const char *key, int value)
 {
-    if (key == nullptr)
-        return 0;
     const lock_guard guard(document_mutex);
     cJSON *const item = item_to_set(key);
     if (item == nullptr) {
@@ -147,10 +154,8 @@ int _para_set_odm_int(const char *key, int value)
     return 1;
 }
 
-int _para_set_odm_string(const char *key, const char *text)
+static int set_string(const char *key, const char *text)
 {
-    if (key == nullptr)
-        return 0;
     const lock_guard guard(document_mutex);
     cJSON *const item = item_to_set(key);
     if (item == nullptr) {
@@ -162,6 +167,25 @@ int _para_set_odm_string(const char *key, const char *text)
     if (text != nullptr)
         cJSON_SetValuestring(item, text); // does not change a non-string item
     return 1;
+}
+
+static int tell_if_changed(int changed)
+{
+    if (changed != 0) {
+        count_change(stamp);
+        tell_observer(row);
+    }
+    return changed;
+}
+
+int _para_set_odm_int(const char *key, int value)
+{
+    return key != nullptr ? tell_if_changed(set_int(key, value)) : 0;
+}
+
+int _para_set_odm_string(const char *key, const char *text)
+{
+    return key != nullptr ? tell_if_changed(set_string(key, text)) : 0;
 }
 
 // The hook runs before the change is stamped (OdmSetter.TellsTheHookBeforeTheStamp).
@@ -188,16 +212,29 @@ int para_need_save_odm(const char *)
     return change_due(stamp, default_save_delay_ms) ? 1 : 0;
 }
 
-static printed_ptr printed_document()
+static write_result write_document(const char *path)
 {
-    const lock_guard guard(document_mutex);
-    return printed_ptr(json_odm_file != nullptr ? cJSON_Print(json_odm_file) : nullptr);
+    printed_ptr text;
+    {
+        const lock_guard guard(document_mutex);
+        if (json_odm_file == nullptr)
+            return {.returned = 0, .error = 0}; // nothing to write
+        text.reset(cJSON_Print(json_odm_file));
+    }
+    return write_text_file(path, text.get());
 }
 
 int para_save_odm(const char *)
 {
+    if (!may_be_saved(saves))
+        return refuse_save(row);
     make_persist_dir_if_missing();
+    const unsigned changes = counted_changes(stamp);
     clear_change(stamp); // before the document is read: a change from now on is saved again
-    const printed_ptr text = printed_document();
-    return write_text_file(store_path().text, text.get());
+    return end_save(stamp, changes, write_document(store_path().text));
+}
+
+para_module_status odm_status(const char *)
+{
+    return status_of(saves);
 }

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/backup.h"
 #include "base/text_buffer.h"
 #include "camparam/control.h"
 #include "modules/text/text_module.h"
@@ -20,7 +21,7 @@ bool read_value(configure *conf, const char *key, char (&value)[value_size])
     return conf != nullptr && key != nullptr && conf->conf_get(conf, key, value, value_size) == 0;
 }
 
-bool load_conf_files(const char *name, configure *def, configure *cur)
+bool load_conf_files(const char *name, configure *def, configure *cur, save_state *starting)
 {
     if (def == nullptr || cur == nullptr)
         return false;
@@ -28,7 +29,11 @@ bool load_conf_files(const char *name, configure *def, configure *cur)
     if (configure_parse(def, 0, home.text) != 0)
         return false;
     configure_parse(cur, 0, home.text);
-    configure_parse(cur, 0, module_path(para_profile.data_dir, name, ".conf").text);
+    const file_path saved = module_path(para_profile.data_dir, name, ".conf");
+    if (starting == nullptr)
+        configure_parse(cur, 0, saved.text);
+    else
+        configure_parse(cur, 0, recover_file(saved.text, file_form::conf, *starting).text);
     return true;
 }
 
@@ -41,12 +46,11 @@ text_ptr conf_lines(configure *cur)
     return text_ptr(lines.release());
 }
 
-int save_conf_lines(const char *name, const text_ptr &lines, file_lock lock)
+write_result save_conf_lines(const char *name, const text_ptr &lines, file_lock lock)
 {
-    if (!lines)
-        return 0;
     const file_path path = module_path(para_profile.data_dir, name, ".conf");
-    return write_file(path.text, lines.get(), strlen(lines.get()), lock);
+    const size_t length = lines ? strlen(lines.get()) : 0;
+    return write_file(path.text, lines.get(), length, lock);
 }
 
 int write_conf_to_buffer(const char *module, configure *conf, char *buffer, int size,

@@ -1,10 +1,12 @@
 // Modules whose settings are kept in ".conf" files of other programs.
 #include "modules/text/conf_module.h"
 
+#include "base/guard.h"
 #include "base/lock.h"
 #include "base/query.h"
 #include "camparam/conf.h"
 #include "camparam/control.h"
+#include "modules/text/status.h"
 
 static text_module records[64];
 text_registry conf_modules = {.records = records, .capacity = sizeof records / sizeof records[0]};
@@ -25,14 +27,18 @@ int para_init_single_conf(const char *name)
         return -1;
 
     const write_guard guard(objects_lock(*module));
-    if (module->cur == nullptr) { // a reload keeps the objects, for key-change detection
+    const bool loaded_before = module->cur != nullptr;
+    if (!loaded_before) { // a reload keeps the objects, for key-change detection
         module->def = configure_init();
         module->cur = configure_init();
     }
-    if (load_conf_files(name, module->def, module->cur))
+    save_state *const starting = loaded_before ? nullptr : &module->saves;
+    if (load_conf_files(name, module->def, module->cur, starting)) {
+        remove_flags(module->saves, PARA_STATUS_LOAD_FAILED);
         return 0;
+    }
     free_values(*module);
-    return -1;
+    return note_load_failure(module->saves, name);
 }
 
 void para_conf_need_update(const char *module)
@@ -77,13 +83,19 @@ int para_init_conf(const char *name)
 
 // --- Requests ---
 
+// With the guard on, only files and the host add keys.
+static bool may_be_requested(const char *name, const char *key)
+{
+    return !guard_is_on() || (key != nullptr && para_conf_get_member(name, key) != nullptr);
+}
+
 int para_set_conf_opt(const char *, const cJSON *item, const char *name)
 {
     bool changed = false;
     const cJSON *child = nullptr;
     cJSON_ArrayForEach(child, item)
     {
-        if (cJSON_IsString(child))
+        if (cJSON_IsString(child) && may_be_requested(name, child->string))
             changed |= _para_conf_set_member(name, child->string, child->valuestring) == 1;
     }
     if (!changed)
@@ -125,29 +137,59 @@ int para_get_conf_opt(const char *, const cJSON *item, cJSON **answer, const cha
 
 // --- Saving ---
 
+static bool writes_files()
+{
+    return para_profile.conf_save_hook != nullptr;
+}
+
 int para_need_save_conf(const char *name)
 {
+    if (guard_is_on() && !writes_files())
+        return 0; // the change waits until writing is switched on
     return need_save(conf_modules, name);
 }
 
+// What a save writes, and how many changes had been counted before.
+struct conf_snapshot {
+    change_stamp stamp;
+    unsigned changes;
+    text_ptr lines;
+};
+
 // Clears the changed flag before reading the values, so that a later change is saved again.
-static text_ptr lines_to_save(text_module &module)
+static conf_snapshot values_to_save(text_module &module)
 {
-    clear_change(stamp_of(module));
-    return conf_lines(module.cur);
+    const change_stamp stamp = stamp_of(module);
+    const unsigned changes = counted_changes(stamp);
+    clear_change(stamp);
+    return {.stamp = stamp, .changes = changes, .lines = conf_lines(module.cur)};
+}
+
+static int save_values(const char *name, const conf_snapshot &values)
+{
+    const write_result written = save_conf_lines(name, values.lines, file_lock::exclusive);
+    const int result = end_save(values.stamp, values.changes, written);
+    return guard_is_on() ? result : 0;
 }
 
 int para_save_conf(const char *name)
 {
-    if (para_profile.conf_save_hook == nullptr)
+    if (!writes_files())
         return 0; // writing is switched off: the module stays due
-    text_ptr lines;
+    conf_snapshot values = {};
     {
         const loaded_conf module(name);
         if (!module)
             return -1;
-        lines = lines_to_save(*module);
+        values = values_to_save(*module);
     }
-    save_conf_lines(name, lines, file_lock::exclusive);
-    return 0;
+    return save_values(name, values);
+}
+
+para_module_status conf_status(const char *row)
+{
+    para_module_status status = status_in(conf_modules, row);
+    if (!writes_files())
+        status.flags |= PARA_STATUS_NOT_SAVED;
+    return status;
 }

@@ -1,6 +1,7 @@
 // The values of conf-file modules, for hosts.
 #include <cstdlib>
 
+#include "base/observer.h"
 #include "camparam/conf.h"
 #include "camparam/control.h"
 #include "modules/text/conf_module.h"
@@ -30,14 +31,23 @@ int para_conf_get_def_member_safe(const char *module, const char *key, char *buf
     return found->def->conf_get(found->def, key, buffer, size);
 }
 
-int _para_conf_set_member(const char *module, const char *key, const char *value)
+// What conf_set returns, or -1.
+static int store_value(const char *module, const char *key, const char *value)
 {
     const loaded_conf found(module);
     if (!found || key == nullptr || value == nullptr)
         return -1;
     const int result = found->cur->conf_set(found->cur, key, value);
     if (result != 0)
-        stamp_change(stamp_of(*found));
+        accept_change(stamp_of(*found));
+    return result;
+}
+
+int _para_conf_set_member(const char *module, const char *key, const char *value)
+{
+    const int result = store_value(module, key, value);
+    if (result > 0)
+        tell_observer(module);
     return result;
 }
 

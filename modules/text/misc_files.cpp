@@ -1,6 +1,7 @@
 // The two file sets of "misc".
-#include <cstring>
+#include <cerrno>
 
+#include "base/backup.h"
 #include "base/file.h"
 #include "camparam/control.h"
 #include "camparam/json_util.h"
@@ -65,13 +66,23 @@ static cJSON *load_range(const trace_site &site)
     return range;
 }
 
-static bool load_legacy_set(configure *def, configure *cur)
+static bool load_legacy_set(configure *def, configure *cur, save_state &starting)
 {
     const file_path defaults(para_profile.home_dir, "misc_def.json");
-    fix_old_misc_def_cur_conf(defaults.text, def);
+    if (fix_old_misc_def_cur_conf(defaults.text, def) != 0)
+        note_load_failure(starting, "misc");
     fix_old_misc_def_cur_conf(defaults.text, cur);
-    fix_old_misc_def_cur_conf(file_path(para_profile.data_dir, "misc_cur.json").text, cur);
+    const file_path saved(para_profile.data_dir, "misc_cur.json");
+    fix_old_misc_def_cur_conf(recover_file(saved.text, file_form::json, starting).text, cur);
     return true;
+}
+
+// Of the module's record; of none when a host calls para_init_misc_legacy() for objects of its own.
+static save_state &state_of_misc()
+{
+    static save_state no_state;
+    text_module *const module = find_module(patterns, "misc");
+    return module != nullptr ? module->saves : no_state;
 }
 
 int para_init_misc_legacy(const char *, configure **cur, configure **def, cJSON **range)
@@ -85,8 +96,9 @@ int para_init_misc_legacy(const char *, configure **cur, configure **def, cJSON 
     *range = loaded;
 
     PARA_TRACE(PARA_INFO, "enter misc version:%d", misc_version->valueint);
-    const bool has_values =
-        is_current_set() ? load_conf_files("misc", *def, *cur) : load_legacy_set(*def, *cur);
+    save_state &starting = state_of_misc();
+    const bool has_values = is_current_set() ? load_conf_files("misc", *def, *cur, &starting)
+                                             : load_legacy_set(*def, *cur, starting);
     if (!has_values)
         return -1;
     return para_init_misc_legacy_test();
@@ -99,7 +111,7 @@ bool load_misc(text_module &module, const char *name, const trace_site &)
 
 // --- Saving ---
 
-static int save_legacy_set(const char *name)
+static write_result save_legacy_set(const char *name)
 {
     const json_ptr root(cJSON_CreateObject());
     Create_Json_Misc_Object(name, root.get(), 0);
@@ -107,17 +119,22 @@ static int save_legacy_set(const char *name)
     return write_text_file(file_path(para_profile.data_dir, "misc_cur.json").text, text.get());
 }
 
-int para_save_misc_legacy(const char *name, configure *cur)
+static write_result save_files(const char *name, configure *cur)
 {
     if (misc_version == nullptr)
-        return 0;
+        return {.returned = 0, .error = ENODATA}; // neither set is loaded
     if (!is_current_set())
         return save_legacy_set(name);
     // Without the lock that other modules' files are written under.
     return save_conf_lines("misc", conf_lines(cur), file_lock::none);
 }
 
-int save_misc(const text_module &module)
+int para_save_misc_legacy(const char *name, configure *cur)
 {
-    return para_save_misc_legacy(module.name, module.cur);
+    return save_files(name, cur).returned;
+}
+
+write_result save_misc(const text_module &module)
+{
+    return save_files(module.name, module.cur);
 }

@@ -5,6 +5,7 @@
 #include "camparam/control.h"
 #include "camparam/json_util.h"
 #include "modules/text/pattern_module.h"
+#include "modules/text/status.h"
 
 static text_module records[16];
 text_registry patterns = {.records = records, .capacity = sizeof records / sizeof records[0]};
@@ -46,14 +47,14 @@ static bool load_pattern(text_module &module, const char *name, const trace_site
     module.range = load_range(name, site);
     if (module.range == nullptr)
         return false;
-    if (load_conf_files(name, module.def, module.cur))
+    if (load_conf_files(name, module.def, module.cur, &module.saves))
         return true;
     const file_path home = module_path(para_profile.home_dir, name, ".conf");
     PARA_TRACE_AT(site, PARA_ERROR, "%s configure_parse fail", home.text);
     return false;
 }
 
-static int save_pattern(const text_module &module)
+static write_result save_pattern(const text_module &module)
 {
     return save_conf_lines(module.name, conf_lines(module.cur), file_lock::exclusive);
 }
@@ -83,7 +84,10 @@ int para_init_misc(const char *name)
         return 0;
     }
     module->files = &files_of(name);
-    if (module->files->load(*module, name, PARA_HERE) || module->files->keeps_failed_record) {
+    const bool loaded = module->files->load(*module, name, PARA_HERE);
+    if (!loaded)
+        note_load_failure(module->saves, name);
+    if (loaded || module->files->keeps_failed_record) {
         dump_conf(*module);
         patterns.next++;
     }
@@ -153,6 +157,15 @@ int para_save_misc(const char *name)
     text_module *const module = find_module(patterns, name);
     if (module == nullptr)
         return -1;
-    clear_change(stamp_of(*module)); // before the values are read: a later change is saved again
-    return module->files->save(*module);
+    if (!may_be_saved(module->saves))
+        return refuse_save(name);
+    const change_stamp stamp = stamp_of(*module);
+    const unsigned changes = counted_changes(stamp);
+    clear_change(stamp); // before the values are read: a later change is saved again
+    return end_save(stamp, changes, module->files->save(*module));
+}
+
+para_module_status pattern_status(const char *row)
+{
+    return status_in(patterns, row);
 }

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "base/number.h"
+#include "base/observer.h"
 #include "camparam/control.h"
 #include "modules/text/pattern_module.h"
 
@@ -37,7 +38,8 @@ int para_get_json_string(const char *module, const char *member, char *buffer, i
 static int store_value(text_module &module, const char *member, const char *text)
 {
     module.cur->conf_set(module.cur, member, text);
-    stamp_change(stamp_of(module));
+    accept_change(stamp_of(module));
+    tell_observer(module.name);
     return 1;
 }
 

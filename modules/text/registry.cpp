@@ -40,7 +40,17 @@ text_module *find_module(const text_registry &registry, const char *name)
 
 change_stamp stamp_of(text_module &module)
 {
-    return {.time = &module.change_time, .changed = &module.changed};
+    return {.time = &module.change_time, .changed = &module.changed, .saves = &module.saves};
+}
+
+para_module_status status_in(const text_registry &registry, const char *name)
+{
+    const text_module *const module = find_module(registry, name);
+    if (module != nullptr)
+        return status_of(module->saves);
+    para_module_status unloaded = {};
+    unloaded.flags = PARA_STATUS_LOAD_FAILED | PARA_STATUS_NOT_SAVED;
+    return unloaded;
 }
 
 int need_save(const text_registry &registry, const char *name)

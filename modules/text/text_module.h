@@ -31,6 +31,7 @@ struct text_module {
     // Any thread.
     timespec change_time;
     int changed;
+    save_state saves;
 };
 
 // --- Records ---
@@ -51,6 +52,9 @@ text_module *find_module(const text_registry &registry, const char *name);
 
 change_stamp stamp_of(text_module &module);
 
+// Of a module that has no record, that it could not be loaded.
+para_module_status status_in(const text_registry &registry, const char *name);
+
 // 1: the module is due; 0: it is not; -1: there is none of that name.
 int need_save(const text_registry &registry, const char *name);
 
@@ -66,15 +70,15 @@ bool read_value(configure *conf, const char *key, char (&value)[value_size]);
 file_path module_path(const char *dir, const char *module, const char *suffix);
 
 // Reads the defaults into both objects, and the saved values over them into the current one. A
-// saved file that cannot be read leaves the defaults. Returns whether there is a defaults file.
-bool load_conf_files(const char *name, configure *def, configure *cur);
+// saved file that cannot be read leaves the defaults. At start-up the saved file is recovered, with
+// the state; else that is null. Returns whether there is a defaults file.
+bool load_conf_files(const char *name, configure *def, configure *cur, save_state *starting);
 
 // The lines of a saved file, for the caller to free(); null when there is no object, or memory ran
 // out.
 text_ptr conf_lines(configure *cur);
 
-// Writes them. Returns what fflush returned; 0 when the file cannot be opened.
-int save_conf_lines(const char *name, const text_ptr &lines, file_lock lock);
+write_result save_conf_lines(const char *name, const text_ptr &lines, file_lock lock);
 
 // Writes an object's entries to a buffer. Returns the bytes used with the final zero; 0, traced,
 // when they do not fit.

@@ -1,0 +1,207 @@
+#include "base/backup.h"
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "base/file.h"
+#include "base/guard.h"
+#include "base/json.h"
+#include "base/lock.h"
+#include "base/trace.h"
+
+file_beside::file_beside(const char *path, const char *suffix)
+{
+    snprintf(text, sizeof text, "%s%s", path, suffix);
+}
+
+// --- Writing ---
+
+// Two saves of one file would share the temporary file.
+static pthread_mutex_t temporary_mutex = PTHREAD_MUTEX_INITIALIZER;
+
+static int error_of(bool done)
+{
+    if (done)
+        return 0;
+    return errno != 0 ? errno : EIO;
+}
+
+static bool write_whole(int descriptor, const char *bytes, size_t length)
+{
+    while (length > 0) {
+        const ssize_t written = write(descriptor, bytes, length);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return false;
+        bytes += written;
+        length -= static_cast<size_t>(written);
+    }
+    return true;
+}
+
+// Returns 0, or the error number.
+static int write_to_disk(const char *path, const char *bytes, size_t length)
+{
+    unlink(path); // what an interrupted save left
+    const int descriptor = open(path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor < 0)
+        return error_of(false);
+    const int written = error_of(write_whole(descriptor, bytes, length) && fsync(descriptor) == 0);
+    const int closed = error_of(close(descriptor) == 0);
+    return written != 0 ? written : closed;
+}
+
+// Makes the renaming of a file in it last.
+static int sync_folder_of(const char *path)
+{
+    char folder[sizeof(file_beside::text)];
+    snprintf(folder, sizeof folder, "%s", path);
+    char *const slash = strrchr(folder, '/');
+    if (slash != nullptr)
+        slash[1] = '\0';
+    const int descriptor =
+        open(slash != nullptr ? folder : ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return error_of(false);
+    const int synced = error_of(fsync(descriptor) == 0);
+    close(descriptor);
+    return synced;
+}
+
+int write_backup(const char *path, const char *bytes, size_t length)
+{
+    if (path[0] == '\0')
+        return ENAMETOOLONG;
+    const file_beside backup(path, ".bak");
+    const file_beside temporary(path, ".bak.tmp");
+    const lock_guard guard(temporary_mutex);
+    errno = 0;
+    const int written = write_to_disk(temporary.text, bytes, length);
+    const int renamed = written != 0 ? written : error_of(rename(temporary.text, backup.text) == 0);
+    if (renamed != 0) {
+        unlink(temporary.text);
+        return renamed;
+    }
+    return sync_folder_of(path);
+}
+
+// --- Recovery ---
+
+// A link to a missing file is a missing file, which the first save makes.
+static bool is_missing(const char *path)
+{
+    struct stat about = {};
+    return stat(path, &about) != 0 && (errno == ENOENT || errno == ENOTDIR);
+}
+
+static bool is_usable(file_form form, const char *text)
+{
+    return text != nullptr && (form == file_form::conf || json_ptr(cJSON_Parse(text)));
+}
+
+// Empty, or the beginning of its backup: what an interrupted write leaves.
+static bool is_torn(const char *text, const char *backup)
+{
+    if (text == nullptr || backup == nullptr)
+        return false;
+    const size_t length = strlen(text);
+    return length < strlen(backup) && memcmp(text, backup, length) == 0;
+}
+
+// A current file, held under its lock so that nobody rewrites it meanwhile.
+class held_file {
+public:
+    explicit held_file(const char *path);
+    ~held_file();
+    held_file(const held_file &) = delete;
+    held_file &operator=(const held_file &) = delete;
+
+    // Null when it cannot be opened for writing.
+    FILE *stream() const { return file; }
+    // Whether another program keeps the lock.
+    bool is_busy() const { return busy; }
+
+private:
+    FILE *file = nullptr;
+    bool busy = false;
+};
+
+held_file::held_file(const char *path)
+{
+    const int descriptor = open(path, O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    file = fdopen(descriptor, "r+");
+    if (file == nullptr)
+        close(descriptor);
+    else
+        busy = lock_file(file) == EWOULDBLOCK;
+}
+
+held_file::~held_file()
+{
+    if (file == nullptr)
+        return;
+    unlock_file(file);
+    fclose(file);
+}
+
+// Returns whether the place is free for a file that can be used.
+static bool keep_bad_file(const char *path, save_state &state)
+{
+    const file_beside bad(path, ".bad");
+    if (rename(path, bad.text) != 0) {
+        PARA_TRACE(PARA_ERROR, "%s cannot be used and stays as it is, errno:%d", path, errno);
+        add_flags(state, PARA_STATUS_NOT_SAVED);
+        return false;
+    }
+    PARA_TRACE(PARA_ERROR, "%s cannot be used and is kept as %s", path, bad.text);
+    add_flags(state, PARA_STATUS_KEPT_BAD);
+    return true;
+}
+
+// Writes into the torn file, or into a new one in the place of a bad one.
+static bool restore(FILE *torn, const char *path, const char *backup, file_form form)
+{
+    // JSON files end with a zero byte.
+    const size_t length = strlen(backup) + (form == file_form::json ? 1 : 0);
+    const int error = torn != nullptr
+                          ? error_of(replace_contents(torn, backup, length) == 0)
+                          : write_in_place(path, backup, length, file_lock::exclusive).error;
+    if (error != 0)
+        PARA_TRACE(PARA_ERROR, "%s cannot be restored, errno:%d", path, error);
+    else
+        PARA_TRACE(PARA_ERROR, "%s is restored from its backup", path);
+    return error == 0;
+}
+
+file_beside recover_file(const char *path, file_form form, save_state &state)
+{
+    const file_beside current(path, "");
+    const file_beside backup(path, ".bak");
+    if (!guard_is_on() || is_missing(path))
+        return current;
+    const held_file held(path);
+    if (held.is_busy())
+        return current;
+
+    const text_ptr text(read_file_to_buf(path));
+    const text_ptr saved(read_file_to_buf(backup.text));
+    const bool torn = is_torn(text.get(), saved.get());
+    if (!torn && is_usable(form, text.get()))
+        return current;
+    const bool replaceable = torn ? held.stream() != nullptr : keep_bad_file(path, state);
+    if (!is_usable(form, saved.get()))
+        return current;
+
+    add_flags(state, PARA_STATUS_RESTORED);
+    FILE *const torn_file = torn ? held.stream() : nullptr;
+    return replaceable && restore(torn_file, path, saved.get(), form) ? current : backup;
+}

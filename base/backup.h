@@ -1,0 +1,25 @@
+// What the guard does about files: a backup beside each current file, and its use at start-up.
+#pragma once
+
+#include <cstddef>
+
+#include "base/save_state.h"
+#include "camparam/platform.h"
+
+// A file beside another one: "<path>.bak".
+struct file_beside {
+    file_beside(const char *path, const char *suffix);
+    char text[PARA_PATH_SIZE + 16];
+};
+
+// Writes "<path>.bak" so that it is on disk, whole, before the call returns; until then the one
+// before stays. Returns 0, or the error number.
+int write_backup(const char *path, const char *bytes, size_t length);
+
+enum class file_form { json, conf };
+
+// The file to load in place of a current file: itself, or its backup. With the guard on, a current
+// file that is torn is restored from its backup, and one that is of no use is renamed to
+// "<path>.bad" first; the state tells what was done. A file that is missing stays missing, and one
+// that was edited is left alone.
+file_beside recover_file(const char *path, file_form form, save_state &state);

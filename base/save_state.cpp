@@ -1,0 +1,103 @@
+#include "base/save_state.h"
+
+#include <pthread.h>
+
+#include <cstdio>
+
+#include "base/guard.h"
+#include "base/lock.h"
+#include "base/time.h"
+#include "base/trace.h"
+#include "camparam/platform.h"
+
+// Guards all members of all states but the counts of changes. Never held while a file is written.
+static pthread_mutex_t states_mutex = PTHREAD_MUTEX_INITIALIZER;
+
+static bool is_kept_from_saving(unsigned flags)
+{
+    return (flags & PARA_STATUS_NOT_SAVED) != 0 ||
+           (guard_is_on() && (flags & PARA_STATUS_LOAD_FAILED) != 0);
+}
+
+para_module_status status_of(const save_state &state)
+{
+    const lock_guard guard(states_mutex);
+    para_module_status status = state.last;
+    status.changes = __atomic_load_n(&state.changes, __ATOMIC_ACQUIRE);
+    if (is_kept_from_saving(status.flags))
+        status.flags |= PARA_STATUS_NOT_SAVED;
+    return status;
+}
+
+void add_flags(save_state &state, unsigned flags)
+{
+    const lock_guard guard(states_mutex);
+    state.last.flags |= flags;
+}
+
+void remove_flags(save_state &state, unsigned flags)
+{
+    const lock_guard guard(states_mutex);
+    state.last.flags &= ~flags;
+}
+
+bool may_be_saved(const save_state &state)
+{
+    const lock_guard guard(states_mutex);
+    return !guard_is_on() || !is_kept_from_saving(state.last.flags);
+}
+
+int note_load_failure(save_state &state, const char *module)
+{
+    add_flags(state, PARA_STATUS_LOAD_FAILED);
+    if (guard_is_on())
+        PARA_TRACE(PARA_ERROR, "%s is not loaded, and will not be saved", module);
+    return -1;
+}
+
+int refuse_save(const char *module)
+{
+    PARA_TRACE(PARA_ERROR, "%s is not saved, as it was not loaded", module);
+    return EOF;
+}
+
+// 2, 4, 8 ... 60 s
+static long long retry_delay_ms(unsigned failures)
+{
+    constexpr long long first = 2000, longest = 60000;
+    const long long delay = failures < 6 ? first << (failures - 1) : longest;
+    return delay < longest ? delay : longest;
+}
+
+bool waits_to_retry(const save_state &state)
+{
+    const lock_guard guard(states_mutex);
+    if (!guard_is_on() || state.failures == 0)
+        return false;
+    const timespec now = monotonic_now();
+    return lib_common_diff_msec_timespec(&state.failed_at, &now) < retry_delay_ms(state.failures);
+}
+
+static long long real_time_ms()
+{
+    timespec now = {};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return now.tv_sec * 1000LL + now.tv_nsec / 1000000;
+}
+
+void note_saved(save_state &state, unsigned changes)
+{
+    const lock_guard guard(states_mutex);
+    state.failures = 0;
+    state.last.saved = changes;
+    state.last.saved_at = real_time_ms();
+    state.last.error = 0;
+}
+
+void note_failure(save_state &state, int error)
+{
+    const lock_guard guard(states_mutex);
+    state.failures++;
+    state.failed_at = monotonic_now();
+    state.last.error = error;
+}

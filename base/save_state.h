@@ -1,0 +1,33 @@
+// What is known of a module's changes and of its saved file.
+#pragma once
+
+#include <ctime>
+
+#include "camparam/guard.h"
+
+// Zero at first. Its functions may be called from any thread.
+struct save_state {
+    unsigned changes;        // accepted since start
+    unsigned failures;       // saves in a row
+    timespec failed_at;      // the last of them, CLOCK_MONOTONIC
+    para_module_status last; // of the last save and of the start; its changes are not used
+};
+
+para_module_status status_of(const save_state &state);
+void add_flags(save_state &state, unsigned flags);
+void remove_flags(save_state &state, unsigned flags);
+
+// False, with the guard on, for what was not loaded: saving would overwrite it.
+bool may_be_saved(const save_state &state);
+
+// With the guard on: whether the last save failed so recently that the next one has to wait.
+bool waits_to_retry(const save_state &state);
+
+// Takes note that a module could not be loaded. Returns -1, as start-up functions do.
+int note_load_failure(save_state &state, const char *module);
+
+// The save of a module that may not be saved. Returns EOF, as save functions do.
+int refuse_save(const char *module);
+
+void note_saved(save_state &state, unsigned changes);
+void note_failure(save_state &state, int error);
