@@ -6,10 +6,16 @@
 
 #include <cstring>
 
+#include "base/port.h"
 #include "base/trace.h"
 
 int para_server_init()
 {
+    if (server_port() == 0) {
+        param_base_register_init();
+        return -1;
+    }
+
     const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     // select() cannot watch a descriptor of FD_SETSIZE or more.
     if (descriptor >= FD_SETSIZE) {
@@ -20,7 +26,7 @@ int para_server_init()
 
     sockaddr_in address = {};
     address.sin_family = AF_INET;
-    address.sin_port = htons(PARA_SERVER_PORT);
+    address.sin_port = htons(static_cast<uint16_t>(server_port()));
     address.sin_addr.s_addr = htonl(INADDR_ANY);
     const int bound =
         bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address);

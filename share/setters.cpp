@@ -4,9 +4,9 @@
 
 #include <cstring>
 
+#include "base/port.h"
 #include "base/word.h"
 #include "camparam/audio.h"
-#include "camparam/command.h"
 #include "camparam/isp.h"
 #include "camparam/share.h"
 #include "camparam/video.h"
@@ -21,7 +21,7 @@ static int share_socket;
 int Send_Initial()
 {
     store_word(store.sin_family, static_cast<sa_family_t>(AF_INET));
-    store_word(store.sin_port, htons(PARA_SERVER_PORT));
+    store_word(store.sin_port, htons(static_cast<uint16_t>(server_port())));
     store_word(store.sin_addr.s_addr, htonl(INADDR_LOOPBACK));
     const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     store_word(share_socket, descriptor);

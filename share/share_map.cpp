@@ -8,11 +8,16 @@
 
 #include <cstdio>
 
+#include "base/port.h"
 #include "base/trace.h"
+#include "camparam/command.h"
 
 share_map_name::share_map_name(int module)
 {
-    snprintf(text, sizeof text, PARA_SHARE_MAP_NAME, module);
+    if (server_port() == PARA_SERVER_PORT)
+        snprintf(text, sizeof text, PARA_SHARE_MAP_NAME, module);
+    else
+        snprintf(text, sizeof text, PARA_SHARE_MAP_NAME_WITH_PORT, module, server_port());
 }
 
 constexpr long long largest_map = 1LL << 30; // a mistaken size must not exhaust the memory

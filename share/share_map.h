@@ -10,7 +10,8 @@ inline bool is_share_module(int module)
     return module >= 0 && module < PARA_SHARE_MODULES;
 }
 
-// The object's name: "/camparam_share_2".
+// The object's name: "/camparam_share_2", with another port than the usual
+// "/camparam_share_2_6801".
 struct share_map_name {
     explicit share_map_name(int module);
     char text[32];

@@ -1,6 +1,6 @@
 /**
  * @file command.h
- * The message server on UDP port 6800, and how a host offers commands of its own.
+ * The message server on a UDP port, and how a host offers commands of its own.
  *
  * Hosts need param_command and register_param_command(). The other functions are the steps by
  * which the thread "Para_Process" serves a datagram; a host that calls them itself does so on that
@@ -16,7 +16,7 @@
 
 PARA_BEGIN_DECLS
 
-/** The UDP port of the server. */
+/** The UDP port of the server, unless platformparam_set_server_port() sets another. */
 #define PARA_SERVER_PORT 6800
 
 /** The longest request in bytes; of a longer datagram the rest is lost. */
@@ -74,7 +74,9 @@ PARA_API int register_param_command(const char *name, const param_command *table
 /** Make the empty command registry, once. Any thread. @return 0 */
 PARA_API int param_base_register_init(void);
 
-/** Open the server's socket, on all IPv4 addresses. @return The socket; -1 when it cannot be bound.
+/**
+ * Open the server's socket, on all IPv4 addresses, and make the command registry.
+ * @return The socket; -1 when it cannot be opened or bound (traced), and for port 0.
  */
 PARA_API int para_server_init(void);
 

@@ -66,7 +66,7 @@ PARA_API extern para_profile_t para_profile;
  * Start the store. Call it once, from one thread, before any other use of the settings.
  *
  * In the server role it reads the web-name file, appends the pattern modules and the host's own to
- * the module table, initialises every module, opens UDP port 6800 and starts the thread
+ * the module table, initialises every module, opens the server's port and starts the thread
  * "Para_Process". A file that is missing, a module that fails and a port that is taken are traced,
  * and start-up goes on. In the client role it does nothing.
  *

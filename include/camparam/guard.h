@@ -72,6 +72,20 @@ PARA_API int platformparam_get_status(const char *module, para_module_status *st
 PARA_API void platformparam_set_change_observer(void (*observer)(const char *module,
                                                                  const struct sockaddr_in *sender));
 
+/**
+ * Set the server's UDP port, so that several stores can run on one machine. Before
+ * platformparam_init(), from the thread that will call that; in a client process before
+ * para_share_register() and Send_Initial(), to the port of its main program.
+ *
+ * With another port than PARA_SERVER_PORT the share maps are named
+ * PARA_SHARE_MAP_NAME_WITH_PORT, and the share setters send to that port.
+ *
+ * @param port  1 to 65535, or 0 for a store without a server: no socket is opened, the thread
+ *              "Para_Process" saves alone. PARA_SERVER_PORT until set.
+ * @return The port before; -1 for a number that is none, and then nothing has changed.
+ */
+PARA_API int platformparam_set_server_port(int port);
+
 PARA_END_DECLS
 
 #endif

@@ -22,6 +22,9 @@ enum { PARA_SHARE_MODULES = 4 };
 /** The name of a share module's shared-memory object, as a format for its number. */
 #define PARA_SHARE_MAP_NAME "/camparam_share_%d"
 
+/** The same for a store on another port than PARA_SERVER_PORT: for its number and the port. */
+#define PARA_SHARE_MAP_NAME_WITH_PORT "/camparam_share_%d_%d"
+
 /** What a share module's memory begins with, 12 bytes; its entries follow. */
 typedef struct {
     uint32_t registered; /**< 1 once the main program has published it */

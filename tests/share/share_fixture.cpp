@@ -72,11 +72,11 @@ bool OwnSharedMemory::object_exists(int module)
     return access(object_path(module).c_str(), F_OK) == 0;
 }
 
-DatagramReceiver::DatagramReceiver() : descriptor(socket(AF_INET, SOCK_DGRAM, 0))
+DatagramReceiver::DatagramReceiver(int port) : descriptor(socket(AF_INET, SOCK_DGRAM, 0))
 {
     sockaddr_in address = {};
     address.sin_family = AF_INET;
-    address.sin_port = htons(PARA_SERVER_PORT);
+    address.sin_port = htons(static_cast<uint16_t>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     const auto *const any = reinterpret_cast<const sockaddr *>(&address);
     EXPECT_EQ(bind(descriptor, any, sizeof address), 0) << strerror(errno);

@@ -34,7 +34,7 @@ protected:
 // The main program's end of the datagrams, in place of the store.
 class DatagramReceiver {
 public:
-    DatagramReceiver();
+    explicit DatagramReceiver(int port = PARA_SERVER_PORT);
     ~DatagramReceiver();
     DatagramReceiver(const DatagramReceiver &) = delete;
     DatagramReceiver &operator=(const DatagramReceiver &) = delete;

@@ -8,14 +8,13 @@
 
 #include <utility>
 
-#include "camparam/command.h"
 #include "support/json_text.h"
 
-Client::Client() : descriptor(socket(AF_INET, SOCK_DGRAM, 0))
+Client::Client(int port) : descriptor(socket(AF_INET, SOCK_DGRAM, 0))
 {
     sockaddr_in server = {};
     server.sin_family = AF_INET;
-    server.sin_port = htons(PARA_SERVER_PORT);
+    server.sin_port = htons(static_cast<uint16_t>(port));
     server.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     const int connected =
         connect(descriptor, reinterpret_cast<const sockaddr *>(&server), sizeof server);

@@ -4,9 +4,11 @@
 #include <optional>
 #include <string>
 
+#include "camparam/command.h"
+
 class Client {
 public:
-    Client();
+    explicit Client(int port = PARA_SERVER_PORT);
     ~Client();
 
     void send(const std::string &datagram);
