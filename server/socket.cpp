@@ -32,6 +32,8 @@ int para_server_init()
         bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address);
     if (bound != 0) {
         PARA_TRACE(PARA_ERROR, "bind error ret = %d", bound);
+        if (descriptor >= 0) // else none could be opened, so that none could be bound
+            close(descriptor);
         return -1;
     }
 

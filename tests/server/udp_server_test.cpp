@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
+#include <set>
 #include <string>
 
 #include "support/store.h"
@@ -25,6 +27,15 @@ int tell_mode(int mode, para_message *, cJSON **reply)
     *reply = cJSON_CreateObject();
     cJSON_AddNumberToObject(*reply, "mode", mode);
     return 0;
+}
+
+// What this process has open.
+std::set<std::string> open_descriptors()
+{
+    std::set<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator("/proc/self/fd"))
+        names.insert(entry.path().filename());
+    return names;
 }
 
 const param_command commands[] = {{"tell", tell_mode, nullptr}};
@@ -219,7 +230,27 @@ TEST_F(Server, CannotOpenATakenPort)
     EXPECT_EQ(traces().front().level, 3);
 }
 
+TEST_F(Server, KeepsNoSocketThatItCouldNotBind)
+{
+    const std::set<std::string> before = open_descriptors();
+    EXPECT_EQ(para_server_init(), -1);
+    EXPECT_EQ(open_descriptors(), before);
+}
+
 class ServerSocket : public Store {};
+
+TEST_F(ServerSocket, IsNotOpenedWithoutADescriptorForIt)
+{
+    const int unused = dup(0);
+    close(unused);
+    rlimit limit = {};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const rlimit none = {static_cast<rlim_t>(unused), limit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_EQ(para_server_init(), -1);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    EXPECT_THAT(traces_of("para_server_init"), ElementsAre("bind error ret = -1\n"));
+}
 
 TEST_F(ServerSocket, IsClosedInProgramsThatTheHostStarts)
 {
