@@ -4,6 +4,8 @@
 #include <sys/prctl.h>
 #include <sys/select.h>
 
+#include <cerrno>
+
 #include "base/trace.h"
 #include "base/word.h"
 #include "camparam/audio.h"
@@ -25,21 +27,31 @@ static int server = -1;
 
 // --- Para_Process ---
 
-// A failed or empty receive is ignored.
-static void serve_datagram(para_message &message, socklen_t &sender_size)
+// An empty receive is ignored, and a failed one too. Returns false for a failure that the next
+// receive would meet again.
+static bool serve_datagram(para_message &message, socklen_t &sender_size)
 {
     message.socket = server; // a command's handler may have changed it
     const ssize_t length = receive_datagram(server, message, sender_size);
+    if (length < 0)
+        return errno == EAGAIN || errno == EINTR;
+
     if (length > 0 && !take_share_datagram(message.text, length))
         para_server_message_Process(&message);
+    return true;
 }
 
-// Waits for a datagram, 100 ms at the most. Returns what select returned.
-static int wait_for_datagram(const fd_set &watched, fd_set &readable)
+// Waits for a datagram, for the rest of the turn at the most. Returns what select returned.
+static int wait_for_datagram(const fd_set &watched, fd_set &readable, timeval &rest)
 {
     readable = watched;
-    timeval turn = {.tv_sec = 0, .tv_usec = 100000};
-    return select((server < 0 ? 0 : server) + 1, &readable, nullptr, nullptr, &turn);
+    return select((server < 0 ? 0 : server) + 1, &readable, nullptr, nullptr, &rest);
+}
+
+// Linux has left in it what remains of the turn. An interruption just ends it early.
+static void sleep_out(timeval &rest)
+{
+    select(0, nullptr, nullptr, nullptr, &rest);
 }
 
 void *platformparam_Process(void *)
@@ -57,10 +69,11 @@ void *platformparam_Process(void *)
 
     while (true) {
         fd_set readable;
-        if (wait_for_datagram(watched, readable) < 0)
+        timeval rest = {.tv_sec = 0, .tv_usec = 100000};
+        if (wait_for_datagram(watched, readable, rest) < 0)
             break; // also when interrupted (ThreadCalls.AFailedWaitEndsTheThreadWithoutAPass)
-        if (server >= 0 && FD_ISSET(server, &readable))
-            serve_datagram(message, sender_size);
+        if (server >= 0 && FD_ISSET(server, &readable) && !serve_datagram(message, sender_size))
+            sleep_out(rest); // the socket stays readable, and the loop would not rest
         if (load_word(stop_requested) != 0)
             break; // platformparam_stop() saves
         save_param(save_mode::due);

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <mutex>
 #include <string>
@@ -25,6 +26,7 @@ using testing::IsEmpty;
 namespace {
 
 std::atomic<bool> waits_fail{false};
+std::atomic<int> receive_error{0}; // errno of each receive; 0: they are made
 std::atomic<pid_t> stopping_thread{0};
 std::atomic<int> waits{0}, passes{0};
 
@@ -107,6 +109,10 @@ PARA_API ssize_t recvfrom(int socket, void *bytes, size_t size, int flags, socka
         seen().receive_sizes.push_back(size);
     }
     note('r');
+    if (receive_error != 0) {
+        errno = receive_error;
+        return -1;
+    }
     return next<decltype(recvfrom)>("recvfrom")(socket, bytes, size, flags, sender, sender_size);
 }
 
@@ -125,6 +131,12 @@ PARA_API ssize_t sendto(int socket, const void *bytes, size_t size, int flags,
 class ThreadCalls : public Store {
 protected:
     ThreadCalls() { row_named("msg_type").need_save = count_pass; }
+
+    static size_t receives()
+    {
+        const std::lock_guard<std::mutex> guard(seen().lock);
+        return seen().receive_flags.size();
+    }
 };
 
 TEST_F(ThreadCalls, EveryWaitLastsAHundredMillisecondsAtMost)
@@ -195,6 +207,51 @@ TEST_F(ThreadCalls, AFailedWaitEndsTheThreadWithoutAPass)
     EXPECT_EQ(seen().order.back(), 'w') << "neither served nor passed";
     EXPECT_EQ(count_traces("platformparam_stop ok", "platformparam_stop"), 1);
     EXPECT_EQ(count_traces("af save...", "save_param"), 1) << "a forced pass still works";
+}
+
+TEST_F(ThreadCalls, ATurnWhoseReceiveFailsLastsItsTime)
+{
+    receive_error = ENETDOWN;
+    start_store();
+    Client client;
+    const auto start = std::chrono::steady_clock::now();
+    client.send("{\"msg_type\":\"get\",\"msg_id\":1}"); // stays readable
+    ASSERT_TRUE(wait_until([] { return receives() >= 5; }));
+    const auto passed = std::chrono::steady_clock::now() - start;
+    EXPECT_GE(passed, std::chrono::milliseconds(3 * 99)) << "the first turn may have begun before";
+
+    receive_error = 0;
+    EXPECT_EQ(client.receive().value_or("none"), "{\n\t\"msg_id\":\t1\n}") << "served later";
+    stop_store();
+    EXPECT_NE(seen().order.find("wrwpwrwp"), std::string::npos)
+        << "each turn ends with a pass: " << seen().order;
+}
+
+TEST_F(ThreadCalls, AStopIsSeenWhileReceivesFail)
+{
+    receive_error = EIO;
+    start_store();
+    Client client;
+    client.send("{\"msg_type\":\"get\"}");
+    ASSERT_TRUE(wait_until([] { return receives() >= 2; }));
+    stop_store();
+    EXPECT_EQ(count_traces("platformparam_stop ok", "platformparam_stop"), 1);
+}
+
+TEST_F(ThreadCalls, AReceiveThatMayBeTriedAgainEndsItsTurnAtOnce)
+{
+    start_store();
+    Client client;
+    for (const int error : {EAGAIN, EWOULDBLOCK, EINTR}) {
+        receive_error = error;
+        const size_t before = receives();
+        client.send("{\"msg_type\":\"get\",\"msg_id\":1}");
+        ASSERT_TRUE(wait_until([before] { return receives() >= before + 20; }));
+        receive_error = 0;
+        EXPECT_NE(client.receive().value_or("none"), "none") << error;
+    }
+    stop_store();
+    EXPECT_EQ(seen().order.find("rw"), std::string::npos) << seen().order;
 }
 
 TEST_F(ThreadCalls, AThreadThatCannotBeStartedIsNotStopped)
