@@ -12,6 +12,7 @@
 #include "camparam/control.h"
 #include "camparam/video.h"
 #include "runtime/save_pass.h"
+#include "server/request_filter.h"
 #include "server/socket.h"
 #include "share/datagram.h"
 
@@ -27,6 +28,12 @@ static int server = -1;
 
 // --- Para_Process ---
 
+static void process_datagram(para_message &message, ssize_t length)
+{
+    if (length > 0 && !take_share_datagram(message.text, length))
+        para_server_message_Process(&message);
+}
+
 // An empty receive is ignored, and a failed one too. Returns false for a failure that the next
 // receive would meet again.
 static bool serve_datagram(para_message &message, socklen_t &sender_size)
@@ -36,8 +43,8 @@ static bool serve_datagram(para_message &message, socklen_t &sender_size)
     if (length < 0)
         return errno == EAGAIN || errno == EINTR;
 
-    if (length > 0 && !take_share_datagram(message.text, length))
-        para_server_message_Process(&message);
+    if (is_admitted(message.sender, message.text, length))
+        process_datagram(message, length);
     return true;
 }
 

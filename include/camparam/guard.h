@@ -5,6 +5,8 @@
 #ifndef CAMPARAM_GUARD_H
 #define CAMPARAM_GUARD_H
 
+#include <netinet/in.h>
+
 #include "camparam/api.h"
 
 PARA_BEGIN_DECLS
@@ -85,6 +87,24 @@ PARA_API void platformparam_set_change_observer(void (*observer)(const char *mod
  * @return The port before; -1 for a number that is none, and then nothing has changed.
  */
 PARA_API int platformparam_set_server_port(int port);
+
+/**
+ * Set the function that is asked about each received datagram before anything else is done with it;
+ * NULL: none, all are served, as in the beginning. Any thread, at any time; a datagram that is
+ * being received may still be asked about at the old one. It works with the guard off, too.
+ *
+ * The function runs on the thread "Para_Process" and holds up every request and every save while it
+ * does. It is asked about requests, share datagrams, empty datagrams and rubbish alike.
+ *
+ * @param admit  Returns 0 to have the datagram dropped without a trace. Its arguments are borrowed
+ *               for the call:
+ *               sender    where the datagram says that it comes from.
+ *               datagram  its bytes, any bytes; a zero that is none of them follows.
+ *               length    0 to PARA_MESSAGE_MAX; the bytes beyond that of a longer datagram are
+ * lost.
+ */
+PARA_API void register_request_filter(int (*admit)(const struct sockaddr_in *sender,
+                                                   const char *datagram, int length));
 
 PARA_END_DECLS
 
