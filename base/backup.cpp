@@ -109,7 +109,7 @@ static bool is_usable(file_form form, const char *text)
 // Empty, or the beginning of its backup: what an interrupted write leaves.
 static bool is_torn(const char *text, const char *backup)
 {
-    if (text == nullptr || backup == nullptr)
+    if (text == nullptr)
         return false;
     const size_t length = strlen(text);
     return length < strlen(backup) && memcmp(text, backup, length) == 0;
@@ -194,11 +194,12 @@ file_beside recover_file(const char *path, file_form form, save_state &state)
 
     const text_ptr text(read_file_to_buf(path));
     const text_ptr saved(read_file_to_buf(backup.text));
-    const bool torn = is_torn(text.get(), saved.get());
+    const bool saved_usable = is_usable(form, saved.get());
+    const bool torn = saved_usable && is_torn(text.get(), saved.get());
     if (!torn && is_usable(form, text.get()))
         return current;
     const bool replaceable = torn ? held.stream() != nullptr : keep_bad_file(path, state);
-    if (!is_usable(form, saved.get()))
+    if (!saved_usable)
         return current;
 
     add_flags(state, PARA_STATUS_RESTORED);

@@ -181,6 +181,8 @@ int para_save_conf(const char *name)
         const loaded_conf module(name);
         if (!module)
             return -1;
+        if (!may_be_saved(module->saves))
+            return refuse_save(name);
         values = values_to_save(*module);
     }
     return save_values(name, values);
