@@ -2,16 +2,14 @@
 
 #include <fcntl.h>
 #include <pthread.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
-#include "base/file.h"
 #include "base/guard.h"
-#include "base/json.h"
 #include "base/lock.h"
 #include "base/trace.h"
 
@@ -94,13 +92,6 @@ int write_backup(const char *path, const char *bytes, size_t length)
 
 // --- Recovery ---
 
-// A link to a missing file is a missing file, which the first save makes.
-static bool is_missing(const char *path)
-{
-    struct stat about = {};
-    return stat(path, &about) != 0 && (errno == ENOENT || errno == ENOTDIR);
-}
-
 static bool is_usable(file_form form, const char *text)
 {
     return text != nullptr && (form == file_form::conf || json_ptr(cJSON_Parse(text)));
@@ -182,27 +173,35 @@ static bool restore(FILE *torn, const char *path, const char *backup, file_form 
     return error == 0;
 }
 
-file_beside recover_file(const char *path, file_form form, save_state &state)
+recovered_file recover_file(const char *path, file_form form, save_state &state)
 {
-    const file_beside current(path, "");
-    const file_beside backup(path, ".bak");
+    recovered_file current = {.path = file_beside(path, ""), .text = nullptr};
     if (!guard_is_on() || is_missing(path))
         return current;
     const held_file held(path);
+    current.text.reset(read_file_to_buf(path));
     if (held.is_busy())
         return current;
 
-    const text_ptr text(read_file_to_buf(path));
-    const text_ptr saved(read_file_to_buf(backup.text));
-    const bool saved_usable = is_usable(form, saved.get());
-    const bool torn = saved_usable && is_torn(text.get(), saved.get());
-    if (!torn && is_usable(form, text.get()))
+    recovered_file backup = {.path = file_beside(path, ".bak"), .text = nullptr};
+    backup.text.reset(read_file_to_buf(backup.path.text));
+    const bool restorable = is_usable(form, backup.text.get());
+    const bool torn = restorable && is_torn(current.text.get(), backup.text.get());
+    if (!torn && is_usable(form, current.text.get()))
         return current;
     const bool replaceable = torn ? held.stream() != nullptr : keep_bad_file(path, state);
-    if (!saved_usable)
-        return current;
+    if (!restorable)
+        return {.path = current.path, .text = nullptr};
 
     add_flags(state, PARA_STATUS_RESTORED);
     FILE *const torn_file = torn ? held.stream() : nullptr;
-    return replaceable && restore(torn_file, path, saved.get(), form) ? current : backup;
+    if (replaceable && restore(torn_file, path, backup.text.get(), form))
+        backup.path = current.path;
+    return backup;
+}
+
+json_file read_current_json(const char *path, save_state &state)
+{
+    recovered_file recovered = recover_file(path, file_form::json, state);
+    return guard_is_on() ? parse_json_text(std::move(recovered.text)) : read_json_file(path);
 }

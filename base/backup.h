@@ -3,6 +3,8 @@
 
 #include <cstddef>
 
+#include "base/file.h"
+#include "base/json.h"
 #include "base/save_state.h"
 #include "camparam/platform.h"
 
@@ -18,8 +20,16 @@ int write_backup(const char *path, const char *bytes, size_t length);
 
 enum class file_form { json, conf };
 
-// The file to load in place of a current file: itself, or its backup. With the guard on, a current
-// file that is torn is restored from its backup, and one that is of no use is renamed to
-// "<path>.bad" first; the state tells what was done. A file that is missing stays missing, and one
-// that was edited is left alone.
-file_beside recover_file(const char *path, file_form form, save_state &state);
+// What to load as a current file.
+struct recovered_file {
+    file_beside path; // the file itself, or its backup
+    text_ptr text;    // what it holds; null for none, and with the guard off
+};
+
+// With the guard on, a current file that is torn is restored from its backup, and one that is of no
+// use is renamed to "<path>.bad" first; the state tells what was done. A file that is missing stays
+// missing, and one that was edited is left alone.
+recovered_file recover_file(const char *path, file_form form, save_state &state);
+
+// Reads a current file that has to be JSON, recovered. It is read once: what was judged is loaded.
+json_file read_current_json(const char *path, save_state &state);

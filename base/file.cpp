@@ -22,9 +22,8 @@ file_path::file_path(const char *dir, const char *name)
     cat_file_name(text, dir, name);
 }
 
-json_file read_json_file(const char *path)
+json_file parse_json_text(text_ptr text)
 {
-    text_ptr text(read_file_to_buf(path));
     if (!text)
         return {.readable = false, .root = nullptr, .error = "", .text = nullptr};
 
@@ -32,6 +31,18 @@ json_file read_json_file(const char *path)
     const char *end = nullptr;
     json_ptr root(cJSON_ParseWithOpts(text.get(), &end, 0));
     return {.readable = true, .root = std::move(root), .error = end, .text = std::move(text)};
+}
+
+json_file read_json_file(const char *path)
+{
+    return parse_json_text(text_ptr(read_file_to_buf(path)));
+}
+
+bool is_missing(const char *path)
+{
+    if (access(path, F_OK) == 0)
+        return false;
+    return !guard_is_on() || errno == ENOENT || errno == ENOTDIR;
 }
 
 // --- Locks ---

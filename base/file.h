@@ -22,11 +22,16 @@ struct json_file {
 };
 
 json_file read_json_file(const char *path);
+json_file parse_json_text(text_ptr text); // null: of a file that is not readable
 
 enum class file_lock {
     none,
     exclusive, // flock(LOCK_EX): the file keeps its contents until the lock is held
 };
+
+// Whether there is no file. With the guard on, one that cannot be looked at is there. A link to a
+// missing file is missing, and is followed by the first save.
+bool is_missing(const char *path);
 
 // What came of writing a file.
 struct write_result {

@@ -1,5 +1,4 @@
 // Reading the files of a module with fixed members.
-#include <unistd.h>
 
 #include <utility>
 
@@ -147,11 +146,10 @@ static json_ptr load_defaults_file(const fixed_module &module, const trace_site 
 
 json_ptr load_current_file(const fixed_module &module, const trace_site &site)
 {
-    const file_beside path =
-        recover_file(current_file(module).text, file_form::json, *module.stamp.saves);
-    if (access(path.text, F_OK) != 0)
+    const file_path path = current_file(module);
+    if (is_missing(path.text))
         return nullptr;
-    json_file file = read_json_file(path.text);
+    json_file file = read_current_json(path.text, *module.stamp.saves);
     if (!file.readable && module.rules.traces_unreadable)
         PARA_TRACE_AT(site, PARA_INFO, "Error read cur buf\n");
     return parsed(std::move(file), site);

@@ -63,7 +63,7 @@ static void move_legacy_file()
     if (para_profile.data_dir == nullptr)
         return;
     const file_path legacy(para_profile.data_dir, "isp_odm.json");
-    if (access(legacy.text, F_OK) != 0)
+    if (is_missing(legacy.text))
         return;
     make_persist_dir_if_missing();
     rename(legacy.text, store_path().text);
@@ -75,7 +75,7 @@ int para_init_odm(const char *)
         store_word(odm_persist_dir_missing, 1);
     move_legacy_file();
 
-    json_file file = read_json_file(recover_file(store_path().text, file_form::json, saves).text);
+    json_file file = read_current_json(store_path().text, saves);
     if (!file.readable)
         return 0;
     if (!file.root) {

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "base/backup.h"
+#include "base/guard.h"
 #include "base/text_buffer.h"
 #include "camparam/control.h"
 #include "modules/text/text_module.h"
@@ -21,6 +22,16 @@ bool read_value(configure *conf, const char *key, char (&value)[value_size])
     return conf != nullptr && key != nullptr && conf->conf_get(conf, key, value, value_size) == 0;
 }
 
+// The platform reads the file anew, and may fail where recovering did not.
+static void load_saved(const char *path, configure *cur, save_state &state)
+{
+    const recovered_file saved = recover_file(path, file_form::conf, state);
+    const bool loaded = configure_parse(cur, 0, saved.path.text) == 0 || !saved.text ||
+                        configure_parse(cur, 0, saved.path.text) == 0;
+    if (!loaded)
+        note_load_failure(state, path);
+}
+
 bool load_conf_files(const char *name, configure *def, configure *cur, save_state *starting)
 {
     if (def == nullptr || cur == nullptr)
@@ -28,12 +39,13 @@ bool load_conf_files(const char *name, configure *def, configure *cur, save_stat
     const file_path home = module_path(para_profile.home_dir, name, ".conf");
     if (configure_parse(def, 0, home.text) != 0)
         return false;
-    configure_parse(cur, 0, home.text);
+    if (configure_parse(cur, 0, home.text) != 0 && guard_is_on())
+        return false;
     const file_path saved = module_path(para_profile.data_dir, name, ".conf");
     if (starting == nullptr)
         configure_parse(cur, 0, saved.text);
     else
-        configure_parse(cur, 0, recover_file(saved.text, file_form::conf, *starting).text);
+        load_saved(saved.text, cur, *starting);
     return true;
 }
 

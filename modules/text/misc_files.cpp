@@ -17,9 +17,9 @@ static bool is_current_set()
 
 // --- Loading ---
 
-int fix_old_misc_def_cur_conf(const char *path, configure *conf)
+// Traces in the name of the interface's function.
+static int fix_old_misc_def_cur_conf(const json_file &file, configure *conf)
 {
-    const json_file file = read_json_file(path);
     if (file.readable && !file.root)
         PARA_TRACE(PARA_ERROR, "Error before: [%s]", file.error);
     if (!file.root || conf == nullptr)
@@ -35,6 +35,11 @@ int fix_old_misc_def_cur_conf(const char *path, configure *conf)
         conf->conf_set(conf, member->string, text);
     }
     return 0;
+}
+
+int fix_old_misc_def_cur_conf(const char *path, configure *conf)
+{
+    return fix_old_misc_def_cur_conf(read_json_file(path), conf);
 }
 
 int para_init_misc_legacy_test()
@@ -69,11 +74,12 @@ static cJSON *load_range(const trace_site &site)
 static bool load_legacy_set(configure *def, configure *cur, save_state &starting)
 {
     const file_path defaults(para_profile.home_dir, "misc_def.json");
-    if (fix_old_misc_def_cur_conf(defaults.text, def) != 0)
+    const int into_def = fix_old_misc_def_cur_conf(defaults.text, def);
+    const int into_cur = fix_old_misc_def_cur_conf(defaults.text, cur);
+    if (into_def != 0 || into_cur != 0)
         note_load_failure(starting, "misc");
-    fix_old_misc_def_cur_conf(defaults.text, cur);
     const file_path saved(para_profile.data_dir, "misc_cur.json");
-    fix_old_misc_def_cur_conf(recover_file(saved.text, file_form::json, starting).text, cur);
+    fix_old_misc_def_cur_conf(read_current_json(saved.text, starting), cur);
     return true;
 }
 
