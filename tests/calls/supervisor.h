@@ -1,0 +1,32 @@
+// A child process whose system calls on files are decided one by one: carried out, failed, or the
+// last thing that it does.
+#pragma once
+
+#include <functional>
+
+struct ruling {
+    enum { pass, fail, kill } kind = pass;
+    int error = 0; // of a call that fails
+};
+
+struct outcome {
+    bool killed; // by a ruling
+    int status;  // exit status; -1 when it ended in any other way
+    long calls;  // how many were counted
+};
+
+// Runs a function in a child of its own and exits with its result. Between the marks that the
+// function makes, each system call on files is counted, from 1, and ruled on.
+outcome run_supervised(const std::function<int()> &child,
+                       const std::function<ruling(long call, int number)> &rule);
+
+// The marks, for the child.
+void begin_counting();
+void end_counting();
+
+// The errors that a call of that number may have: at least one.
+struct possible_errors {
+    int number;    // __NR_...
+    int errors[4]; // up to the first 0
+};
+const possible_errors &errors_of(int number);
