@@ -4,8 +4,11 @@
 #include <sys/prctl.h>
 #include <sys/select.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
 
+#include "base/guard.h"
 #include "base/trace.h"
 #include "base/word.h"
 #include "camparam/audio.h"
@@ -28,10 +31,23 @@ static int server = -1;
 
 // --- Para_Process ---
 
+// Whether bytes other than zeros stand behind the text of a datagram.
+static bool holds_more_than_text(const char *bytes, ssize_t length)
+{
+    const char *const end = bytes + length;
+    return std::any_of(bytes + strlen(bytes), end, [](char byte) { return byte != '\0'; });
+}
+
+// One datagram to its end: a share datagram, or a request.
 static void process_datagram(para_message &message, ssize_t length)
 {
-    if (length > 0 && !take_share_datagram(message.text, length))
-        para_server_message_Process(&message);
+    if (take_share_datagram(message.text, length))
+        return;
+    if (guard_is_on() && holds_more_than_text(message.text, length)) {
+        PARA_TRACE(PARA_ERROR, "cJSON_Parse err,Rec buffer: %s", message.text);
+        return;
+    }
+    para_server_message_Process(&message);
 }
 
 // An empty receive is ignored, and a failed one too. Returns false for a failure that the next
@@ -39,12 +55,14 @@ static void process_datagram(para_message &message, ssize_t length)
 static bool serve_datagram(para_message &message, socklen_t &sender_size)
 {
     message.socket = server; // a command's handler may have changed it
-    const ssize_t length = receive_datagram(server, message, sender_size);
-    if (length < 0)
+    const reception received = receive_datagram(server, message, sender_size);
+    if (received.length < 0)
         return errno == EAGAIN || errno == EINTR;
 
-    if (is_admitted(message.sender, message.text, length))
-        process_datagram(message, length);
+    if (!is_admitted(message.sender, message.text, received.length))
+        return true;
+    if (received.length > 0 && !received.to_many)
+        process_datagram(message, received.length);
     return true;
 }
 

@@ -1,6 +1,7 @@
 // Classifies requests by "msg_type".
 #include <cstring>
 
+#include "base/guard.h"
 #include "base/json.h"
 #include "base/observer.h"
 #include "base/text.h"
@@ -8,10 +9,16 @@
 #include "camparam/command.h"
 #include "camparam/json_util.h"
 
+// With the guard on nothing but white space may stand behind the document.
+static json_ptr parse_request(const char *text)
+{
+    return json_ptr(cJSON_ParseWithOpts(text, nullptr, guard_is_on()));
+}
+
 int para_server_message_Process(para_message *message)
 {
     const request_scope scope(&message->sender);
-    json_ptr request(cJSON_Parse(message->text));
+    json_ptr request = parse_request(message->text);
     if (!request) {
         PARA_TRACE(PARA_ERROR, "cJSON_Parse err,Rec buffer: %s", message->text);
         return 0;

@@ -4,10 +4,19 @@
 #include <sys/select.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstring>
 
+#include "base/guard.h"
 #include "base/port.h"
 #include "base/trace.h"
+
+// Has each datagram received with the address that it was sent to.
+static bool tell_destinations(int descriptor)
+{
+    const int on = 1;
+    return setsockopt(descriptor, IPPROTO_IP, IP_PKTINFO, &on, sizeof on) == 0;
+}
 
 int para_server_init()
 {
@@ -23,6 +32,9 @@ int para_server_init()
         close(descriptor);
         return -1;
     }
+
+    if (descriptor >= 0 && guard_is_on() && !tell_destinations(descriptor))
+        PARA_TRACE(PARA_ERROR, "cannot tell broadcasts, errno %d", errno);
 
     sockaddr_in address = {};
     address.sin_family = AF_INET;
@@ -42,13 +54,49 @@ int para_server_init()
     return descriptor;
 }
 
-ssize_t receive_datagram(int socket, para_message &message, socklen_t &sender_size)
+// Where the system does not tell the address, false.
+static bool was_sent_to_many(msghdr &header)
 {
-    const ssize_t length = recvfrom(socket, message.text, PARA_MESSAGE_MAX, MSG_DONTWAIT,
-                                    reinterpret_cast<sockaddr *>(&message.sender), &sender_size);
-    if (length >= 0)
-        message.text[length] = '\0';
-    return length;
+    const cmsghdr *const option = CMSG_FIRSTHDR(&header);
+    if (option == nullptr || option->cmsg_level != IPPROTO_IP || option->cmsg_type != IP_PKTINFO)
+        return false;
+    in_pktinfo addresses = {};
+    memcpy(&addresses, CMSG_DATA(option), sizeof addresses);
+    // The second is always an address of the machine's own.
+    return addresses.ipi_addr.s_addr != addresses.ipi_spec_dst.s_addr;
+}
+
+// Receives as recvfrom() does, and sees where the datagram was sent to.
+static reception receive_with_destination(int socket, para_message &message, socklen_t &sender_size)
+{
+    iovec text = {message.text, PARA_MESSAGE_MAX};
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(in_pktinfo))] = {};
+    msghdr header = {};
+    header.msg_name = &message.sender;
+    header.msg_namelen = sender_size;
+    header.msg_iov = &text;
+    header.msg_iovlen = 1;
+    header.msg_control = control;
+    header.msg_controllen = sizeof control;
+    const ssize_t length = recvmsg(socket, &header, MSG_DONTWAIT);
+    return {length, length >= 0 && was_sent_to_many(header)};
+}
+
+static reception receive(int socket, para_message &message, socklen_t &sender_size)
+{
+    if (guard_is_on())
+        return receive_with_destination(socket, message, sender_size);
+    return {recvfrom(socket, message.text, PARA_MESSAGE_MAX, MSG_DONTWAIT,
+                     reinterpret_cast<sockaddr *>(&message.sender), &sender_size),
+            false};
+}
+
+reception receive_datagram(int socket, para_message &message, socklen_t &sender_size)
+{
+    const reception received = receive(socket, message, sender_size);
+    if (received.length >= 0)
+        message.text[received.length] = '\0';
+    return received;
 }
 
 int SendBuf2Client(int socket, struct sockaddr_in client, const char *text, int length)

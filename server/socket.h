@@ -7,8 +7,13 @@
 #include "base/json.h"
 #include "camparam/command.h"
 
-// Receives one datagram without waiting, and ends its text. Returns its length, or -1.
-ssize_t receive_datagram(int socket, para_message &message, socklen_t &sender_size);
+struct reception {
+    ssize_t length; // -1: nothing was received, errno tells why
+    bool to_many;   // sent to a broadcast or multicast address; only the guard looks
+};
+
+// Receives one datagram without waiting, and ends its text.
+reception receive_datagram(int socket, para_message &message, socklen_t &sender_size);
 
 void reply_text(const para_message &message, const char *text);
 

@@ -11,8 +11,6 @@
 
 PARA_BEGIN_DECLS
 
-struct sockaddr_in; /* netinet/in.h */
-
 /**
  * Switch the guard on or off. Before platformparam_init(), from the thread that will call that.
  *
@@ -26,6 +24,10 @@ struct sockaddr_in; /* netinet/in.h */
  * - A save that fails is traced with file and errno, and tried again after 2, 4, 8 ... 60 s.
  * - Another program's lock on a file is waited for 2 s at most.
  * - "sync" runs only after a pass that wrote a file.
+ *
+ * And for what the server receives: datagrams that were sent to a broadcast or multicast address
+ * are dropped, and a request is one JSON document, behind which only white space may stand, and
+ * behind a zero only zeros.
  *
  * @param on  Nonzero: on. It is off until set.
  * @return What it was before, 1 or 0.

@@ -16,6 +16,7 @@
 #include <thread>
 #include <vector>
 
+#include "camparam/guard.h"
 #include "runtime/module_row.h"
 #include "support/store.h"
 
@@ -27,6 +28,7 @@ namespace {
 
 std::atomic<bool> waits_fail{false};
 std::atomic<int> receive_error{0}; // errno of each receive; 0: they are made
+std::atomic<bool> options_fail{false};
 std::atomic<pid_t> stopping_thread{0};
 std::atomic<int> waits{0}, passes{0};
 
@@ -116,6 +118,26 @@ PARA_API ssize_t recvfrom(int socket, void *bytes, size_t size, int flags, socka
     return next<decltype(recvfrom)>("recvfrom")(socket, bytes, size, flags, sender, sender_size);
 }
 
+PARA_API ssize_t recvmsg(int socket, msghdr *message, int flags)
+{
+    {
+        const std::lock_guard<std::mutex> guard(seen().lock);
+        seen().receive_flags.push_back(flags);
+        seen().receive_sizes.push_back(message->msg_iov->iov_len);
+    }
+    note('r');
+    return next<decltype(recvmsg)>("recvmsg")(socket, message, flags);
+}
+
+PARA_API int setsockopt(int socket, int level, int name, const void *value, socklen_t size)
+{
+    if (options_fail) {
+        errno = ENOPROTOOPT;
+        return -1;
+    }
+    return next<decltype(setsockopt)>("setsockopt")(socket, level, name, value, size);
+}
+
 PARA_API ssize_t sendto(int socket, const void *bytes, size_t size, int flags,
                         const sockaddr *receiver, socklen_t receiver_size)
 {
@@ -158,6 +180,30 @@ TEST_F(ThreadCalls, NothingBlocks)
     EXPECT_THAT(seen().receive_flags, ElementsAre(MSG_DONTWAIT));
     EXPECT_THAT(seen().receive_sizes, ElementsAre(size_t{PARA_MESSAGE_MAX}));
     EXPECT_THAT(seen().send_flags, ElementsAre(MSG_DONTWAIT));
+}
+
+TEST_F(ThreadCalls, NothingBlocksWithTheGuardOn)
+{
+    platformparam_set_guard(1);
+    start_store();
+    Client client;
+    client.ask("{'msg_type':'get'}");
+    stop_store();
+    EXPECT_THAT(seen().receive_flags, ElementsAre(MSG_DONTWAIT));
+    EXPECT_THAT(seen().receive_sizes, ElementsAre(size_t{PARA_MESSAGE_MAX}));
+    EXPECT_THAT(seen().send_flags, ElementsAre(MSG_DONTWAIT));
+}
+
+TEST_F(ThreadCalls, TheGuardServesASocketThatTellsNoDestinations)
+{
+    platformparam_set_guard(1);
+    options_fail = true;
+    start_store();
+    EXPECT_THAT(levels_of("cannot tell broadcasts, errno " + std::to_string(ENOPROTOOPT),
+                          "para_server_init"),
+                ElementsAre(3));
+    Client client;
+    EXPECT_EQ(client.ask("{'msg_type':'get','msg_id':1}"), "{'msg_id':1}");
 }
 
 TEST_F(ThreadCalls, ATurnServesOneDatagramAndRunsOnePass)
