@@ -13,68 +13,69 @@ void *g_shareMap;
 int g_shareMapLen;
 
 // The latest mapping of each share module. Mappings are never removed: hosts keep addresses of
-// entries.
-struct mapped_object {
-    const para_share_map *map;
+// entries. The header is the one that was checked; that in the object may change at any time.
+struct attachment {
+    const char *map; // null: none
+    para_share_map header;
     ino_t object;
 };
-static mapped_object mapped[PARA_SHARE_MODULES];
+static attachment attached[PARA_SHARE_MODULES];
 
-// The map of the last registration; null when it was refused.
-static const para_share_map *maps[PARA_SHARE_MODULES];
+// Whether the last registration was taken.
+static bool registered[PARA_SHARE_MODULES];
 
 static int share_socket_opened;
 
-static bool holds_its_entries(const para_share_map &map, off_t size)
+// Not through a mapping: an object that is cut short meanwhile gives no header, instead of a fault.
+static bool read_header(int descriptor, para_share_map &header)
 {
-    const auto entries = static_cast<unsigned long long>(map.entry_count) * map.entry_size;
-    return map.entry_count >= 0 && static_cast<unsigned long long>(size) >= sizeof map + entries;
+    return pread(descriptor, &header, sizeof header, 0) == sizeof header && header.registered == 1;
 }
 
-static const para_share_map *map_object(int descriptor, off_t size)
+static bool holds_its_entries(const para_share_map &header, off_t object_size)
 {
-    if (size < static_cast<off_t>(sizeof(para_share_map)))
-        return nullptr;
-    void *const map =
-        mmap(nullptr, static_cast<size_t>(size), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
-    if (map == MAP_FAILED)
-        return nullptr;
-    if (!holds_its_entries(*static_cast<const para_share_map *>(map), size)) {
-        munmap(map, static_cast<size_t>(size));
-        return nullptr;
-    }
-    return static_cast<const para_share_map *>(map);
+    return header.entry_count >= 0 && share_map_size(header) <= largest_share_map &&
+           share_map_size(header) <= object_size;
+}
+
+// For reading alone; null when the system refuses.
+static const char *map_entries(int descriptor, const para_share_map &header)
+{
+    void *const map = mmap(nullptr, static_cast<size_t>(share_map_size(header)), PROT_READ,
+                           MAP_SHARED, descriptor, 0);
+    return map != MAP_FAILED ? static_cast<const char *>(map) : nullptr;
+}
+
+// An object that is attached already keeps its mapping and its header, but must still hold the
+// entries that the header tells of.
+static bool attach_object(int descriptor, attachment &last)
+{
+    struct stat object = {};
+    para_share_map header = {};
+    if (fstat(descriptor, &object) != 0 || !read_header(descriptor, header))
+        return false;
+    if (last.map != nullptr && last.object == object.st_ino)
+        return holds_its_entries(last.header, object.st_size);
+    if (!holds_its_entries(header, object.st_size))
+        return false;
+
+    const char *const map = map_entries(descriptor, header);
+    if (map != nullptr)
+        last = {.map = map, .header = header, .object = object.st_ino};
+    return map != nullptr;
 }
 
 // Maps the object that is published now. Returns null when there is none.
-static const para_share_map *attach(int module)
+static const char *attach(int module)
 {
-    const int descriptor = shm_open(share_map_name(module).text, O_RDWR, 0);
+    // Without waiting: another user may have put a FIFO in its place.
+    const int descriptor = shm_open(share_map_name(module).text, O_RDONLY | O_NONBLOCK, 0);
     if (descriptor < 0)
         return nullptr;
 
-    mapped_object &last = mapped[module];
-    struct stat object = {};
-    const bool known =
-        fstat(descriptor, &object) == 0 && last.map != nullptr && last.object == object.st_ino;
-    if (!known)
-        last = {.map = map_object(descriptor, object.st_size), .object = object.st_ino};
+    const bool published = attach_object(descriptor, attached[module]);
     close(descriptor);
-    return last.map;
-}
-
-static bool is_registered(const para_share_map *map)
-{
-    return map != nullptr && __atomic_load_n(&map->registered, __ATOMIC_ACQUIRE) == 1;
-}
-
-// Records the map, or null for one that is not registered. Returns whether it is.
-static bool record_map(int module, const para_share_map *map)
-{
-    const bool registered = is_registered(map);
-    if (is_share_module(module))
-        maps[module] = registered ? map : nullptr;
-    return registered;
+    return published ? attached[module].map : nullptr;
 }
 
 int para_share_register(int module)
@@ -83,9 +84,11 @@ int para_share_register(int module)
         PARA_TRACE(PARA_INFO, "ERROR: This mod is not exist!");
         return -1;
     }
-    const para_share_map *const map = is_share_module(module) ? attach(module) : nullptr;
+    const char *const map = is_share_module(module) ? attach(module) : nullptr;
     PARA_TRACE(PARA_INFO, "video ptr = %p", static_cast<const void *>(map));
-    if (!record_map(module, map)) {
+    if (is_share_module(module))
+        registered[module] = map != nullptr;
+    if (map == nullptr) {
         PARA_TRACE(PARA_INFO, "ERROR: main program don't register this share module");
         return -1;
     }
@@ -102,15 +105,15 @@ void *para_get_share_map(int module, int entry)
         PARA_TRACE(PARA_INFO, "ERROR: This mod is not exist!");
         return nullptr;
     }
-    const para_share_map *const map = module >= 0 ? maps[module] : nullptr;
-    if (map == nullptr) {
+    if (module < 0 || !registered[module]) {
         PARA_TRACE(PARA_INFO, "ERROR: main program don't register this share module");
         return nullptr;
     }
-    if (entry < 1 || entry > map->entry_count)
+    const attachment &found = attached[module];
+    if (entry < 1 || entry > found.header.entry_count)
         PARA_TRACE(PARA_INFO,
                    "ERROR: This share map is not exist!"); // callers check entry numbers themselves
-    const long long offset = (entry - 1LL) * map->entry_size;
-    const auto *const entries = reinterpret_cast<const char *>(map + 1);
+    const long long offset = (entry - 1LL) * found.header.entry_size;
+    const char *const entries = found.map + sizeof(para_share_map);
     return const_cast<char *>(entries + static_cast<ptrdiff_t>(offset));
 }

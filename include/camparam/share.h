@@ -25,9 +25,12 @@ enum { PARA_SHARE_MODULES = 4 };
 /** The same for a store on another port than PARA_SERVER_PORT: for its number and the port. */
 #define PARA_SHARE_MAP_NAME_WITH_PORT "/camparam_share_%d_%d"
 
-/** What a share module's memory begins with, 12 bytes; its entries follow. */
+/**
+ * What a share module's memory begins with, 12 bytes; its entries follow. The library reads it when
+ * it attaches the memory, and keeps the sizes that it has checked then.
+ */
 typedef struct {
-    uint32_t registered; /**< 1 once the main program has published it */
+    uint32_t registered; /**< 1 while the main program publishes it */
     int32_t entry_count;
     uint32_t entry_size; /**< bytes */
 } para_share_map;
@@ -50,10 +53,11 @@ typedef struct {
  */
 
 /**
- * Register for a share module: attach the memory that the main program has published for it, and
- * open the socket of the setters at the first success. One thread at a time. Memory that an earlier
- * registration attached stays mapped, also when this one is refused.
- * @return 0; -1 (traced) when the module is not 0 to 3, or not published: it then has no entries.
+ * Register for a share module: attach the memory that the main program has published for it, for
+ * reading, and open the socket of the setters at the first success. One thread at a time. Memory
+ * that an earlier registration attached stays mapped, also when this one is refused.
+ * @return 0; -1 (traced) when the module is not 0 to 3, not published, or its object is smaller
+ * than its header says, or larger than 1 GiB: it then has no entries.
  */
 PARA_API int para_share_register(int module);
 
@@ -61,8 +65,10 @@ PARA_API int para_share_register(int module);
  * An entry of a share module's memory. Any thread, once the module is registered and while it is
  * not registered again.
  * @param entry  From 1. One beyond the entries is traced, and its address returned all the same.
- * @return The entry's address, which stays valid as long as the process; NULL (traced) when the
- *         module is not 0 to 3, or not registered.
+ * @return The entry's address, which stays valid as long as the process, for reading: a store ends
+ *         the process with SIGSEGV. Whoever may write the object may also cut it short, and to read
+ *         what is missing then ends the process with SIGBUS. NULL (traced) when the module is not 0
+ *         to 3, or not registered.
  */
 PARA_API void *para_get_share_map(int module, int entry);
 
@@ -91,14 +97,19 @@ PARA_API extern int g_shareMapLen;
  */
 
 /**
- * Publish a share module: a shared-memory object "/camparam_share_<module>" that holds the words 1
+ * Publish a share module: a shared-memory object of the name above that holds the words 1
  * (registered), @p entry_count and @p entry_size, and then the entries, all zero until the main
- * program fills them. Every user of the device may read and write it. An object of that
- * name is replaced; clients already attached keep the old mapping. The object outlives the process:
- * a host that withdraws it calls shm_unlink(). One thread at a time.
+ * program fills them. Its mode is 0644 less the umask: other users read it. An object of that name
+ * is replaced; clients already attached keep the old mapping. The object outlives the process: a
+ * host that withdraws it calls shm_unlink(). One thread at a time.
+ *
+ * The library never touches the memory itself. A process of the same user, or of root, can cut the
+ * object short; a host that stores into the part that is missing then gets SIGBUS, and may handle
+ * that by mapping other memory there.
  *
  * @return The object's address, which stays valid as long as the process; NULL (traced) when the
- *         module is not 0 to 3, a size is negative or too large, or the system refuses.
+ *         module is not 0 to 3, a size is negative or their sum larger than 1 GiB, or the system
+ *         refuses.
  */
 PARA_API void *para_share_publish(int module, int entry_count, int entry_size);
 

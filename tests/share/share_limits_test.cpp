@@ -122,12 +122,3 @@ TEST_F(ShareLimits, AnObjectThatDoesNotHoldItsEntriesIsNotKeptInMemory)
     EXPECT_EQ(para_share_register(0), 0);
     EXPECT_EQ(mappings(), 1) << "attached once";
 }
-
-TEST_F(ShareLimits, ClientsOfOtherUsersMayWriteWhateverTheUmask)
-{
-    umask(0077);
-    ASSERT_NE(para_share_publish(0, 1, 8), nullptr);
-    struct stat object = {};
-    ASSERT_EQ(stat(object_path(0).c_str(), &object), 0);
-    EXPECT_EQ(object.st_mode & 0777, 0666U);
-}
