@@ -11,7 +11,8 @@ enum share_module : int { SHARE_VIDEO, SHARE_AUDIO, SHARE_ISP };
 // Publishes the maps with the current values. Returns false when one cannot be published.
 bool publish_share_maps();
 
-// Copies the current values into the published maps.
+// Copies the current values into the published maps. One that another process has cut short is
+// published anew, and does not end the host.
 void refresh_share_maps();
 
 // Unlinks the maps. Clients already attached keep the last values.

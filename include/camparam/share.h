@@ -108,7 +108,7 @@ PARA_API extern int g_shareMapLen;
  * that by mapping other memory there.
  *
  * @return The object's address, which stays valid as long as the process; NULL (traced) when the
- *         module is not 0 to 3, a size is negative or their sum larger than 1 GiB, or the system
+ *         module is not 0 to 3, a size is negative, the object larger than 1 GiB, or the system
  *         refuses.
  */
 PARA_API void *para_share_publish(int module, int entry_count, int entry_size);

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstring>
 
 #include "camparam/camparam.h"
@@ -32,6 +33,12 @@ protected:
         const int descriptor = shm_open(name_of(module).c_str(), O_RDONLY, 0);
         close(descriptor);
         return descriptor >= 0;
+    }
+
+    static off_t size_of(int module)
+    {
+        struct stat object = {};
+        return stat(("/dev/shm" + name_of(module)).c_str(), &object) == 0 ? object.st_size : -1;
     }
 
     // An entry of a share module, attached as a client process of the device does.
@@ -147,6 +154,58 @@ TEST_F(Sharing, TheHostServesWithoutMapsThatCannotBePublished)
     EXPECT_EQ(end_host(SIGTERM), 0);
     EXPECT_FALSE(is_published(SHARE_VIDEO));
     EXPECT_EQ(rmdir(obstacle.c_str()), 0);
+}
+
+TEST_F(Sharing, AMapThatIsCutShortIsPublishedAnew)
+{
+    start_host();
+    const off_t sizes[] = {12 + 6 * 44, 12 + 60, 12 + 2 * 156};
+    for (int turn = 0; turn < 3; turn++) {
+        for (int module = 0; module < 3; module++)
+            ASSERT_EQ(truncate(("/dev/shm" + name_of(module)).c_str(), 0), 0) << module;
+        for (int module = 0; module < 3; module++)
+            EXPECT_TRUE(wait_until([&] { return size_of(module) == sizes[module]; })) << module;
+        EXPECT_FALSE(host->has_ended()) << host->errors();
+        EXPECT_TRUE(wait_until([] { return entry(SHARE_VIDEO, 2)[PARA_VIDEO_bitRate] == 2048; }));
+        EXPECT_EQ(entry(SHARE_AUDIO, 1)[PARA_AUDIO_streamRate], 128000);
+    }
+    EXPECT_TRUE(host_has_logged("the shared memory 1 was cut short")) << host->errors();
+
+    const volatile int *const bit_rate = &entry(SHARE_VIDEO, 2)[PARA_VIDEO_bitRate];
+    EXPECT_EQ(Client().ask("{'msg_type':'set','msg_id':1,'video1':{'bitRate':4096}}"),
+              "{'msg_id':1}");
+    EXPECT_TRUE(wait_until([&] { return *bit_rate == 4096; }));
+    EXPECT_EQ(end_host(SIGTERM), 0);
+    EXPECT_FALSE(is_published(SHARE_VIDEO));
+}
+
+TEST_F(Sharing, AMapThatCannotBePublishedAnewIsGone)
+{
+    start_host();
+    const std::string path = "/dev/shm" + name_of(SHARE_AUDIO);
+    // A folder takes the name, which cannot be replaced; the object is cut short without it.
+    const int object = open(path.c_str(), O_RDWR);
+    ASSERT_GE(object, 0);
+    ASSERT_EQ(unlink(path.c_str()), 0);
+    ASSERT_EQ(mkdir(path.c_str(), 0700), 0);
+    ASSERT_EQ(ftruncate(object, 0), 0);
+    close(object);
+
+    EXPECT_TRUE(wait_until([&] {
+        return host_has_logged("cannot publish the shared memory 1 anew");
+    })) << host->errors();
+    EXPECT_EQ(Client().ask("{'msg_type':'get','video1':['bitRate']}"),
+              "{'video1':{'bitRate':2048}}");
+    EXPECT_EQ(entry(SHARE_VIDEO, 2)[PARA_VIDEO_bitRate], 2048);
+    EXPECT_EQ(rmdir(path.c_str()), 0);
+    EXPECT_EQ(end_host(SIGTERM), 0);
+}
+
+TEST_F(Sharing, AnotherBusErrorEndsTheHostAsEver)
+{
+    start_host();
+    host->send_signal(SIGBUS);
+    EXPECT_EQ(host->wait_for_end(), -1) << "killed by the signal";
 }
 
 TEST_F(Sharing, MapsGoAwayAtTheEnd)
