@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "base/guard.h"
+#include "base/observer.h"
 #include "base/trace.h"
 #include "base/word.h"
 #include "camparam/audio.h"
@@ -41,6 +42,7 @@ static bool holds_more_than_text(const char *bytes, ssize_t length)
 // One datagram to its end: a share datagram, or a request.
 static void process_datagram(para_message &message, ssize_t length)
 {
+    const request_scope scope(&message.sender); // a share datagram's changes are its sender's, too
     if (take_share_datagram(message.text, length))
         return;
     if (guard_is_on() && holds_more_than_text(message.text, length)) {

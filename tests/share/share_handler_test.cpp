@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "camparam/guard.h"
 #include "camparam/share.h"
 #include "share/share_fixture.h"
 
@@ -42,6 +43,24 @@ int take_differently(const para_share_datagram *datagram)
     return 0;
 }
 
+int set_volume(const para_share_datagram *datagram)
+{
+    return para_set_audio_volLeftIn_cur(datagram->number);
+}
+
+// Who made each change.
+struct {
+    std::mutex lock;
+    std::vector<std::string> senders;
+} changes;
+
+void note_sender(const char *, const sockaddr_in *sender)
+{
+    const std::lock_guard<std::mutex> guard(changes.lock);
+    const bool client = sender != nullptr && sender->sin_addr.s_addr == htonl(INADDR_LOOPBACK);
+    changes.senders.emplace_back(client ? "client" : "host");
+}
+
 const char not_json[] = "cJSON_Parse err,Rec buffer: ";
 const char by_dispatcher[] = "para_server_message_Process";
 
@@ -72,6 +91,12 @@ protected:
     {
         const std::lock_guard<std::mutex> guard(taken.lock);
         return taken.datagrams;
+    }
+
+    static std::vector<std::string> senders()
+    {
+        const std::lock_guard<std::mutex> guard(changes.lock);
+        return changes.senders;
     }
 
     Client client;
@@ -207,4 +232,19 @@ TEST_F(ShareHandler, IsReplacedAndTakenAway)
     send(datagram);
     EXPECT_THAT(datagrams(), ElementsAre(datagram, "other isp"));
     EXPECT_EQ(count_traces(not_json, by_dispatcher), 1);
+}
+
+TEST_F(ShareHandler, ItsChangesAreTheSenders)
+{
+    para_audio_min[PARA_AUDIO_volLeftIn] = 0;
+    para_audio_max[PARA_AUDIO_volLeftIn] = 100;
+    para_audio_exist[PARA_AUDIO_volLeftIn] = PARA_PRESENT;
+    platformparam_set_change_observer(note_sender);
+    register_share_datagram_handler(set_volume);
+    send(number_datagram("audio", "volLeftIn", 0, 30));
+    EXPECT_EQ(para_get_audio_volLeftIn_cur(), 30);
+    EXPECT_THAT(senders(), ElementsAre("client"));
+    para_set_audio_volLeftIn_cur(31);
+    EXPECT_THAT(senders(), ElementsAre("client", "host"));
+    platformparam_set_change_observer(nullptr);
 }
