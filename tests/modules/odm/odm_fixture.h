@@ -66,7 +66,7 @@ protected:
         EXPECT_TRUE(result == 0 || value == 77) << key << " was touched";
         return result == 0 ? std::to_string(value) : "error " + std::to_string(result);
     }
-    std::string text(const char *key)
+    static std::string text(const char *key)
     {
         char value[PARA_ODM_TEXT_MAX] = "untouched";
         const int result = para_get_odm_string(key, value);

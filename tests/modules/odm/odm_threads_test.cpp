@@ -3,12 +3,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <atomic>
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "modules/odm/odm_fixture.h"
+#include "support/thread_state.h"
 
 using testing::AnyOf;
 
@@ -52,6 +56,59 @@ TEST_F(OdmThreads, ReadersMeetTheFirstValueOrNone)
     for (std::thread &reader : readers)
         reader.join();
     EXPECT_EQ(saved_document(), "{'version':1,'mine':5,'text':'x'}");
+}
+
+TEST_F(OdmThreads, ADocumentIsReadWholeWhileAnotherIsLoaded)
+{
+    const std::string long_text(PARA_ODM_TEXT_MAX - 1, 'l');
+    init("{'version':1,'text':'" + long_text + "'}");
+    std::thread reader([&] {
+        begin();
+        for (int i = 0; i < 20000; i++)
+            ASSERT_EQ(text("text"), long_text);
+    });
+    while (begun.load(std::memory_order_relaxed) < 1)
+        std::this_thread::yield();
+    for (int i = 0; i < 100; i++)
+        EXPECT_EQ(init(), 0);
+    reader.join();
+}
+
+// Called once, when the JSON library next frees memory.
+static std::atomic<void (*)()> next_free{nullptr};
+
+static void watched_free(void *memory)
+{
+    if (void (*const call)() = next_free.exchange(nullptr))
+        call();
+    free(memory);
+}
+
+TEST_F(OdmThreads, AReaderWaitsForALoad)
+{
+    static std::thread reader;
+    static std::atomic<pid_t> reading{0};
+    static std::atomic<bool> ended{false};
+    static std::string read;
+    // No numbers: some versions of the JSON library free memory while they parse one.
+    init("{'text':'old'}");
+    write_store("{'text':'new'}");
+    cJSON_Hooks hooks = {malloc, watched_free};
+    cJSON_InitHooks(&hooks);
+    next_free = [] { // the first of the old document's items is about to go
+        reader = std::thread([] {
+            reading = gettid();
+            read = text("text");
+            ended = true;
+        });
+        wait_until([] { return ended || (reading != 0 && stays_asleep(reading)); });
+        EXPECT_FALSE(ended) << "reads a document that is being freed";
+    };
+    EXPECT_EQ(init(), 0);
+    ASSERT_TRUE(reader.joinable());
+    reader.join();
+    cJSON_InitHooks(nullptr);
+    EXPECT_EQ(read, "new");
 }
 
 TEST_F(OdmThreads, ATextIsReadWholeWhileItIsSet)
