@@ -1,4 +1,5 @@
 // Rewriting single lines of ".conf" files.
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -6,6 +7,7 @@
 
 #include <atomic>
 #include <climits>
+#include <cstdio>
 #include <string>
 #include <thread>
 #include <vector>
@@ -15,6 +17,36 @@
 #include "support/store.h"
 
 using testing::ElementsAre;
+
+namespace {
+
+std::atomic<int> lines_before_failure{INT_MAX};
+
+ssize_t read_line(char **line, size_t *size, int delimiter, FILE *file)
+{
+    if (lines_before_failure-- <= 0)
+        return -1; // for want of memory: neither the end of the file nor an error of it
+    using reader = ssize_t(char **, size_t *, int, FILE *);
+    auto *const read = reinterpret_cast<reader *>(dlsym(RTLD_NEXT, "getdelim"));
+    return read(line, size, delimiter, file);
+}
+
+} // namespace
+
+extern "C" {
+
+PARA_API ssize_t getline(char **line, size_t *size, FILE *file)
+{
+    return read_line(line, size, '\n', file);
+}
+
+// What an optimised call of getline() is in the C library's header.
+PARA_API ssize_t __getdelim(char **line, size_t *size, int delimiter, FILE *file)
+{
+    return read_line(line, size, delimiter, file);
+}
+
+} // extern "C"
 
 class ConfLine : public Store {
 protected:
@@ -136,6 +168,20 @@ TEST_F(ConfLine, AShorterFileLeavesNoRest)
 {
     EXPECT_EQ(rewritten("port=" + std::string(5000, '1') + "\na=1\n", "port", "port=9"),
               "port=9\na=1\n");
+}
+
+TEST_F(ConfLine, AFileThatIsNotReadToItsEndStaysAsItIs)
+{
+    const std::string before = "port=80\nname=front\nlast=1\n";
+    write_file(path, before);
+    for (const int lines : {0, 1, 2}) {
+        lines_before_failure = lines;
+        EXPECT_EQ(update_conf(path.c_str(), "port", "port=8080"), -1);
+        EXPECT_EQ(contents(), before) << lines;
+    }
+    lines_before_failure = INT_MAX;
+    EXPECT_EQ(update_conf(path.c_str(), "port", "port=8080"), 0);
+    EXPECT_EQ(contents(), "port=8080\nname=front\nlast=1\n");
 }
 
 TEST_F(ConfLine, AMissingFileIsNotCreated)
