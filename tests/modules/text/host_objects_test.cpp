@@ -231,6 +231,16 @@ TEST_F(HostObjects, APatternModuleThatTakesAFailedOnesRecordFreesWhatItHad)
     EXPECT_EQ(para_get_json_cur("fourth", "member"), -1);
 }
 
+TEST_F(HostObjects, AChangeWhileTheyAreSavedStaysMarked)
+{
+    init();
+    para_conf_set_member("netport", "port", "8080");
+    next_use = [] { para_conf_set_member("netport", "rtsp", "555"); };
+    saved();
+    EXPECT_EQ(value("rtsp"), "555");
+    EXPECT_TRUE(change_pending());
+}
+
 // The store's own callbacks: loop_2_conf and loop_2_buf are the platform's.
 TEST_F(HostObjects, ALoopIsToldToGoOnByEveryCallback)
 {
