@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -263,4 +264,15 @@ TEST_F(JsonSlots, APathThatDoesNotFitIsNoFile)
     write_home(shorter + ".conf", panel_defaults);
     para_init_misc(shorter.c_str());
     EXPECT_EQ(para_get_json_cur(shorter.substr(0, 63).c_str(), "brightness"), 50);
+}
+
+TEST_F(JsonSlots, ANameThatDoesNotFitIsNoFileInTheWorkingDirectoryEither)
+{
+    const std::string name(128 - strlen("_range.json"), 'n');
+    write_home(name + "_range.jso", panel_range); // the name cut by one character
+    ASSERT_EQ(chdir(home.c_str()), 0);
+    para_profile.home_dir = nullptr;
+    para_init_misc("json");
+    para_init_misc(name.c_str());
+    EXPECT_EQ(peek_json_enum_type(name.substr(0, 63).c_str(), "brightness"), 0);
 }
