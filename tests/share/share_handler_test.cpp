@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <climits>
 #include <cstring>
 #include <mutex>
@@ -219,6 +220,21 @@ TEST_F(ShareHandler, AnAcceptedDatagramIsNotTraced)
     send(number_datagram("isp", "hue", 1, 5));
     for (const trace_line &line : traces())
         EXPECT_NE(line.level, 3) << line.text;
+}
+
+// By the store's thread, which runs already; the thread sanitizer tells of a missing order.
+TEST_F(ShareHandler, SeesWhatTheHostWroteBeforeItRegisteredIt)
+{
+    static int prepared;
+    static std::atomic<int> seen{0};
+    set_trace_level(0);
+    prepared = 5;
+    register_share_datagram_handler([](const para_share_datagram *) {
+        seen = prepared;
+        return 0;
+    });
+    send(number_datagram("isp", "hue", 1, 5));
+    EXPECT_EQ(seen, 5);
 }
 
 TEST_F(ShareHandler, IsReplacedAndTakenAway)
