@@ -5,9 +5,6 @@
 # all of them are.
 set -eu
 if [ "${1-}" != inside ]; then
-    # Skipped where it is forbidden, as in most containers.
-    unshare --map-root-user --net --mount --pid --fork -- \
-        sh -c 'mount -t proc proc /proc && mount -t tmpfs tmpfs /dev/shm' 2>/dev/null || exit 77
     exec unshare --map-root-user --net --mount --pid --fork --kill-child -- sh "$0" inside "$@"
 fi
 host=$2
@@ -39,7 +36,7 @@ has_own_network()
     [ "$(readlink "/proc/$1/ns/net")" != "$(readlink /proc/self/ns/net)" ]
 }
 
-unshare --net sleep 300 &
+unshare --net tail -f /dev/null &
 neighbour=$!
 wait_for has_own_network "$neighbour"
 there()

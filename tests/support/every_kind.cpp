@@ -9,7 +9,9 @@ namespace {
 
 int get_conf()
 {
-    return atoi(para_conf_get_member("netport", "port"));
+    char text[16] = "";
+    para_conf_get_member_safe("netport", "port", text, sizeof text);
+    return atoi(text);
 }
 
 int get_odm()
