@@ -21,3 +21,35 @@ struct text_delete {
     void operator()(char *text) const { free(text); }
 };
 using text_ptr = std::unique_ptr<char, text_delete>;
+
+// --- Building trees ---
+
+// These add an item and return whether it was added: false when memory ran out, also earlier, so
+// that there is no item or nothing to add it to. An item that is not taken is freed. A tree to
+// which something could not be added is incomplete, and its builder drops it.
+
+inline bool add_to_object(cJSON *object, const char *key, json_ptr item)
+{
+    if (cJSON_AddItemToObject(object, key, item.get()) == 0)
+        return false;
+    (void)item.release(); // the object's now
+    return true;
+}
+
+inline bool add_to_array(cJSON *array, json_ptr item)
+{
+    if (cJSON_AddItemToArray(array, item.get()) == 0)
+        return false;
+    (void)item.release();
+    return true;
+}
+
+inline bool add_text(cJSON *object, const char *key, const char *text)
+{
+    return cJSON_AddStringToObject(object, key, text) != nullptr;
+}
+
+inline bool add_number(cJSON *object, const char *key, double number)
+{
+    return cJSON_AddNumberToObject(object, key, number) != nullptr;
+}

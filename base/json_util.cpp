@@ -100,14 +100,15 @@ int json_object_load_u8_array(const cJSON *object, const char *key, unsigned cha
 int json_object_load_string(const cJSON *object, const char *key, char **slot,
                             const char *default_text)
 {
-    if (*slot == nullptr)
-        *slot = lib_strdup(default_text);
-
     const cJSON *const member = cJSON_GetObjectItem(object, key);
-    if (member == nullptr)
+    const char *const loaded = member != nullptr ? member->valuestring : default_text;
+    if (member == nullptr && *slot != nullptr)
         return 0;
 
+    char *const copy = lib_strdup(loaded);
+    if (copy == nullptr && loaded != nullptr)
+        return -1;
     free(*slot);
-    *slot = lib_strdup(member->valuestring);
+    *slot = copy;
     return 0;
 }

@@ -53,7 +53,7 @@ PARA_API int json_object_load_u8_array(const cJSON *object, const char *key, uns
  * text is freed and replaced by a copy of the member's text (NULL for a member that is no text).
  *
  * @param[in,out] slot  Heap text or NULL. The text left there is the caller's, freed with free().
- * @return 0
+ * @return 0; -1 when memory runs out, and the slot is as before
  */
 PARA_API int json_object_load_string(const cJSON *object, const char *key, char **slot,
                                      const char *default_text);
