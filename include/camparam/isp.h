@@ -94,7 +94,8 @@ PARA_API int para_get_isp_cur_member(const char *name, int instance, int *value,
 PARA_API int para_get_isp_def_member(const char *name, int instance, int *value, const char **text);
 
 /**
- * The present members of an instance as an object, which the caller deletes.
+ * The present members of an instance as an object, which the caller deletes; NULL when memory runs
+ * out.
  * @param use_defaults  Nonzero: their defaults; 0: their current values.
  */
 PARA_API cJSON *isp_param_to_json(int instance, int use_defaults);

@@ -1,6 +1,7 @@
 // Answering queries about a module with fixed members.
 #include <cstring>
 
+#include "base/memory.h"
 #include "base/query.h"
 #include "base/text.h"
 #include "modules/fixed/fixed_module.h"
@@ -41,45 +42,45 @@ int get_member(const fixed_module &module, const int *values, int instance, cons
 }
 
 // A value without a name is written as a number, so that it survives a restart.
-static void add_member(const fixed_member &member, int value, cJSON *object)
+static bool add_member(const fixed_member &member, int value, cJSON *object)
 {
     const char *const text = is_named(member) ? name_of_number(*member.names, value) : nullptr;
-    if (text != nullptr)
-        cJSON_AddStringToObject(object, member.key, text);
-    else
-        cJSON_AddNumberToObject(object, member.key, value);
+    return text != nullptr ? add_text(object, member.key, text)
+                           : add_number(object, member.key, value);
 }
 
 cJSON *answer_all(const fixed_module &module, const int *values, int instance)
 {
-    cJSON *const object = cJSON_CreateObject();
+    json_ptr object(cJSON_CreateObject());
+    bool complete = object != nullptr;
     const int first = first_slot(module, instance);
     const fixed_member *const members = module.members.first;
     for (const file_slot &row : module.file_order) {
-        if (load_word(module.values.exist[first + row.if_present]) != 0)
-            add_member(members[row.slot - members[0].slot], load_word(values[first + row.slot]),
-                       object);
+        if (load_word(module.values.exist[first + row.if_present]) == 0)
+            continue;
+        const fixed_member &member = members[row.slot - members[0].slot];
+        const int value = load_word(values[first + row.slot]);
+        complete = complete && add_member(member, value, object.get());
     }
-    return object;
+    return complete ? object.release() : nullptr;
 }
 
-// Adds a member in the form in which it is exchanged. A module without named values has one form.
-static void add_listed(const fixed_module &module, int presence, const char *name, int value,
+// Adds a member in the form in which it is exchanged. A module without named values has one form,
+// and a value without a name is left out.
+static bool add_listed(const fixed_module &module, int presence, const char *name, int value,
                        const char *text, cJSON *object)
 {
-    if (!module.rules.named_values) {
-        if (presence != 0)
-            cJSON_AddNumberToObject(object, name, value);
-    } else if ((presence & PARA_PRESENT_AS_NAME) != 0) {
-        cJSON_AddStringToObject(object, name, text);
-    } else if ((presence & PARA_PRESENT_AS_NUMBER) != 0) {
-        cJSON_AddNumberToObject(object, name, value);
-    }
+    if (!module.rules.named_values)
+        return presence == 0 || add_number(object, name, value);
+    if ((presence & PARA_PRESENT_AS_NAME) != 0)
+        return text == nullptr || add_text(object, name, text);
+    return (presence & PARA_PRESENT_AS_NUMBER) == 0 || add_number(object, name, value);
 }
 
 cJSON *answer_listed(const fixed_module &module, const int *values, int instance, const cJSON *item)
 {
-    cJSON *const object = cJSON_CreateObject();
+    json_ptr object(cJSON_CreateObject());
+    bool complete = object != nullptr;
     const cJSON *element = nullptr;
     cJSON_ArrayForEach(element, item)
     {
@@ -89,19 +90,18 @@ cJSON *answer_listed(const fixed_module &module, const int *values, int instance
         int value = 0;
         const char *text = nullptr;
         const int presence = get_member(module, values, instance, name, &value, &text);
-        add_listed(module, presence, name, value, text, object);
+        complete = complete && add_listed(module, presence, name, value, text, object.get());
     }
-    return object;
+    return complete ? object.release() : nullptr;
 }
 
 int answer_query(const fixed_module &module, const int *values, int instance, const cJSON *item,
                  cJSON **answer, const trace_site &site)
 {
-    if (asks_for_all(item)) {
-        *answer = answer_all(module, values, instance);
-        return 0;
-    }
-    *answer = answer_listed(module, values, instance, item);
-    PARA_TRACE_AT(site, PARA_INFO, "leave");
-    return 0;
+    const bool all = asks_for_all(item);
+    *answer =
+        all ? answer_all(module, values, instance) : answer_listed(module, values, instance, item);
+    if (!all)
+        PARA_TRACE_AT(site, PARA_INFO, "leave");
+    return *answer != nullptr ? 0 : no_memory;
 }

@@ -209,13 +209,13 @@ int get_member(const fixed_module &module, const int *values, int instance, cons
                int *value, const char **text);
 
 // The answers to a query, new objects: every present member, or those among the item's names, with
-// their values in one of the tables.
+// their values in one of the tables. Null when memory ran out: never half an answer.
 cJSON *answer_all(const fixed_module &module, const int *values, int instance);
 cJSON *answer_listed(const fixed_module &module, const int *values, int instance,
                      const cJSON *item);
 
 // A query's work: answers with all members or with the listed ones. The latter is traced as
-// "leave". Returns 0.
+// "leave". Returns 0, or no_memory.
 int answer_query(const fixed_module &module, const int *values, int instance, const cJSON *item,
                  cJSON **answer, const trace_site &site);
 

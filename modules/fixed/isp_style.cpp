@@ -62,8 +62,15 @@ static int allocate_styles(int count)
     const auto places = static_cast<size_t>(count);
     style_list = static_cast<style_object *>(calloc(places, sizeof(style_object)));
     isp_para_in_style = static_cast<isp_record *>(calloc(places, sizeof *isp_para_in_style));
-    isp_style_num = style_list != nullptr && isp_para_in_style != nullptr ? count : 0;
-    return isp_style_num;
+    if (style_list == nullptr || isp_para_in_style == nullptr) {
+        free(style_list);
+        free(isp_para_in_style);
+        style_list = nullptr;
+        isp_para_in_style = nullptr;
+        return 0;
+    }
+    isp_style_num = count;
+    return count;
 }
 
 int para_init_isp_style()

@@ -1,6 +1,7 @@
 // The encoded streams: every member exists once for each.
 #include "camparam/video.h"
 
+#include "base/memory.h"
 #include "base/query.h"
 #include "base/text.h"
 #include "camparam/platform.h"
@@ -225,13 +226,15 @@ static int stream_of_key(const cJSON *item, int limit)
 int para_get_video_opt(const char *, const cJSON *item, cJSON **answer, const char *)
 {
     PARA_TRACE(PARA_DUMP, "inter");
+    int result = 0;
     const int stream = stream_of_key(item, g_num_stream);
     if (stream >= 0) {
         *answer = asks_for_all(item) ? Create_Json_Video_Object(stream)
                                      : answer_listed(video, para_video_cur, stream, item);
+        result = *answer != nullptr ? 0 : no_memory;
     }
     PARA_TRACE(PARA_DUMP, "leave");
-    return 0;
+    return result;
 }
 
 // Calls no hook (VideoSetRequest.NeverCallsTheRequestHook).
