@@ -12,6 +12,7 @@
 
 #include "base/backup.h"
 #include "base/guard.h"
+#include "base/memory.h"
 #include "base/trace.h"
 #include "camparam/platform.h"
 
@@ -25,17 +26,28 @@ file_path::file_path(const char *dir, const char *name)
 json_file parse_json_text(text_ptr text)
 {
     if (!text)
-        return {.readable = false, .root = nullptr, .error = "", .text = nullptr};
+        return {.readable = false, .error = "", .starved = false};
 
     // cJSON_GetErrorPtr() is a global of the process: another thread that parses would move it.
+    const memory_watch memory;
     const char *end = nullptr;
     json_ptr root(cJSON_ParseWithOpts(text.get(), &end, 0));
-    return {.readable = true, .root = std::move(root), .error = end, .text = std::move(text)};
+    const bool starved = !root && memory.ran_out();
+    return {.readable = true,
+            .root = std::move(root),
+            .error = end,
+            .text = std::move(text),
+            .starved = starved};
 }
 
 json_file read_json_file(const char *path)
 {
-    return parse_json_text(text_ptr(read_file_to_buf(path)));
+    const memory_watch memory;
+    text_ptr text(read_file_to_buf(path));
+    const bool starved = !text && memory.ran_out();
+    json_file file = parse_json_text(std::move(text));
+    file.starved = file.starved || starved;
+    return file;
 }
 
 bool is_missing(const char *path)

@@ -19,6 +19,7 @@ struct json_file {
     json_ptr root;     // null when the file is not readable or not JSON
     const char *error; // then where parsing stopped; empty for a file that is not readable
     text_ptr text;     // the file as it was read, which error points into
+    bool starved;      // root is null because memory ran out
 };
 
 json_file read_json_file(const char *path);

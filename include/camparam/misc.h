@@ -67,8 +67,8 @@ PARA_API int para_get_json_string(const char *module, const char *member, char *
 /**
  * Set a value, mark the module changed: an enum member by one of its texts, a number member by a
  * number. A member without a current value cannot be set. No hook is told.
- * @return 1 changed; 0 not: the same value, a text that is none of the member's, the other kind, or
- *         an unknown module or member.
+ * @return 1 changed; 0 not: the same value, a text that is none of the member's, the other kind, an
+ *         unknown module or member, or no memory.
  */
 PARA_API int para_set_json_cur_str(const char *module, const char *member, const char *text);
 PARA_API int para_set_json_cur_number(const char *module, const char *member, int value);
@@ -84,7 +84,8 @@ PARA_API int para_set_json_cur(const char *module, const char *member, int value
 /**
  * Add every value to an object: enum members as texts, all others as numbers.
  * @param defaults  Nonzero: default values; 0: current values.
- * @return What the configure object's loop returned; -1 for an unknown module.
+ * @return What the configure object's loop returned; -1 for an unknown module; -ENOMEM when memory
+ *         runs out, and values are missing.
  */
 PARA_API int Create_Json_Misc_Object(const char *module, cJSON *object, int defaults);
 
@@ -150,7 +151,8 @@ PARA_API extern const char *const ndi_mode[PARA_MISC_NDI_MODES];
 /**
  * Load "misc" from the file set that its range file tells: a nonzero "version" for the current set,
  * else the legacy one. Stores new objects in @p cur and @p def, and the range tree in @p range,
- * which is untouched when there is none; all of them live as long as the process.
+ * which is untouched when there is none; all of them live as long as the process. When memory runs
+ * out while values are read, there are none: @p cur and @p def are NULL.
  * @param name  Not used: the files' names are fixed.
  * @return 0 loaded, -1 failed
  */
@@ -160,10 +162,16 @@ PARA_API int para_init_misc_legacy(const char *name, configure **cur, configure 
 /** Write "misc" into the set it came from. @return What fflush() returned; 0: nothing written. */
 PARA_API int para_save_misc_legacy(const char *name, configure *cur);
 
-/** A legacy range tree with its enum members' ends widened into lists. The caller deletes it. */
+/**
+ * A legacy range tree with its enum members' ends widened into lists. The caller deletes it; NULL
+ * when memory runs out.
+ */
 PARA_API cJSON *fix_old_misc_range_conf(const cJSON *old_range);
 
-/** Set every member of a JSON file in an object. @return 0, or -1 when it is missing or not JSON.
+/**
+ * Set every member of a JSON file in an object.
+ * @return 0; -1 when the file is missing or not JSON; -ENOMEM when memory runs out, and members may
+ *         be missing.
  */
 PARA_API int fix_old_misc_def_cur_conf(const char *path, configure *conf);
 
@@ -178,7 +186,8 @@ PARA_API int para_init_misc_legacy_test(void);
  * para_set_misc_opt: the item is an object of members, each a text for an enum member or a number
  * for a number member; misc_set_request_hook is told once when any changed.
  * para_get_misc_opt: the item is an array of member names, or of one name that begins with "all";
- * an item whose key contains "def" asks for defaults. -1 for an unknown module.
+ * an item whose key contains "def" asks for defaults. -1 for an unknown module. Both give -ENOMEM
+ * when memory runs out, see module.h.
  * para_need_save_misc: 1 when the last change is unsaved and at least 2000 ms old, else 0; -1 for
  * an unknown module.
  * para_save_misc: what fflush() returned, 0 when the file did not open; -1 for an unknown module. A

@@ -95,7 +95,10 @@ typedef struct configure configure;
 /** Called once per entry; key and value are borrowed for the call. The result is ignored. */
 typedef int (*conf_loop_callback)(void *argument, const char *key, const char *value);
 
-/** The operations of an object; a platform's private data follows behind them. */
+/**
+ * The operations of an object; a platform's private data follows behind them. One that fails for
+ * want of memory leaves errno at ENOMEM, as configure_parse() and malloc() do.
+ */
 struct configure {
     /** Copy a value with its zero. @return 0 copied; -1 absent or longer than size - 1. */
     int (*conf_get)(configure *conf, const char *key, char *buffer, int size);

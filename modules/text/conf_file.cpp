@@ -4,6 +4,7 @@
 
 #include "base/backup.h"
 #include "base/guard.h"
+#include "base/memory.h"
 #include "base/text_buffer.h"
 #include "camparam/control.h"
 #include "modules/text/text_module.h"
@@ -22,31 +23,58 @@ bool read_value(configure *conf, const char *key, char (&value)[value_size])
     return conf != nullptr && key != nullptr && conf->conf_get(conf, key, value, value_size) == 0;
 }
 
-// The platform reads the file anew, and may fail where recovering did not.
-static void load_saved(const char *path, configure *cur, save_state &state)
+bool store_text(configure *conf, const char *key, const char *text)
 {
-    const recovered_file saved = recover_file(path, file_form::conf, state);
-    const bool loaded = configure_parse(cur, 0, saved.path.text) == 0 || !saved.text ||
-                        configure_parse(cur, 0, saved.path.text) == 0;
-    if (!loaded)
-        note_load_failure(state, path);
+    const memory_watch memory;
+    return conf->conf_set(conf, key, text) != 0 || !memory.ran_out();
 }
 
-bool load_conf_files(const char *name, configure *def, configure *cur, save_state *starting)
+enum class reading { done, failed, starved };
+
+static reading read_conf_file(configure *conf, const char *path)
 {
-    if (def == nullptr || cur == nullptr)
-        return false;
+    if (conf == nullptr)
+        return reading::starved;
+    const memory_watch memory;
+    if (configure_parse(conf, 0, path) == 0)
+        return reading::done;
+    return memory.ran_out() ? reading::starved : reading::failed;
+}
+
+// The platform reads the file anew, and may fail where recovering did not.
+static reading load_saved(configure *cur, const char *path, save_state &state)
+{
+    const recovered_file saved = recover_file(path, file_form::conf, state);
+    reading result = read_conf_file(cur, saved.path.text);
+    if (result != reading::done && saved.text)
+        result = read_conf_file(cur, saved.path.text);
+    if (result == reading::failed && saved.text)
+        note_load_failure(state, path);
+    return result;
+}
+
+static reading load_both(const char *name, configure *def, configure *cur, save_state *starting)
+{
     const file_path home = module_path(para_profile.home_dir, name, ".conf");
-    if (configure_parse(def, 0, home.text) != 0)
-        return false;
-    if (configure_parse(cur, 0, home.text) != 0 && guard_is_on())
-        return false;
+    const reading defaults = read_conf_file(def, home.text);
+    if (defaults != reading::done)
+        return defaults;
+    const reading current = read_conf_file(cur, home.text);
+    if (current == reading::starved || (current == reading::failed && guard_is_on()))
+        return current;
     const file_path saved = module_path(para_profile.data_dir, name, ".conf");
-    if (starting == nullptr)
-        configure_parse(cur, 0, saved.text);
-    else
-        load_saved(saved.text, cur, *starting);
-    return true;
+    const reading last = starting == nullptr ? read_conf_file(cur, saved.text)
+                                             : load_saved(cur, saved.text, *starting);
+    return last == reading::starved ? last : reading::done;
+}
+
+bool load_conf_files(const char *name, configure *&def, configure *&cur, save_state *starting)
+{
+    const bool starved = def == nullptr || cur == nullptr;
+    const reading result = starved ? reading::starved : load_both(name, def, cur, starting);
+    if (result == reading::starved)
+        free_objects(def, cur); // some values are missing, and defaults would pass for saved ones
+    return result == reading::done;
 }
 
 text_ptr conf_lines(configure *cur)

@@ -3,6 +3,7 @@
 
 #include "base/guard.h"
 #include "base/lock.h"
+#include "base/memory.h"
 #include "base/query.h"
 #include "camparam/conf.h"
 #include "camparam/control.h"
@@ -92,46 +93,56 @@ static bool may_be_requested(const char *name, const char *key)
 int para_set_conf_opt(const char *, const cJSON *item, const char *name)
 {
     bool changed = false;
+    bool starved = false;
     const cJSON *child = nullptr;
     cJSON_ArrayForEach(child, item)
     {
-        if (cJSON_IsString(child) && may_be_requested(name, child->string))
-            changed |= _para_conf_set_member(name, child->string, child->valuestring) == 1;
+        if (!cJSON_IsString(child) || !may_be_requested(name, child->string))
+            continue;
+        const memory_watch memory;
+        if (_para_conf_set_member(name, child->string, child->valuestring) == 1)
+            changed = true;
+        else
+            starved |= memory.ran_out();
     }
+    const int result = starved ? no_memory : 0;
     if (!changed)
-        return 0;
+        return result;
 
     PARA_TRACE(PARA_INFO, "need_to_notify");
     if (para_profile.conf_update_hook != nullptr)
         para_profile.conf_update_hook(name);
-    return 0;
+    return result;
 }
 
-static void add_all_values(const char *name, bool defaults, cJSON *answer)
+// These two return whether the answer is complete. A module without values has none to add.
+static bool add_all_values(const char *name, bool defaults, cJSON *answer)
 {
     const loaded_conf module(name);
-    if (module)
-        add_all(*module, defaults ? module->def : module->cur, answer_form::texts, answer);
+    return !module || add_all(*module, defaults ? module->def : module->cur, answer_form::texts,
+                              answer) != no_memory;
 }
 
 // Current values, also when the key asks for defaults (ConfQuery.OnlyAllGivesDefaults).
-static void add_listed_values(const char *name, const cJSON *item, cJSON *answer)
+static bool add_listed_values(const char *name, const cJSON *item, cJSON *answer)
 {
     const loaded_conf module(name);
-    if (module)
-        add_listed(*module, module->cur, answer_form::texts, item, answer);
+    return !module || add_listed(*module, module->cur, answer_form::texts, item, answer);
 }
 
 int para_get_conf_opt(const char *, const cJSON *item, cJSON **answer, const char *name)
 {
     PARA_TRACE(PARA_DUMP, "inter");
-    *answer = cJSON_CreateObject();
-    if (asks_for_all(item)) {
-        add_all_values(name, asks_for_defaults(item), *answer);
-        return 0;
-    }
-    add_listed_values(name, item, *answer);
-    PARA_TRACE(PARA_DUMP, "leave");
+    const bool all = asks_for_all(item);
+    json_ptr object(cJSON_CreateObject());
+    const bool complete =
+        object != nullptr && (all ? add_all_values(name, asks_for_defaults(item), object.get())
+                                  : add_listed_values(name, item, object.get()));
+    if (!all)
+        PARA_TRACE(PARA_DUMP, "leave");
+    if (!complete)
+        return no_memory;
+    *answer = object.release();
     return 0;
 }
 

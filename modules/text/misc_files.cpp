@@ -1,19 +1,17 @@
 // The two file sets of "misc".
 #include <cerrno>
+#include <utility>
 
 #include "base/backup.h"
 #include "base/file.h"
+#include "base/memory.h"
 #include "camparam/control.h"
 #include "camparam/json_util.h"
 #include "modules/text/pattern_module.h"
 
-// The number item of the range tree that tells the file set; null until "misc" is loaded.
-static const cJSON *misc_version;
-
-static bool is_current_set()
-{
-    return misc_version->valueint != 0;
-}
+// Told by the version in the range file; fixed after start-up.
+enum class misc_set { none, legacy, current };
+static misc_set loaded_set = misc_set::none; // none: "misc" is not loaded, and not saved
 
 // --- Loading ---
 
@@ -23,7 +21,7 @@ static int fix_old_misc_def_cur_conf(const json_file &file, configure *conf)
     if (file.readable && !file.root)
         PARA_TRACE(PARA_ERROR, "Error before: [%s]", file.error);
     if (!file.root || conf == nullptr)
-        return -1;
+        return file.starved ? no_memory : -1;
     const cJSON *member = nullptr;
     cJSON_ArrayForEach(member, file.root.get())
     {
@@ -32,7 +30,8 @@ static int fix_old_misc_def_cur_conf(const json_file &file, configure *conf)
             continue;
         const char *const text =
             cJSON_IsString(member) ? member->valuestring : lib_itoa(member->valueint, number);
-        conf->conf_set(conf, member->string, text);
+        if (!store_text(conf, member->string, text))
+            return no_memory;
     }
     return 0;
 }
@@ -47,8 +46,8 @@ int para_init_misc_legacy_test()
     return 0;
 }
 
-// The range tree of either set, with its version in misc_version; null when there is none.
-static cJSON *load_range(const trace_site &site)
+// The range tree of either set; null when there is none.
+static json_ptr load_range(const trace_site &site)
 {
     json_file file = read_json_file(file_path(para_profile.home_dir, "misc_range.json").text);
     if (!file.readable)
@@ -60,27 +59,32 @@ static cJSON *load_range(const trace_site &site)
 
     const cJSON *const version = cJSON_GetObjectItem(file.root.get(), "version");
     const bool current_set = version != nullptr && version->valueint != 0;
-    cJSON *const range =
-        current_set ? file.root.release() : fix_old_misc_range_conf(file.root.get());
-    misc_version = cJSON_GetObjectItem(range, "version");
-    if (misc_version == nullptr) { // out of memory
-        cJSON_Delete(range);
+    json_ptr range =
+        current_set ? std::move(file.root) : json_ptr(fix_old_misc_range_conf(file.root.get()));
+    if (!range) {
+        PARA_TRACE_AT(site, PARA_ERROR, "no memory for the range");
         return nullptr;
     }
-    cJSON_Print_safe(range);
+    loaded_set = current_set ? misc_set::current : misc_set::legacy;
+    cJSON_Print_safe(range.get());
     return range;
 }
 
-static bool load_legacy_set(configure *def, configure *cur, save_state &starting)
+// A file that is missing or no JSON is skipped. Returns what load_conf_files() does.
+static bool load_legacy_set(configure *&def, configure *&cur, save_state &starting)
 {
     const file_path defaults(para_profile.home_dir, "misc_def.json");
+    const file_path saved(para_profile.data_dir, "misc_cur.json");
     const int into_def = fix_old_misc_def_cur_conf(defaults.text, def);
     const int into_cur = fix_old_misc_def_cur_conf(defaults.text, cur);
     if (into_def != 0 || into_cur != 0)
         note_load_failure(starting, "misc");
-    const file_path saved(para_profile.data_dir, "misc_cur.json");
-    fix_old_misc_def_cur_conf(read_current_json(saved.text, starting), cur);
-    return true;
+    const bool starved =
+        def == nullptr || cur == nullptr || into_def == no_memory || into_cur == no_memory ||
+        fix_old_misc_def_cur_conf(read_current_json(saved.text, starting), cur) == no_memory;
+    if (starved)
+        free_objects(def, cur);
+    return !starved;
 }
 
 // Of the module's record; of none when a host calls para_init_misc_legacy() for objects of its own.
@@ -96,15 +100,19 @@ int para_init_misc_legacy(const char *, configure **cur, configure **def, cJSON 
     *cur = configure_init();
     *def = configure_init();
     PARA_TRACE(PARA_INFO, "enter");
-    cJSON *const loaded = load_range(PARA_HERE);
-    if (loaded == nullptr)
+    json_ptr loaded = load_range(PARA_HERE);
+    if (!loaded)
         return -1;
-    *range = loaded;
+    *range = loaded.release();
 
-    PARA_TRACE(PARA_INFO, "enter misc version:%d", misc_version->valueint);
+    PARA_TRACE(PARA_INFO, "enter misc version:%d",
+               cJSON_GetObjectItem(*range, "version")->valueint);
     save_state &starting = state_of_misc();
-    const bool has_values = is_current_set() ? load_conf_files("misc", *def, *cur, &starting)
-                                             : load_legacy_set(*def, *cur, starting);
+    const bool has_values = loaded_set == misc_set::current
+                                ? load_conf_files("misc", *def, *cur, &starting)
+                                : load_legacy_set(*def, *cur, starting);
+    if (*cur == nullptr)
+        loaded_set = misc_set::none; // out of memory: no values that could be saved
     if (!has_values)
         return -1;
     return para_init_misc_legacy_test();
@@ -127,9 +135,9 @@ static write_result save_legacy_set(const char *name)
 
 static write_result save_files(const char *name, configure *cur)
 {
-    if (misc_version == nullptr)
+    if (loaded_set == misc_set::none)
         return {.returned = 0, .error = ENODATA}; // neither set is loaded
-    if (!is_current_set())
+    if (loaded_set == misc_set::legacy)
         return save_legacy_set(name);
     // Without the lock that other modules' files are written under.
     return save_conf_lines("misc", conf_lines(cur), file_lock::none);

@@ -2,6 +2,7 @@
 // within a fixed table.
 #include <cstring>
 
+#include "base/json.h"
 #include "base/text.h"
 #include "base/trace.h"
 #include "camparam/misc.h"
@@ -28,44 +29,44 @@ static const name_table *table_of(const char *member)
 
 // The table texts from the first one that begins with `first` to one that begins with `last`. The
 // end is searched from the start of the table, so names in the wrong order give a short or empty
-// list (MiscWidening.* tests).
-static cJSON *widened(const name_table &table, const char *first, const char *last)
+// list (MiscWidening.* tests). Null when memory ran out.
+static json_ptr widened(const name_table &table, const char *first, const char *last)
 {
-    cJSON *const list = cJSON_CreateArray();
+    json_ptr list(cJSON_CreateArray());
     bool started = false;
     for (int i = 0; i < table.count; i++) {
         started = started || begins_with(table.names[i], first);
-        cJSON *const name = started ? cJSON_CreateString(table.names[i]) : nullptr;
-        if (name != nullptr && !cJSON_AddItemToArray(list, name))
-            cJSON_Delete(name);
+        if (started && !add_to_array(list.get(), json_ptr(cJSON_CreateString(table.names[i]))))
+            return nullptr;
         if (begins_with(table.names[i], last))
             break;
     }
     return list;
 }
 
-// The member of the new range, or null for one that is dropped.
-static cJSON *widened_member(const cJSON *old_member)
+// Adds the member of the new range, unless it is dropped. False when memory ran out.
+static bool add_widened(cJSON *range, const cJSON *old_member)
 {
     if (!cJSON_IsArray(old_member))
-        return nullptr;
+        return true;
     const cJSON *const first = cJSON_GetArrayItem(old_member, 0);
     const cJSON *const last = cJSON_GetArrayItem(old_member, 1);
     if (first == nullptr || last == nullptr)
-        return nullptr;
+        return true;
 
-    const name_table *const table = table_of(old_member->string);
+    const char *const key = old_member->string;
+    const name_table *const table = table_of(key);
     if (table == nullptr)
-        return cJSON_Duplicate(old_member, 1);
+        return add_to_object(range, key, json_ptr(cJSON_Duplicate(old_member, 1)));
     if (!cJSON_IsString(first) || !cJSON_IsString(last))
-        return nullptr;
-    return widened(*table, first->valuestring, last->valuestring);
+        return true;
+    return add_to_object(range, key, widened(*table, first->valuestring, last->valuestring));
 }
 
 cJSON *fix_old_misc_range_conf(const cJSON *old_range)
 {
-    cJSON *const range = cJSON_CreateObject();
-    cJSON_AddNumberToObject(range, "version", 0);
+    json_ptr range(cJSON_CreateObject());
+    bool complete = add_number(range.get(), "version", 0);
     const cJSON *old_member = nullptr;
     cJSON_ArrayForEach(old_member, old_range)
     {
@@ -73,9 +74,7 @@ cJSON *fix_old_misc_range_conf(const cJSON *old_range)
             continue;
         PARA_TRACE(PARA_INFO, "element is %s,size:%d", old_member->string,
                    cJSON_GetArraySize(old_member));
-        cJSON *const member = widened_member(old_member);
-        if (member != nullptr && !cJSON_AddItemToObject(range, old_member->string, member))
-            cJSON_Delete(member);
+        complete = complete && add_widened(range.get(), old_member);
     }
-    return range;
+    return complete ? range.release() : nullptr;
 }

@@ -1,6 +1,7 @@
 // Modules whose members come from a range file.
 #include <cstring>
 
+#include "base/memory.h"
 #include "base/query.h"
 #include "camparam/control.h"
 #include "camparam/json_util.h"
@@ -106,24 +107,29 @@ static int apply(const char *name, const cJSON *child)
 int para_set_misc_opt(const char *, const cJSON *item, const char *name)
 {
     bool changed = false;
+    bool starved = false;
     const cJSON *child = nullptr;
     cJSON_ArrayForEach(child, item)
     {
         const int type = child->type & 0xff;
         const int kind = peek_json_enum_type(name, child->string);
-        if (type == kind)
-            changed |= apply(name, child) == 1;
+        const memory_watch memory;
+        if (type == kind && apply(name, child) == 1)
+            changed = true;
+        else if (type == kind)
+            starved |= memory.ran_out();
         else
             PARA_TRACE(PARA_ERROR, "%s type wrong,set:%d,def:%d",
                        child->string != nullptr ? child->string : "", type, kind);
     }
+    const int result = starved ? no_memory : 0;
     if (!changed)
-        return 0;
+        return result;
 
     PARA_TRACE(PARA_INFO, "need_to_notify");
     if (para_profile.misc_set_request_hook != nullptr)
         para_profile.misc_set_request_hook(name, item);
-    return 0;
+    return result;
 }
 
 int para_get_misc_opt(const char *key, const cJSON *item, cJSON **answer, const char *name)
@@ -135,13 +141,17 @@ int para_get_misc_opt(const char *key, const cJSON *item, cJSON **answer, const 
         return -1;
 
     configure *const values = defaults ? module->def : module->cur;
-    *answer = cJSON_CreateObject();
-    if (asks_for_all(item)) {
-        add_all(*module, values, answer_form::by_range, *answer);
-        return 0;
-    }
-    add_listed(*module, values, answer_form::by_range, item, *answer);
-    PARA_TRACE(PARA_DUMP, "leave");
+    const bool all = asks_for_all(item);
+    json_ptr object(cJSON_CreateObject());
+    const bool complete =
+        object != nullptr &&
+        (all ? add_all(*module, values, answer_form::by_range, object.get()) != no_memory
+             : add_listed(*module, values, answer_form::by_range, item, object.get()));
+    if (!all)
+        PARA_TRACE(PARA_DUMP, "leave");
+    if (!complete)
+        return no_memory;
+    *answer = object.release();
     return 0;
 }
 

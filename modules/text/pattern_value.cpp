@@ -37,7 +37,8 @@ int para_get_json_string(const char *module, const char *member, char *buffer, i
 
 static int store_value(text_module &module, const char *member, const char *text)
 {
-    module.cur->conf_set(module.cur, member, text);
+    if (!store_text(module.cur, member, text))
+        return 0;
     accept_change(stamp_of(module));
     tell_observer(module.name);
     return 1;

@@ -4,14 +4,19 @@
 
 #include "modules/text/text_module.h"
 
+void free_objects(configure *&def, configure *&cur)
+{
+    if (def != nullptr)
+        configure_free(def);
+    if (cur != nullptr)
+        configure_free(cur);
+    def = nullptr;
+    cur = nullptr;
+}
+
 void free_values(text_module &module)
 {
-    if (module.def != nullptr)
-        configure_free(module.def);
-    if (module.cur != nullptr)
-        configure_free(module.cur);
-    module.def = nullptr;
-    module.cur = nullptr;
+    free_objects(module.def, module.cur);
 }
 
 text_module *take_record(text_registry &registry, const char *name)

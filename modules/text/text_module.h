@@ -62,6 +62,7 @@ int need_save(const text_registry &registry, const char *name);
 
 // Frees the objects of a module, which then has no values.
 void free_values(text_module &module);
+void free_objects(configure *&def, configure *&cur);
 
 // Copies a value of at most value_size - 1 characters. Returns whether the object has one.
 bool read_value(configure *conf, const char *key, char (&value)[value_size]);
@@ -69,10 +70,16 @@ bool read_value(configure *conf, const char *key, char (&value)[value_size]);
 // "<dir>/<module><suffix>"
 file_path module_path(const char *dir, const char *module, const char *suffix);
 
+// Stores a value. False when memory ran out; a value that the object refuses is none of the store's
+// business.
+bool store_text(configure *conf, const char *key, const char *text);
+
 // Reads the defaults into both objects, and the saved values over them into the current one. A
 // saved file that cannot be read leaves the defaults. At start-up the saved file is recovered, with
-// the state; else that is null. Returns whether there is a defaults file.
-bool load_conf_files(const char *name, configure *def, configure *cur, save_state *starting);
+// the state; else that is null. Returns whether there is a defaults file. When memory runs out,
+// also for one of the objects, there are no values: it frees both, makes them null and returns
+// false.
+bool load_conf_files(const char *name, configure *&def, configure *&cur, save_state *starting);
 
 // The lines of a saved file, for the caller to free(); null when there is no object, or memory ran
 // out.
@@ -91,9 +98,10 @@ int write_conf_to_buffer(const char *module, configure *conf, char *buffer, int 
 enum class answer_form { texts, by_range };
 
 // Adds every entry of a configure object. Returns what its loop returned; -1 when there is no
-// object.
+// object; no_memory when the answer is not complete.
 int add_all(const text_module &module, configure *values, answer_form form, cJSON *answer);
 
-// Adds the listed members that the object has; by_range leaves out members without a range.
-void add_listed(const text_module &module, configure *values, answer_form form, const cJSON *item,
+// Adds the listed members that the object has; by_range leaves out members without a range. False
+// when memory ran out, and the answer is not complete.
+bool add_listed(const text_module &module, configure *values, answer_form form, const cJSON *item,
                 cJSON *answer);
