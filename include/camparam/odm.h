@@ -43,13 +43,16 @@ PARA_API int para_get_odm_string(const char *key, char *text);
  * on the caller's thread, marks the store changed and is written two seconds later. An item keeps
  * its type: a number set on a text item is gone after a restart, and a text set on a number item is
  * never stored, nor is a NULL text, though every such call counts as a change. A NULL key changes
- * nothing.
+ * nothing, nor does a value for which there is no memory.
  * @return 0
  */
 PARA_API int para_set_odm_int(const char *key, int value);
 PARA_API int para_set_odm_string(const char *key, const char *text);
 
-/** The same without hook, mark and write. @return 1 when the document changed, else 0. */
+/**
+ * The same without hook, mark and write. @return 1 when the document changed, else 0, also when
+ * memory runs out.
+ */
 PARA_API int _para_set_odm_int(const char *key, int value);
 PARA_API int _para_set_odm_string(const char *key, const char *text);
 

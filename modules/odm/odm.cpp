@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "base/backup.h"
 #include "base/change.h"
@@ -130,43 +131,51 @@ int para_get_odm_string(const char *key, char *text)
     return result;
 }
 
-// Creates the document if there is none. Returns the key's item, or null.
-static cJSON *item_to_set(const char *key)
-{
-    if (json_odm_file == nullptr) {
-        json_odm_file = cJSON_CreateObject();
-        cJSON_AddNumberToObject(json_odm_file, "version", current_version);
-    }
-    return cJSON_GetObjectItem(json_odm_file, key);
-}
+// What became of a set; starved: memory ran out, and nothing is changed.
+enum class outcome { same, changed, starved };
 
-static int set_int(const char *key, int value)
+static outcome set_number(cJSON *document, const char *key, int value)
 {
-    const lock_guard guard(document_mutex);
-    cJSON *const item = item_to_set(key);
-    if (item == nullptr) {
-        cJSON_AddNumberToObject(json_odm_file, key, value);
-        return 1;
-    }
+    cJSON *const item = cJSON_GetObjectItem(document, key);
+    if (item == nullptr)
+        return add_number(document, key, value) ? outcome::changed : outcome::starved;
     if (item->valueint == value)
-        return 0;
+        return outcome::same;
     cJSON_SetNumberValue(item, value);
-    return 1;
+    return outcome::changed;
 }
 
-static int set_string(const char *key, const char *text)
+// A null text, and a text for an item that is none, count as changes and store nothing.
+static outcome set_text(cJSON *document, const char *key, const char *text)
+{
+    if (text == nullptr)
+        return outcome::changed;
+    cJSON *const item = cJSON_GetObjectItem(document, key);
+    if (item == nullptr)
+        return add_text(document, key, text) ? outcome::changed : outcome::starved;
+    if (item->valuestring != nullptr && strcmp(item->valuestring, text) == 0)
+        return outcome::same;
+    if (cJSON_IsString(item) && cJSON_SetValuestring(item, text) == nullptr)
+        return outcome::starved;
+    return outcome::changed;
+}
+
+static json_ptr new_document()
+{
+    json_ptr created(cJSON_CreateObject());
+    return add_number(created.get(), "version", current_version) ? std::move(created) : nullptr;
+}
+
+// Sets in the document, and makes one if there is none. Returns 1 when it changed, else 0.
+template <typename setter> static int set_in_document(const setter &set)
 {
     const lock_guard guard(document_mutex);
-    cJSON *const item = item_to_set(key);
-    if (item == nullptr) {
-        cJSON_AddStringToObject(json_odm_file, key, text); // nothing for a null text
-        return 1;
-    }
-    if (item->valuestring != nullptr && text != nullptr && strcmp(item->valuestring, text) == 0)
-        return 0;
-    if (text != nullptr)
-        cJSON_SetValuestring(item, text); // does not change a non-string item
-    return 1;
+    json_ptr created = json_odm_file == nullptr ? new_document() : nullptr;
+    cJSON *const document = created ? created.get() : json_odm_file;
+    const outcome result = document != nullptr ? set(document) : outcome::starved;
+    if (created && result != outcome::starved)
+        json_odm_file = created.release();
+    return result == outcome::changed ? 1 : 0;
 }
 
 static int tell_if_changed(int changed)
@@ -180,12 +189,18 @@ static int tell_if_changed(int changed)
 
 int _para_set_odm_int(const char *key, int value)
 {
-    return key != nullptr ? tell_if_changed(set_int(key, value)) : 0;
+    if (key == nullptr)
+        return 0;
+    return tell_if_changed(
+        set_in_document([=](cJSON *document) { return set_number(document, key, value); }));
 }
 
 int _para_set_odm_string(const char *key, const char *text)
 {
-    return key != nullptr ? tell_if_changed(set_string(key, text)) : 0;
+    if (key == nullptr)
+        return 0;
+    return tell_if_changed(
+        set_in_document([=](cJSON *document) { return set_text(document, key, text); }));
 }
 
 // The hook runs before the change is stamped (OdmSetter.TellsTheHookBeforeTheStamp).
