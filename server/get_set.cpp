@@ -1,7 +1,9 @@
 // Get and set requests on the modules.
 #include <cstring>
+#include <utility>
 
 #include "base/json.h"
+#include "base/memory.h"
 #include "base/text.h"
 #include "base/trace.h"
 #include "camparam/command.h"
@@ -34,40 +36,57 @@ static const para_module *find_module(const char *key)
     return nullptr;
 }
 
-static void get_members(const cJSON *request, cJSON *reply)
+// The complete reply, or null when memory ran out.
+static json_ptr get_members(const cJSON *request)
 {
+    json_ptr reply(cJSON_CreateObject());
     const cJSON *item = nullptr;
     cJSON_ArrayForEach(item, request)
     {
         const para_module *const module = find_module(item->string);
         if (module == nullptr || module->get_opt == nullptr)
             continue;
-        cJSON *answer = nullptr;
-        module->get_opt(item->string, item, &answer, module->name);
-        if (answer != nullptr)
-            cJSON_AddItemToObject(reply, item->string, answer);
+        cJSON *stored = nullptr;
+        const int result = module->get_opt(item->string, item, &stored, module->name);
+        json_ptr answer(stored);
+        if (!answer && result != no_memory)
+            continue;
+        if (!add_to_object(reply.get(), item->string, std::move(answer)))
+            return nullptr;
     }
+    return reply;
 }
 
-static void set_members(const cJSON *request)
+// Returns whether no module was short of memory.
+static bool set_each_member(const cJSON *request)
 {
+    bool complete = true;
     const cJSON *item = nullptr;
     cJSON_ArrayForEach(item, request)
     {
         const para_module *const module = find_module(item->string);
         if (module != nullptr && module->set_opt != nullptr)
-            module->set_opt(item->string, item, module->name);
+            complete &= module->set_opt(item->string, item, module->name) != no_memory;
     }
+    return complete;
 }
 
-static void echo_identifiers(const cJSON *request, cJSON *reply)
+static bool echo_identifiers(const cJSON *request, cJSON *reply)
 {
     const cJSON *const name = cJSON_GetObjectItem(request, "msg_name");
-    if (cJSON_IsString(name))
-        cJSON_AddStringToObject(reply, "msg_name", name->valuestring);
+    if (cJSON_IsString(name) && !add_text(reply, "msg_name", name->valuestring))
+        return false;
     const cJSON *const id = cJSON_GetObjectItem(request, "msg_id");
-    if (cJSON_IsNumber(id))
-        cJSON_AddNumberToObject(reply, "msg_id", id->valueint);
+    return !cJSON_IsNumber(id) || add_number(reply, "msg_id", id->valueint);
+}
+
+// The same, made before anything is set.
+static json_ptr set_members(const cJSON *request)
+{
+    json_ptr reply(cJSON_CreateObject());
+    if (!reply || !echo_identifiers(request, reply.get()))
+        return nullptr;
+    return set_each_member(request) ? std::move(reply) : nullptr;
 }
 
 // The converted request. On failure sends the converter's error text, if any, and returns null.
@@ -116,12 +135,10 @@ int Recive_message_Process_gset(para_message *message, cJSON *request, int mode)
     if (dumps_requests())
         cJSON_Print_safe(tree.get());
 
-    const json_ptr reply(cJSON_CreateObject());
-    if (mode == PARA_GET) {
-        get_members(tree.get(), reply.get());
-    } else {
-        set_members(tree.get());
-        echo_identifiers(tree.get(), reply.get());
+    const json_ptr reply = mode == PARA_GET ? get_members(tree.get()) : set_members(tree.get());
+    if (!reply) {
+        PARA_TRACE(PARA_ERROR, "no memory for the reply");
+        return -1;
     }
     send_reply(*message, protocol, reply.get(), PARA_HERE);
     return 0;

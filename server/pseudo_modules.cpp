@@ -1,4 +1,5 @@
 // The rows "msg_name" and "msg_id", which echo a request's identifiers into its reply.
+#include "base/memory.h"
 #include "base/text.h"
 #include "base/trace.h"
 #include "camparam/module.h"
@@ -12,17 +13,19 @@ static bool is_asked_for(const cJSON *item, const char *name)
 int para_get_msg_name_opt(const char *, const cJSON *item, cJSON **answer, const char *name)
 {
     PARA_TRACE(PARA_INFO, "inter");
-    if (is_asked_for(item, name))
-        *answer = cJSON_CreateString(item->valuestring);
-    return 0;
+    if (!is_asked_for(item, name) || item->valuestring == nullptr)
+        return 0;
+    *answer = cJSON_CreateString(item->valuestring);
+    return *answer != nullptr ? 0 : no_memory;
 }
 
 int para_get_msg_id_opt(const char *, const cJSON *item, cJSON **answer, const char *name)
 {
     PARA_TRACE(PARA_INFO, "inter");
-    if (is_asked_for(item, name))
-        *answer = cJSON_CreateNumber(item->valueint);
-    return 0;
+    if (!is_asked_for(item, name))
+        return 0;
+    *answer = cJSON_CreateNumber(item->valueint);
+    return *answer != nullptr ? 0 : no_memory;
 }
 
 int para_free_msg_name_opt(void *)

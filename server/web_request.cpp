@@ -1,8 +1,10 @@
 // Requests of the web pages, translated into the modules' own names.
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "base/json.h"
+#include "base/memory.h"
 #include "base/trace.h"
 #include "camparam/json_util.h"
 #include "server/web_modifier.h"
@@ -20,30 +22,40 @@ static const char *text_of(const cJSON *object, const char *key)
     return json_object_get_string(cJSON_GetObjectItem(object, key));
 }
 
-// A new request with the identifiers that every converted request has.
+// A new request with the identifiers that every converted request has; null when memory ran out, as
+// what the other builders of requests return.
 static json_ptr new_request(const char *type, const char *name)
 {
     static unsigned msg_id = 0;
     json_ptr request(cJSON_CreateObject());
-    cJSON_AddStringToObject(request.get(), "msg_from", "www");
-    cJSON_AddStringToObject(request.get(), "msg_type", type);
-    cJSON_AddStringToObject(request.get(), "msg_name", name);
-    cJSON_AddNumberToObject(request.get(), "msg_id", ++msg_id);
-    return request;
+    msg_id++;
+    const bool complete =
+        add_text(request.get(), "msg_from", "www") && add_text(request.get(), "msg_type", type) &&
+        add_text(request.get(), "msg_name", name) && add_number(request.get(), "msg_id", msg_id);
+    return complete ? std::move(request) : nullptr;
 }
 
 // The names of a module's members in the file, or ["all"] when it lists none.
-static cJSON *members_of(const cJSON *module)
+static json_ptr members_of(const cJSON *module)
 {
-    cJSON *const members = cJSON_CreateArray();
+    json_ptr members(cJSON_CreateArray());
     const cJSON *member = nullptr;
     cJSON_ArrayForEach(member, module)
     {
-        cJSON_AddItemToArray(members, cJSON_CreateString(member->string));
+        if (!add_to_array(members.get(), json_ptr(cJSON_CreateString(member->string))))
+            return nullptr;
     }
-    if (module->child == nullptr)
-        cJSON_AddItemToArray(members, cJSON_CreateString("all"));
+    if (module->child == nullptr &&
+        !add_to_array(members.get(), json_ptr(cJSON_CreateString("all"))))
+        return nullptr;
     return members;
+}
+
+// The list of a page's modules; null when the file has no such page.
+static const cJSON *page_list(const char *page)
+{
+    const cJSON *const list = page != nullptr ? cJSON_GetObjectItem(para_config, page) : nullptr;
+    return cJSON_IsArray(list) ? list : nullptr;
 }
 
 cJSON *get_http2json(const cJSON *web_request)
@@ -53,8 +65,8 @@ cJSON *get_http2json(const cJSON *web_request)
         return nullptr;
 
     json_ptr request = new_request("get", page);
-    const cJSON *const list = cJSON_GetObjectItem(para_config, page);
-    if (!cJSON_IsArray(list)) {
+    const cJSON *const list = page_list(page);
+    if (list == nullptr) {
         PARA_TRACE(PARA_INFO, "could not find %s in json", page);
         return nullptr;
     }
@@ -63,8 +75,9 @@ cJSON *get_http2json(const cJSON *web_request)
     {
         const cJSON *const module =
             cJSON_IsString(name) ? cJSON_GetObjectItem(para_config, name->valuestring) : nullptr;
-        if (cJSON_IsObject(module))
-            cJSON_AddItemToObject(request.get(), name->valuestring, members_of(module));
+        if (cJSON_IsObject(module) &&
+            !add_to_object(request.get(), name->valuestring, members_of(module)))
+            return nullptr;
     }
     return request.release();
 }
@@ -80,34 +93,39 @@ struct pair_text {
     char text[32] = "";
 };
 
-static void add_member(cJSON *request, const www_json_name &name, const web_modifier &modifier,
+static bool add_member(cJSON *request, const www_json_name &name, const web_modifier &modifier,
                        const char *value)
 {
     cJSON *module = cJSON_GetObjectItem(request, name.module);
     if (module == nullptr)
         module = cJSON_AddObjectToObject(request, name.module);
-    if (name.type != nullptr && strcmp(name.type, "S") == 0)
-        cJSON_AddStringToObject(module, name.member, value);
-    else
-        cJSON_AddNumberToObject(module, name.member, modifier.to_json(value));
+    return name.type != nullptr && strcmp(name.type, "S") == 0
+               ? add_text(module, name.member, value)
+               : add_number(module, name.member, modifier.to_json(value));
 }
 
-static void add_pair(cJSON *request, const char *key, const char *value)
+// Nothing for a web name that the file does not have.
+static bool add_pair(cJSON *request, const char *key, const char *value)
 {
     const char *modifier = nullptr;
     www_json_name name;
     get_json_name(&name, key, &modifier, 0);
     if (name.module == nullptr)
-        return;
-    add_member(request, name, modifier_named(modifier), value);
+        return true;
+    if (!add_member(request, name, modifier_named(modifier), value))
+        return false;
     if (!modifier_named(modifier).greedy)
-        return;
+        return true;
     for (get_json_name(&name, key, &modifier, 1); name.module != nullptr;
-         get_json_name(&name, key, &modifier, 1))
-        add_member(request, name, modifier_named(modifier), value);
+         get_json_name(&name, key, &modifier, 1)) {
+        if (!add_member(request, name, modifier_named(modifier), value))
+            return false;
+    }
+    return true;
 }
 
-// Adds the pairs of a query, up to the last "=" and its value. Returns whether there was any.
+// Adds the pairs of a query, up to the last "=" and its value. Returns whether there was any, and
+// all were added.
 static bool add_pairs(cJSON *request, const char *query)
 {
     const char *equals = strchr(query, '=');
@@ -115,7 +133,8 @@ static bool add_pairs(cJSON *request, const char *query)
         return false;
     while (equals != nullptr) {
         const char *const end = equals + 1 + strcspn(equals + 1, "&");
-        add_pair(request, pair_text(query, equals).text, pair_text(equals + 1, end).text);
+        if (!add_pair(request, pair_text(query, equals).text, pair_text(equals + 1, end).text))
+            return false;
         query = *end == '&' ? end + 1 : end;
         equals = strchr(query, '=');
     }
@@ -143,9 +162,10 @@ cJSON *para_convert_www_opt(const char *request, char *error, int size)
         snprintf(error, error_size, "para_config=null");
         return nullptr;
     }
+    const memory_watch memory;
     const json_ptr parsed(cJSON_Parse(request));
     if (!parsed) {
-        snprintf(error, error_size, "cJSON_Parse=null");
+        snprintf(error, error_size, "%s", memory.ran_out() ? "" : "cJSON_Parse=null");
         return nullptr;
     }
 
@@ -156,9 +176,8 @@ cJSON *para_convert_www_opt(const char *request, char *error, int size)
         return nullptr;
 
     cJSON *const converted = get_http2json(parsed.get());
-    if (converted == nullptr) {
-        const char *const page = text_of(parsed.get(), "msg_name");
+    const char *const page = converted == nullptr ? text_of(parsed.get(), "msg_name") : nullptr;
+    if (converted == nullptr && page_list(page) == nullptr) // else memory ran out
         snprintf(error, error_size, "%s=null", page != nullptr ? page : "");
-    }
     return converted;
 }

@@ -93,7 +93,7 @@ PARA_API int SendBuf2Client(int socket, struct sockaddr_in client, const char *t
 /**
  * Handle a request (PARA_GET or PARA_SET) on the modules, and reply.
  * @param request  Owned by the callee from here on.
- * @return 0, or -1 when there is no request.
+ * @return 0; -1 when there is no request, or memory runs out for the reply, and none is sent.
  */
 PARA_API int Recive_message_Process_gset(para_message *message, cJSON *request, int mode);
 

@@ -26,7 +26,8 @@ typedef struct {
      * Apply one member of a set request. Runs on "Para_Process".
      * @param key   The request's key: the row name, or longer.
      * @param item  The value that the client sent, of any type. Borrowed for the call.
-     * @return Ignored.
+     * @return -ENOMEM when memory ran out and something could not be set: the client gets no reply.
+     *         All other results are ignored.
      */
     int (*set_opt)(const char *key, const cJSON *item, const char *name);
     /**
@@ -35,7 +36,8 @@ typedef struct {
      * @param item         The value that the client sent, of any type. Borrowed for the call.
      * @param[out] answer  NULL on entry. Store a new value, which the store then owns, or leave
      *                     NULL to answer nothing.
-     * @return Ignored.
+     * @return -ENOMEM, with no answer, when memory ran out: the client gets no reply. All other
+     *         results are ignored.
      */
     int (*get_opt)(const char *key, const cJSON *item, cJSON **answer, const char *name);
     /** Nonzero when there are unsaved changes that are due. A row that has it must have save. */
@@ -79,7 +81,7 @@ PARA_API int register_para_handle_extern_pattern(void);
 /**
  * get_opt of the rows "msg_name" and "msg_id", which echo a request's identifiers: @p answer gets
  * a copy of the item's text (nothing if it is none), or of its integer, when the item's key is a
- * prefix of @p name. Any thread. @return 0
+ * prefix of @p name. Any thread. @return 0; -ENOMEM when memory runs out
  */
 PARA_API int para_get_msg_name_opt(const char *key, const cJSON *item, cJSON **answer,
                                    const char *name);

@@ -26,7 +26,8 @@ PARA_API void para_exit_www(void);
  * @param request     JSON text with "msg_type" "get" or "set".
  * @param[out] error  The text to reply with on failure, of at most @p size - 1 characters; the
  * empty text when there shall be no reply.
- * @return A new request in the modules' own names, which the caller deletes; NULL on failure.
+ * @return A new request in the modules' own names, which the caller deletes; NULL on failure, with
+ *         the empty text when memory runs out.
  */
 PARA_API cJSON *para_convert_www_opt(const char *request, char *error, int size);
 
@@ -43,7 +44,7 @@ PARA_API char *get_json2http(cJSON *reply);
  * Translate a parsed web request: a get of the page that "msg_name" names, or a set of the pairs in
  * "data" (none when that is no text). Keys and values of 32 characters or more are cut to 31.
  * @return A new request, which the caller deletes; NULL when there is no such page, no "msg_name",
- *         no "data", or no pair in it.
+ *         no "data", or no pair in it, and when memory runs out.
  */
 PARA_API cJSON *get_http2json(const cJSON *request);
 PARA_API cJSON *set_http2json(const cJSON *request);
