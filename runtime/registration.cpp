@@ -66,9 +66,13 @@ static int append_listed_modules(const module_pattern &pattern, const cJSON *lis
         if (table_is_full(site))
             return -1;
         para_module row = pattern.row;
+        if (name->valuestring == nullptr)
+            continue; // non-string entries are skipped
         row.name = lib_strdup(name->valuestring);
-        if (row.name != nullptr) // non-string entries are skipped
+        if (row.name != nullptr)
             append_module(pattern.row.name, row, site);
+        else
+            PARA_TRACE_AT(site, PARA_ERROR, "no memory for %s", name->valuestring);
     }
     return 0;
 }
