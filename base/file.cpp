@@ -122,24 +122,33 @@ static bool is_regular_file(int descriptor)
     return false;
 }
 
-// Truncates only without a lock: its holder may be reading the file. With the guard on it does not
-// wait for the reader of a FIFO.
+// What O_TRUNC does: nothing to what has no length.
+static bool truncate(int descriptor)
+{
+    return ftruncate(descriptor, 0) == 0 || errno == EINVAL;
+}
+
+// Truncates only without a lock: its holder may be reading the file. Not while opening it: the old
+// text stays when there is no memory for the stream. With the guard on it does not wait for the
+// reader of a FIFO.
 static FILE *open_to_write(const char *path, file_lock lock)
 {
-    const int truncated = lock == file_lock::none ? O_TRUNC : 0;
     const int guarded = guard_is_on() ? O_NONBLOCK : 0;
-    const int descriptor = open(path, O_WRONLY | O_CREAT | O_CLOEXEC | truncated | guarded, 0666);
+    const int descriptor = open(path, O_WRONLY | O_CREAT | O_CLOEXEC | guarded, 0666);
     if (descriptor < 0)
         return nullptr;
     FILE *file = nullptr;
     if (guarded == 0 || is_regular_file(descriptor))
         file = fdopen(descriptor, "wb");
-    if (file == nullptr) {
-        const int error = errno;
+    if (file != nullptr && (lock != file_lock::none || truncate(descriptor)))
+        return file;
+    const int error = errno;
+    if (file != nullptr)
+        fclose(file);
+    else
         close(descriptor);
-        errno = error;
-    }
-    return file;
+    errno = error;
+    return nullptr;
 }
 
 static write_result failure(int returned)
