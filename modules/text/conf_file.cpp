@@ -82,8 +82,9 @@ text_ptr conf_lines(configure *cur)
     text_buffer lines;
     if (lines.stream() == nullptr || cur == nullptr)
         return nullptr;
+    const memory_watch memory; // a host's object may need some to loop
     cur->conf_loop(cur, loop_2_conf, lines.stream());
-    return text_ptr(lines.release());
+    return text_ptr(memory.ran_out() ? nullptr : lines.release());
 }
 
 write_result save_conf_lines(const char *name, const text_ptr &lines, file_lock lock)

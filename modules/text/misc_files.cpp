@@ -127,8 +127,9 @@ bool load_misc(text_module &module, const char *name, const trace_site &)
 
 static write_result save_legacy_set(const char *name)
 {
-    const json_ptr root(cJSON_CreateObject());
-    Create_Json_Misc_Object(name, root.get(), 0);
+    json_ptr root(cJSON_CreateObject());
+    if (Create_Json_Misc_Object(name, root.get(), 0) == no_memory)
+        root.reset(); // and so no text
     const printed_ptr text(cJSON_Print(root.get()));
     return write_text_file(file_path(para_profile.data_dir, "misc_cur.json").text, text.get());
 }
