@@ -11,6 +11,7 @@
 
 #include "base/guard.h"
 #include "base/lock.h"
+#include "base/memory.h"
 #include "base/trace.h"
 
 file_beside::file_beside(const char *path, const char *suffix)
@@ -92,9 +93,23 @@ int write_backup(const char *path, const char *bytes, size_t length)
 
 // --- Recovery ---
 
-static bool is_usable(file_form form, const char *text)
+// These two tell whether memory ran out; a file is not bad because of that.
+static text_ptr read_text(const char *path, bool &starved)
 {
-    return text != nullptr && (form == file_form::conf || json_ptr(cJSON_Parse(text)));
+    const memory_watch memory;
+    text_ptr text(read_file_to_buf(path));
+    starved = starved || (!text && memory.ran_out());
+    return text;
+}
+
+static bool is_usable(file_form form, const char *text, bool &starved)
+{
+    if (text == nullptr || form == file_form::conf)
+        return text != nullptr;
+    const memory_watch memory;
+    const bool usable = json_ptr(cJSON_Parse(text)) != nullptr;
+    starved = starved || (!usable && memory.ran_out());
+    return usable;
 }
 
 // Empty, or the beginning of its backup: what an interrupted write leaves.
@@ -175,23 +190,24 @@ static bool restore(FILE *torn, const char *path, const char *backup, file_form 
 
 recovered_file recover_file(const char *path, file_form form, save_state &state)
 {
-    recovered_file current = {.path = file_beside(path, ""), .text = nullptr};
+    recovered_file current = {.path = file_beside(path, ""), .text = nullptr, .starved = false};
     if (!guard_is_on() || is_missing(path))
         return current;
     const held_file held(path);
-    current.text.reset(read_file_to_buf(path));
+    current.text = read_text(path, current.starved);
     if (held.is_busy())
         return current;
 
-    recovered_file backup = {.path = file_beside(path, ".bak"), .text = nullptr};
-    backup.text.reset(read_file_to_buf(backup.path.text));
-    const bool restorable = is_usable(form, backup.text.get());
+    recovered_file backup = {.path = file_beside(path, ".bak"), .text = nullptr, .starved = false};
+    backup.text = read_text(backup.path.text, current.starved);
+    const bool restorable = is_usable(form, backup.text.get(), current.starved);
     const bool torn = restorable && is_torn(current.text.get(), backup.text.get());
-    if (!torn && is_usable(form, current.text.get()))
+    const bool fit = !torn && is_usable(form, current.text.get(), current.starved);
+    if (fit || current.starved)
         return current;
     const bool replaceable = torn ? held.stream() != nullptr : keep_bad_file(path, state);
     if (!restorable)
-        return {.path = current.path, .text = nullptr};
+        return {.path = current.path, .text = nullptr, .starved = false};
 
     add_flags(state, PARA_STATUS_RESTORED);
     FILE *const torn_file = torn ? held.stream() : nullptr;
@@ -203,5 +219,10 @@ recovered_file recover_file(const char *path, file_form form, save_state &state)
 json_file read_current_json(const char *path, save_state &state)
 {
     recovered_file recovered = recover_file(path, file_form::json, state);
-    return guard_is_on() ? parse_json_text(std::move(recovered.text)) : read_json_file(path);
+    if (!guard_is_on())
+        return read_json_file(path);
+    const bool unread = !recovered.text && recovered.starved;
+    json_file file = parse_json_text(std::move(recovered.text));
+    file.starved = file.starved || unread;
+    return file;
 }

@@ -24,6 +24,7 @@ enum class file_form { json, conf };
 struct recovered_file {
     file_beside path; // the file itself, or its backup
     text_ptr text;    // what it holds; null for none, and with the guard off
+    bool starved;     // memory ran out: nothing is recovered, and the text may be missing
 };
 
 // With the guard on, a current file that is torn is restored from its backup, and one that is of no

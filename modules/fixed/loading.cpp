@@ -152,6 +152,8 @@ json_ptr load_current_file(const fixed_module &module, const trace_site &site)
     json_file file = read_current_json(path.text, *module.stamp.saves);
     if (!file.readable && module.rules.traces_unreadable)
         PARA_TRACE_AT(site, PARA_INFO, "Error read cur buf\n");
+    if (file.starved)
+        note_load_failure(*module.stamp.saves, module.name); // the defaults must not replace it
     return parsed(std::move(file), site);
 }
 

@@ -77,6 +77,8 @@ int para_init_odm(const char *)
     move_legacy_file();
 
     json_file file = read_current_json(store_path().text, saves);
+    if (file.starved)
+        return note_load_failure(saves, row);
     if (!file.readable)
         return 0;
     if (!file.root) {
