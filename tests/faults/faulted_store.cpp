@@ -49,18 +49,46 @@ DirectClient::answer DirectClient::ask(const std::string &request, long failing,
     return got;
 }
 
-void for_each_failure(long last, const std::function<void(long, shortage)> &run)
+static void run_faulted(long failing, long last, shortage lasting, const faulted_run &run)
 {
-    ASSERT_GT(last, 0) << "nothing is allocated";
+    SCOPED_TRACE("allocation " + std::to_string(failing) + " of " + std::to_string(last) +
+                 (lasting == shortage::once ? " fails once" : " fails for ever"));
+    run(failing, lasting);
+}
+
+void for_each_failure(long last, const faulted_run &run)
+{
     for (const shortage lasting : {shortage::once, shortage::for_ever}) {
-        for (long failing = 1; failing <= last; failing++) {
-            SCOPED_TRACE("allocation " + std::to_string(failing) + " of " + std::to_string(last) +
-                         (lasting == shortage::once ? " fails once" : " fails for ever"));
-            run(failing, lasting);
-            if (testing::Test::HasFailure())
-                return;
-        }
+        for (long failing = 1; failing <= last && !testing::Test::HasFailure(); failing++)
+            run_faulted(failing, last, lasting, run);
     }
+    ASSERT_GT(last, 0) << "nothing is allocated";
+}
+
+void for_each_failure(long last, const part_of_failures &part, const faulted_run &run)
+{
+    for (long failing = part.first; failing <= last && !testing::Test::HasFailure(); failing += 4)
+        run_faulted(failing, last, part.lasting, run);
+    ASSERT_GE(last, part.first) << "nothing is allocated";
+}
+
+testing::internal::ParamGenerator<part_of_failures> all_parts()
+{
+    constexpr shortage once = shortage::once, for_ever = shortage::for_ever;
+    return testing::Values(part_of_failures{once, 1}, part_of_failures{once, 2},
+                           part_of_failures{once, 3}, part_of_failures{once, 4},
+                           part_of_failures{for_ever, 1}, part_of_failures{for_ever, 2},
+                           part_of_failures{for_ever, 3}, part_of_failures{for_ever, 4});
+}
+
+void PrintTo(const part_of_failures &part, std::ostream *out)
+{
+    *out << (part.lasting == shortage::once ? "Once" : "ForEver") << part.first;
+}
+
+std::string name_of_part(const testing::TestParamInfo<part_of_failures> &part)
+{
+    return testing::PrintToString(part.param);
 }
 
 // --- Files ---
@@ -69,7 +97,7 @@ FaultedFolders::FaultedFolders()
 {
     write_home("www2json.json",
                "{'json_pattern_list':['misc','lens'],'conf_pattern_list':['netport','overlay'],"
-               "'image':['isp0','audio','netport'],"
+               "'image':['isp0','audio','netport'],'page':['isp0'],"
                "'isp0':{'bright':['Bright','I'],'iris':['Iris','I','K']},"
                "'audio':{'audioEnable':['AudioOn','I','Greedy'],'aeFormat':['Coder','S']},"
                "'misc':{'mirror':['AudioOn','I'],'ViStrategy':['Strategy','S']},"

@@ -2,6 +2,8 @@
 // or without a failing allocation.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <string>
 
@@ -32,7 +34,18 @@ private:
 
 // Runs a function for each allocation up to the last, which fails once, and then for ever. Ends
 // with the first failure of a test.
-void for_each_failure(long last, const std::function<void(long, shortage)> &run);
+using faulted_run = std::function<void(long, shortage)>;
+void for_each_failure(long last, const faulted_run &run);
+
+// A part of these runs, for tests of which all together would take long: every fourth.
+struct part_of_failures {
+    shortage lasting;
+    long first; // 1 to 4
+};
+void for_each_failure(long last, const part_of_failures &part, const faulted_run &run);
+testing::internal::ParamGenerator<part_of_failures> all_parts();
+std::string name_of_part(const testing::TestParamInfo<part_of_failures> &part);
+void PrintTo(const part_of_failures &part, std::ostream *out);
 
 // Home and data folders with files for every kind of module; nothing is started.
 class FaultedFolders : public Folders {
