@@ -2,6 +2,7 @@
 #pragma once
 
 #include "camparam/af.h"
+#include "word.h"
 
 struct af_member {
     const char *name;
@@ -18,5 +19,5 @@ inline constexpr af_member af_members[] = {
 // Whether the device has the member, that is, whether its defaults file names it.
 inline bool is_present(const af_member &member)
 {
-    return para_af_exist[member.slot] != 0;
+    return load_word(para_af_exist[member.slot]) != 0;
 }

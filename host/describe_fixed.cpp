@@ -8,6 +8,7 @@
 #include "description.h"
 #include "isp_table.h"
 #include "named_table.h"
+#include "word.h"
 
 namespace {
 
@@ -22,11 +23,11 @@ struct parameter_tables {
 
     member_values at(int slot) const
     {
-        return {.exist = exist[slot],
-                .min = min[slot],
-                .max = max[slot],
-                .def = def[slot],
-                .cur = cur[slot]};
+        return {.exist = load_word(exist[slot]),
+                .min = load_word(min[slot]),
+                .max = load_word(max[slot]),
+                .def = load_word(def[slot]),
+                .cur = load_word(cur[slot])};
     }
 };
 
@@ -48,11 +49,11 @@ constexpr parameter_tables video_tables = {.exist = para_video_exist,
 
 member_values isp_values(int isp_record::*member)
 {
-    return {.exist = para_isp_exist[0].*member,
-            .min = para_isp_min[0].*member,
-            .max = para_isp_max[0].*member,
-            .def = para_isp_def[0].*member,
-            .cur = para_isp_cur[0].*member};
+    return {.exist = load_word(para_isp_exist[0].*member),
+            .min = load_word(para_isp_min[0].*member),
+            .max = load_word(para_isp_max[0].*member),
+            .def = load_word(para_isp_def[0].*member),
+            .cur = load_word(para_isp_cur[0].*member)};
 }
 
 cJSON *add_number(cJSON *members, const char *name, const member_values &values)

@@ -7,6 +7,7 @@
 #include "commands.h"
 #include "outcome.h"
 #include "request.h"
+#include "word.h"
 
 namespace {
 
@@ -36,8 +37,9 @@ std::string set(const cJSON *item)
 
     // The setter returns 0 either way; the current value shows whether it was accepted.
     member->set(item->valueint);
-    if (para_af_cur[member->slot] != item->valueint)
-        return out_of_range(para_af_min[member->slot], para_af_max[member->slot]);
+    if (load_word(para_af_cur[member->slot]) != item->valueint)
+        return out_of_range(load_word(para_af_min[member->slot]),
+                            load_word(para_af_max[member->slot]));
     return "";
 }
 

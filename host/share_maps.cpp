@@ -16,6 +16,7 @@
 #include "camparam/share.h"
 #include "camparam/video.h"
 #include "log.h"
+#include "word.h"
 
 namespace {
 
@@ -50,8 +51,7 @@ void refresh(const shared_table &table)
 {
     int *const words = reinterpret_cast<int *>(table.map.load() + 1);
     for (int i = 0; i < table.entries * table.entry_words; i++) {
-        const int value = __atomic_load_n(&table.values[i], __ATOMIC_RELAXED);
-        __atomic_store_n(&words[i], value, __ATOMIC_RELAXED);
+        __atomic_store_n(&words[i], load_word(table.values[i]), __ATOMIC_RELAXED);
     }
 }
 

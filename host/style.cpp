@@ -4,6 +4,7 @@
 #include "isp_table.h"
 #include "outcome.h"
 #include "request.h"
+#include "word.h"
 
 namespace {
 
@@ -37,9 +38,9 @@ std::string set(const isp_member &member, int value)
 {
     // The setter returns 0 either way; the current value shows whether it was accepted.
     member.set(instance, value);
-    if (para_isp_cur[instance].*member.value != value)
-        return out_of_range(para_isp_min[instance].*member.value,
-                            para_isp_max[instance].*member.value);
+    if (load_word(para_isp_cur[instance].*member.value) != value)
+        return out_of_range(load_word(para_isp_min[instance].*member.value),
+                            load_word(para_isp_max[instance].*member.value));
     return "";
 }
 
@@ -48,12 +49,12 @@ std::string set(const isp_member &member, int value)
 bool apply_style(int index, outcome &result)
 {
     const cJSON *const named = get_isp_style_json(index);
-    const isp_record values = *para_get_isp_style_param(instance, index);
+    const isp_record &values = *para_get_isp_style_param(instance, index);
     for (const isp_member &member : isp_members) {
         const bool is_style = member.value == &isp_record::style;
         if (!is_style && cJSON_GetObjectItem(named, member.name) == nullptr)
             continue;
-        const std::string reason = set(member, is_style ? index : values.*member.value);
+        const std::string reason = set(member, is_style ? index : load_word(values.*member.value));
         result.add(member.name, reason);
         if (is_style && !reason.empty())
             return false;
