@@ -1,12 +1,12 @@
 #include "log.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+
+#include "camparam/platform.h"
 
 void log_line(const char *format, ...)
 {
@@ -18,13 +18,11 @@ void log_line(const char *format, ...)
     if (length < 0)
         return;
 
-    std::string line = "camparamd: ";
-    line += text;
+    std::string line = text;
     free(text);
     std::replace_if(
         line.begin(), line.end(),
         [](unsigned char letter) { return letter < ' ' || letter == 0x7f; }, '?');
-    line += '\n';
-    // A message that cannot be written is lost.
-    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
+    const int progress = 6;
+    wnk_traceout(progress, "camparamd: %s\n", line.c_str());
 }

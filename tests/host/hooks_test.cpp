@@ -10,13 +10,15 @@ namespace {
 
 class Hooks : public testing::Test {
 protected:
-    Hooks()
-    {
-        install_hooks();
-        testing::internal::CaptureStderr();
-    }
+    Hooks() { install_hooks(); }
 
-    static std::string logged() { return testing::internal::GetCapturedStderr(); }
+    static std::string logged()
+    {
+        std::string texts;
+        for (const trace_line &line : traces())
+            texts += line.text;
+        return texts;
+    }
 };
 
 // Stands for the setters of modules with several instances.
