@@ -4,7 +4,6 @@
 
 #include <string>
 
-#include "camparam/command.h"
 #include "camparam/control.h"
 
 bool read_options(int argc, char **argv, options &chosen, int &exit_status)
@@ -14,10 +13,8 @@ bool read_options(int argc, char **argv, options &chosen, int &exit_status)
     chosen.home = para_profile.home_dir;
     chosen.data = para_profile.data_dir;
 
-    CLI::App app("The camera's parameter store: serves settings on UDP port " +
-                     std::to_string(PARA_SERVER_PORT) +
-                     " and saves them.\n"
-                     "SIGTERM and SIGINT save every setting and end it.",
+    CLI::App app("The camera's parameter store: serves settings by UDP and saves them.\n"
+                 "SIGTERM, SIGINT and SIGQUIT save every setting and end it.",
                  "camparamd");
     app.set_version_flag("--version", "camparamd " CAMPARAM_VERSION);
     app.add_option("--home", chosen.home, "Folder of the read-only files: ranges, defaults")
@@ -31,15 +28,23 @@ bool read_options(int argc, char **argv, options &chosen, int &exit_status)
         ->type_name("LEVEL")
         ->check(CLI::Range(0, 7))
         ->capture_default_str();
-    app.add_option("--www2json", chosen.www2json,
-                   "Web-name file inside the home folder [www2json.json]")
-        ->type_name("NAME");
+    app.add_option("--www2json", chosen.www2json, "Web-name file inside the home folder")
+        ->type_name("NAME")
+        ->capture_default_str();
+    app.add_option("--port", chosen.port, "UDP port to serve")
+        ->type_name("PORT")
+        ->check(CLI::Range(1, 65535))
+        ->capture_default_str();
     app.add_flag("--client", chosen.client, "Run in the client role: no settings, no server");
 
-    app.add_flag("--write-conf", chosen.write_conf,
-                 "Write changed conf modules, such as netport, into the data folder. Off by\n"
-                 "default: these files belong to other programs of the device, which may have\n"
-                 "changed them meanwhile");
+    app.add_flag("!--no-guard", chosen.guard,
+                 "Keep no backups of the saved files, and do not try again what cannot be saved");
+    app.add_flag(
+        "!--no-write-conf", chosen.write_conf,
+        "Do not write changed conf modules, such as netport, into the data folder: for\n"
+                 "devices where other programs own these files");
+    app.add_flag("--read-only-data", chosen.read_only_data,
+                 "Start although the data folder cannot be written; changes will be lost");
     app.add_flag("!--no-share", chosen.share,
                  "Publish no shared memory, and drop the datagrams of client processes");
 

@@ -3,13 +3,18 @@
 
 #include <string>
 
+#include "camparam/command.h"
+
 struct options {
     std::string home;
     std::string data;
-    std::string www2json; // empty: the store's default
+    std::string www2json = "www2json.json";
+    int port = PARA_SERVER_PORT;
     int trace_level = 3;
     bool client = false;
-    bool write_conf = false;
+    bool guard = true;
+    bool read_only_data = false;
+    bool write_conf = true;
     bool share = true;
 };
 

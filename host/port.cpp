@@ -6,9 +6,7 @@
 
 #include <cerrno>
 
-#include "camparam/command.h"
-
-int probe_server_port()
+int probe_server_port(int port)
 {
     const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (descriptor < 0)
@@ -16,7 +14,7 @@ int probe_server_port()
 
     sockaddr_in address = {};
     address.sin_family = AF_INET;
-    address.sin_port = htons(PARA_SERVER_PORT);
+    address.sin_port = htons(static_cast<in_port_t>(port));
     address.sin_addr.s_addr = htonl(INADDR_ANY);
     const int result =
         bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address);

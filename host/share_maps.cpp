@@ -10,8 +10,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <iterator>
+#include <string>
 
 #include "camparam/audio.h"
+#include "camparam/command.h"
 #include "camparam/isp.h"
 #include "camparam/share.h"
 #include "camparam/video.h"
@@ -130,6 +132,16 @@ void publish_anew(shared_table &table)
         log_line("cannot publish the shared memory %d anew", table.module);
 }
 
+std::string map_name(int module, int port)
+{
+    char name[64];
+    if (port == PARA_SERVER_PORT)
+        snprintf(name, sizeof name, PARA_SHARE_MAP_NAME, module);
+    else
+        snprintf(name, sizeof name, PARA_SHARE_MAP_NAME_WITH_PORT, module, port);
+    return name;
+}
+
 } // namespace
 
 bool publish_share_maps()
@@ -148,14 +160,12 @@ void refresh_share_maps()
     }
 }
 
-void withdraw_share_maps()
+void withdraw_share_maps(int port)
 {
     for (shared_table &table : tables) {
         if (table.map == nullptr)
             continue;
-        char name[64];
-        snprintf(name, sizeof name, PARA_SHARE_MAP_NAME, table.module);
-        shm_unlink(name);
+        shm_unlink(map_name(table.module, port).c_str());
         table.map = nullptr;
     }
 }

@@ -15,5 +15,6 @@ bool publish_share_maps();
 // published anew, and does not end the host.
 void refresh_share_maps();
 
-// Unlinks the maps. Clients already attached keep the last values.
-void withdraw_share_maps();
+// Unlinks the maps, whose names tell the server's port. Clients already attached keep the last
+// values.
+void withdraw_share_maps(int port);

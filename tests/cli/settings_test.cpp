@@ -46,7 +46,7 @@ TEST_F(EverySetting, GoesByNameWhereItsValuesHaveNames)
 
 TEST_F(EverySetting, SurvivesARestart)
 {
-    start_host({"--write-conf"});
+    start_host();
     EXPECT_EQ(run({"set", "isp0.shutter=12", "isp0.saturation=60", "misc.hdmivideoformat=1080P50",
                    "misc.mirror=1", "netport.http_port=8080", "audio.aeFormat=G711A",
                    "video1.bitRate=4096"})

@@ -32,9 +32,9 @@ protected:
 
 const char *const done = "{'msg_name':'reload','msg_id':2}";
 
-TEST_F(ConfFiles, AreNotWrittenByDefault)
+TEST_F(ConfFiles, AreNotWrittenWhenSwitchedOff)
 {
-    start_host();
+    start_host({"--no-write-conf"});
 
     EXPECT_EQ(set_port("8080"), "{}");
     EXPECT_EQ(values("netport"), "{'netport':{'http_port':'8080'}}");
@@ -43,16 +43,16 @@ TEST_F(ConfFiles, AreNotWrittenByDefault)
     EXPECT_EQ(read_data("netport.conf"), std::nullopt);
 }
 
-TEST_F(ConfFiles, AreWrittenWhenSwitchedOn)
+TEST_F(ConfFiles, AreWrittenByDefault)
 {
-    start_host({"--write-conf"});
+    start_host();
 
     EXPECT_EQ(set_port("8080"), "{}");
     EXPECT_TRUE(wait_until([&] { return read_data("netport.conf") == "http_port = \"8080\"\n"; }));
     EXPECT_EQ(read_data("overlay.conf"), std::nullopt) << "it did not change";
     EXPECT_EQ(end_host(SIGTERM), 0);
 
-    start_host({"--write-conf"});
+    start_host();
     EXPECT_EQ(values("netport"), "{'netport':{'http_port':'8080'}}");
 }
 

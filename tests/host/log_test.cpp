@@ -33,8 +33,8 @@ TEST(HostLog, ShowsEveryControlCharacterAsAQuestionMark)
         controls += control;
     log_line("%s", (controls + " ~\x80\xff").c_str());
 
-    EXPECT_EQ(log_lines(), std::vector<std::string>{"camparamd: " + std::string(32, '?') +
-                                                    " ~\x80\xff\n"});
+    EXPECT_EQ(log_lines(),
+              std::vector<std::string>{"camparamd: " + std::string(32, '?') + " ~\x80\xff\n"});
 }
 
 } // namespace

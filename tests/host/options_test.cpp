@@ -10,16 +10,17 @@ TEST_F(HostOptions, HelpNamesEachOptionAndTheDefaultFolders)
     EXPECT_EQ(run_host({"--help"}), 0);
 
     for (const char *text :
-         {"--home DIR=/home ", "--data DIR=/data ", "--trace LEVEL", "--www2json NAME", "--client",
-          "--write-conf", "--no-share", "--version"})
+         {"--home DIR=/home ", "--data DIR=/data ", "--trace LEVEL",
+          "--www2json NAME=www2json.json", "--port PORT", "=6800", "--client", "--no-guard",
+          "--no-write-conf", "--read-only-data", "--no-share", "--version"})
         EXPECT_NE(host->output().find(text), std::string::npos) << text;
 }
 
-TEST_F(HostOptions, HelpTellsWhyConfFilesAreNotWritten)
+TEST_F(HostOptions, HelpTellsWhenNotToWriteConfFiles)
 {
     EXPECT_EQ(run_host({"--help"}), 0);
 
-    EXPECT_NE(host->output().find("these files belong to other programs"), std::string::npos)
+    EXPECT_NE(host->output().find("where other programs own these files"), std::string::npos)
         << host->output();
 }
 
@@ -36,6 +37,9 @@ TEST_F(HostOptions, MistakesAreUsageErrors)
                                                {"--trace", "8"},
                                                {"--trace", "-1"},
                                                {"--trace", "loud"},
+                                               {"--port", "0"},
+                                               {"--port", "65536"},
+                                               {"--write-conf"},
                                                {"--home"},
                                                {"word"}}) {
         EXPECT_EQ(run_host(options), 2) << options.front();

@@ -89,7 +89,7 @@ TEST_F(HostThreads, ShareMapsCopyWhatTheySet)
         EXPECT_TRUE(publish_share_maps());
         for (int turn = 0; turn < 100; turn++)
             refresh_share_maps();
-        withdraw_share_maps();
+        withdraw_share_maps(PARA_SERVER_PORT);
     });
 }
 

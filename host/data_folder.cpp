@@ -1,0 +1,58 @@
+#include "data_folder.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+
+#include "camparam/platform.h"
+
+std::string too_long_path(const std::string &folder, const std::vector<std::string> &names)
+{
+    for (const std::string &name : names) {
+        char path[PARA_PATH_SIZE];
+        if (*cat_file_name(path, folder.c_str(), name.c_str()) == '\0')
+            return folder + "/" + name;
+    }
+    return "";
+}
+
+std::string make_folder(const std::string &folder)
+{
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (!error && !std::filesystem::is_directory(folder, error) && !error)
+        error = std::make_error_code(std::errc::not_a_directory);
+    return error ? error.message() : "";
+}
+
+// The lock is the folder's own, not a file's: a folder that cannot be written has it too.
+int lock_folder(const std::string &folder)
+{
+    static bool locked = false;
+    if (locked)
+        return 0;
+    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return errno;
+    if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) {
+        locked = true; // as long as the descriptor is open
+        return 0;
+    }
+    const int error = errno;
+    close(descriptor);
+    return error;
+}
+
+int try_to_write(const std::string &folder)
+{
+    std::string path = folder + "/.camparamd-XXXXXX";
+    const int descriptor = mkostemp(path.data(), O_CLOEXEC);
+    if (descriptor < 0)
+        return errno;
+    close(descriptor);
+    return unlink(path.c_str()) == 0 ? 0 : errno;
+}

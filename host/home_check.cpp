@@ -1,0 +1,136 @@
+#include "home_check.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+
+#include "camparam/platform.h"
+#include "request.h"
+
+namespace {
+
+struct text_free {
+    void operator()(char *text) const { free(text); }
+};
+using text_ptr = std::unique_ptr<char, text_free>;
+
+struct home_file {
+    bool exists = false;
+    std::string fault; // why it cannot be used
+    text_ptr text;
+};
+
+std::string reason_of(int error)
+{
+    return error != 0 ? strerror(error) : "cannot be read";
+}
+
+home_file unusable(const std::string &reason)
+{
+    return {.exists = true, .fault = reason, .text = nullptr};
+}
+
+home_file read_home_file(const std::string &home, const std::string &name)
+{
+    char path[PARA_PATH_SIZE];
+    if (*cat_file_name(path, home.c_str(), name.c_str()) == '\0')
+        return unusable("the path is too long");
+    struct stat about = {};
+    if (stat(path, &about) != 0)
+        return errno == ENOENT ? home_file() : unusable(reason_of(errno));
+    if (S_ISDIR(about.st_mode))
+        return unusable(reason_of(EISDIR));
+    if (!S_ISREG(about.st_mode))
+        return unusable("not a regular file");
+    errno = 0;
+    text_ptr text(read_file_to_buf(path));
+    if (!text)
+        return unusable(reason_of(errno));
+    return {.exists = true, .fault = "", .text = std::move(text)};
+}
+
+// "no JSON at line 3, column 7", of the place where parsing ended.
+std::string position_of(const char *text, const char *end)
+{
+    const auto lines = std::count(text, end, '\n');
+    const char *start = end;
+    while (start > text && start[-1] != '\n')
+        start--;
+    return "no JSON at line " + std::to_string(lines + 1) + ", column " +
+           std::to_string(end - start + 1);
+}
+
+// Text behind the document is no fault to the store either.
+json_ptr parse(home_file &file)
+{
+    const char *end = nullptr;
+    json_ptr root(cJSON_ParseWithOpts(file.text.get(), &end, 0));
+    if (!root)
+        file.fault = position_of(file.text.get(), end);
+    else if (!cJSON_IsObject(root.get()))
+        file.fault = "holds no JSON object";
+    return root;
+}
+
+class home_folder {
+public:
+    explicit home_folder(const std::string &folder) : home(folder) {}
+
+    // The tree of a JSON file; null when there is none, or a fault.
+    json_ptr take_json(const std::string &name)
+    {
+        home_file file = read_home_file(home, name);
+        json_ptr root = file.text ? parse(file) : nullptr;
+        take(name, file);
+        return file.fault.empty() ? std::move(root) : nullptr;
+    }
+
+    void take_conf(const std::string &name) { take(name, read_home_file(home, name)); }
+
+    bool has_files = false;
+    std::string fault; // the first one
+
+private:
+    void take(const std::string &name, const home_file &file)
+    {
+        has_files |= file.exists;
+        if (fault.empty() && !file.fault.empty())
+            fault = "cannot use the home file \"" + home + "/" + name + "\": " + file.fault;
+    }
+
+    const std::string &home;
+};
+
+std::string folder_fault(const std::string &home)
+{
+    std::error_code error;
+    const std::filesystem::directory_iterator content(home, error);
+    if (!error)
+        return "";
+    return "cannot read the home folder \"" + home + "\": " + error.message();
+}
+
+} // namespace
+
+home_check check_home(const std::string &home, const std::string &web_names)
+{
+    if (const std::string fault = folder_fault(home); !fault.empty())
+        return {fault, {}};
+
+    home_folder folder(home);
+    const json_ptr names = folder.take_json(web_names);
+    const device_files files = files_of(names.get());
+    folder.has_files = false; // web names alone are no settings
+    for (const std::string &name : files.json_files)
+        folder.take_json(name);
+    for (const std::string &name : files.conf_files)
+        folder.take_conf(name);
+    if (folder.fault.empty() && !folder.has_files)
+        folder.fault = "cannot use the home folder \"" + home + "\": no settings files in it";
+    return {folder.fault, files};
+}
