@@ -1,58 +1,12 @@
 #include "home_check.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
-#include <optional>
 
-#include "camparam/platform.h"
+#include "device_file.h"
 #include "request.h"
 
 namespace {
-
-struct text_free {
-    void operator()(char *text) const { free(text); }
-};
-using text_ptr = std::unique_ptr<char, text_free>;
-
-struct home_file {
-    bool exists = false;
-    std::string fault; // why it cannot be used
-    text_ptr text;
-};
-
-std::string reason_of(int error)
-{
-    return error != 0 ? strerror(error) : "cannot be read";
-}
-
-home_file unusable(const std::string &reason)
-{
-    return {.exists = true, .fault = reason, .text = nullptr};
-}
-
-home_file read_home_file(const std::string &home, const std::string &name)
-{
-    char path[PARA_PATH_SIZE];
-    if (*cat_file_name(path, home.c_str(), name.c_str()) == '\0')
-        return unusable("the path is too long");
-    struct stat about = {};
-    if (stat(path, &about) != 0)
-        return errno == ENOENT ? home_file() : unusable(reason_of(errno));
-    if (S_ISDIR(about.st_mode))
-        return unusable(reason_of(EISDIR));
-    if (!S_ISREG(about.st_mode))
-        return unusable("not a regular file");
-    errno = 0;
-    text_ptr text(read_file_to_buf(path));
-    if (!text)
-        return unusable(reason_of(errno));
-    return {.exists = true, .fault = "", .text = std::move(text)};
-}
 
 // "no JSON at line 3, column 7", of the place where parsing ended.
 std::string position_of(const char *text, const char *end)
@@ -66,7 +20,7 @@ std::string position_of(const char *text, const char *end)
 }
 
 // Text behind the document is no fault to the store either.
-json_ptr parse(home_file &file)
+json_ptr parse(device_file &file)
 {
     const char *end = nullptr;
     json_ptr root(cJSON_ParseWithOpts(file.text.get(), &end, 0));
@@ -84,19 +38,19 @@ public:
     // The tree of a JSON file; null when there is none, or a fault.
     json_ptr take_json(const std::string &name)
     {
-        home_file file = read_home_file(home, name);
+        device_file file = read_device_file(home, name);
         json_ptr root = file.text ? parse(file) : nullptr;
         take(name, file);
         return file.fault.empty() ? std::move(root) : nullptr;
     }
 
-    void take_conf(const std::string &name) { take(name, read_home_file(home, name)); }
+    void take_conf(const std::string &name) { take(name, read_device_file(home, name)); }
 
     bool has_files = false;
     std::string fault; // the first one
 
 private:
-    void take(const std::string &name, const home_file &file)
+    void take(const std::string &name, const device_file &file)
     {
         has_files |= file.exists;
         if (fault.empty() && !file.fault.empty())

@@ -8,26 +8,17 @@
 #include "camparam/guard.h"
 #include "camparam/platform.h"
 #include "commands.h"
+#include "conf_reload.h"
 #include "hooks.h"
 #include "log.h"
 #include "options.h"
 #include "share_datagram.h"
 #include "share_maps.h"
+#include "signals.h"
 #include "start_checks.h"
+#include "unsaved.h"
 
 namespace {
-
-// Runs before any thread is created: all inherit the mask, and only the main thread takes these
-// signals. One that interrupted a wait of the store's thread would end that thread.
-sigset_t block_ending_signals()
-{
-    sigset_t ending;
-    sigemptyset(&ending);
-    sigaddset(&ending, SIGTERM);
-    sigaddset(&ending, SIGINT);
-    sigprocmask(SIG_BLOCK, &ending, nullptr);
-    return ending;
-}
 
 void fill_profile(const options &chosen)
 {
@@ -72,14 +63,30 @@ bool start_client()
     return true;
 }
 
-// Refreshes the share maps until one of the signals arrives. Returns its number.
-int wait_for_signal(const sigset_t &ending)
+// What the main thread does a few times a second.
+void take_turn()
 {
-    const timespec turn = {0, 100000000};
-    int received = -1;
-    while ((received = sigtimedwait(&ending, nullptr, &turn)) < 0)
-        refresh_share_maps();
-    return received;
+    refresh_share_maps();
+    reload_requested_conf();
+}
+
+// Returns the signal that ends the host.
+int serve_signals()
+{
+    while (true) {
+        const int received = wait_for_signal();
+        if (is_ending_signal(received))
+            return received;
+        if (received == SIGHUP) {
+            log_line("SIGHUP: rereading conf files");
+            request_conf_reload();
+        } else if (received == SIGUSR1) {
+            log_line("SIGUSR1: saving");
+            platformparam_save();
+            tell_unsaved();
+        }
+        take_turn();
+    }
 }
 
 } // namespace
@@ -92,15 +99,15 @@ int main(int argc, char **argv)
         return exit_status;
 
     umask(027); // settings are for the host's user to write, and for its group to read
-    const sigset_t ending = block_ending_signals();
+    block_handled_signals();
     signal(SIGPIPE, SIG_IGN); // the reader of the traces may exit; settings must still be saved
     fill_profile(chosen);
     if (!(chosen.client ? start_client() : start_server(chosen)))
         return 1;
 
-    const int received = wait_for_signal(ending);
-    log_line("%s: saving and stopping", received == SIGTERM ? "SIGTERM" : "SIGINT");
+    log_line("%s: saving and stopping", signal_name(serve_signals()));
     withdraw_share_maps(chosen.port);
     platformparam_stop(1);
-    return 0;
+    const bool changes_lost = tell_unsaved();
+    return changes_lost && !chosen.read_only_data ? 1 : 0;
 }

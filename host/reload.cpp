@@ -1,24 +1,14 @@
 #include <cstring>
 
 #include "camparam/conf.h"
-#include "camparam/module.h"
 #include "camparam/platform_queue.h"
 #include "commands.h"
+#include "conf_reload.h"
 #include "request.h"
 
 namespace {
 
 const char *const netport = "netport";
-
-bool is_conf_module(const char *name)
-{
-    for (int i = 0; i < module_para_handle_num; i++) {
-        const para_module &row = module_para_handle[i];
-        if (row.name != nullptr && row.get_opt == para_get_conf_opt && strcmp(row.name, name) == 0)
-            return true;
-    }
-    return false;
-}
 
 // The requested module; null when "module" is not a text.
 const char *module_of(const cJSON *data)

@@ -44,15 +44,16 @@ TEST_F(HostLife, SavesAChangeByItself)
 
 TEST_F(HostLife, SavesEverythingAtTheEnd)
 {
-    for (const int number : {SIGTERM, SIGINT}) {
+    const std::pair<int, std::string> signals[] = {
+        {SIGTERM, "SIGTERM"}, {SIGINT, "SIGINT"}, {SIGQUIT, "SIGQUIT"}};
+    for (const auto &[number, name] : signals) {
         start_host();
         ASSERT_EQ(read_data("af_cur.json"), std::nullopt);
 
         EXPECT_EQ(end_host(number), 0);
 
         EXPECT_TRUE(saves("af_cur.json", "{\n\t'focus_mode':\t1,\n\t'zoom_value':\t0\n}"));
-        EXPECT_TRUE(
-            host_has_logged(number == SIGTERM ? "camparamd: SIGTERM" : "camparamd: SIGINT"));
+        EXPECT_TRUE(host_has_logged("camparamd: " + name + ": saving and stopping\n"));
         remove((data + "/af_cur.json").c_str());
     }
 }

@@ -1,0 +1,12 @@
+// Rereading conf files when the host is told to.
+#pragma once
+
+// Whether the module is one of conf files.
+bool is_conf_module(const char *name);
+
+// Main thread only. Asks for the files of each conf module to be reread.
+void request_conf_reload();
+
+// Main thread only. Rereads the files that were asked for. A module with a change that is still to
+// be saved is left for a later call: its values would be replaced with those of the file.
+void reload_requested_conf();

@@ -1,0 +1,161 @@
+// The signals that camparamd handles.
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "host/host_process.h"
+
+namespace {
+
+class HostSignals : public HostProcess {
+protected:
+    HostSignals()
+    {
+        write_home("netport.conf", "http_port = '80'\nrtsp_port = '554'\n");
+        write_home("overlay.conf", "title = 'Hall'\n");
+    }
+
+    std::string set_port(const std::string &port)
+    {
+        return client.ask("{'msg_type':'set','netport':{'http_port':'" + port + "'}}");
+    }
+
+    std::string port() { return client.ask("{'msg_type':'get','netport':['http_port']}"); }
+
+    std::string title() { return client.ask("{'msg_type':'get','overlay':['title']}"); }
+
+    Client client;
+};
+
+TEST_F(HostSignals, UsrOneSavesEverything)
+{
+    start_host();
+    ASSERT_EQ(read_data("af_cur.json"), std::nullopt);
+
+    host->send_signal(SIGUSR1);
+
+    EXPECT_TRUE(saves("af_cur.json", "{\n\t'focus_mode':\t1,\n\t'zoom_value':\t0\n}"));
+    EXPECT_EQ(port(), "{'netport':{'http_port':'80'}}") << "it goes on";
+}
+
+TEST_F(HostSignals, HupRereadsEachConfModule)
+{
+    start_host();
+    write_data("netport.conf", "http_port = '81'\n");
+    write_data("overlay.conf", "title = 'Yard'\n");
+
+    host->send_signal(SIGHUP);
+
+    EXPECT_TRUE(wait_until([&] { return port() == "{'netport':{'http_port':'81'}}"; }));
+    EXPECT_TRUE(wait_until([&] { return title() == "{'overlay':{'title':'Yard'}}"; }));
+    EXPECT_TRUE(wait_until([&] { return host_has_logged("conf_update: overlay"); }));
+}
+
+TEST_F(HostSignals, HupHoldsUpNoClientWhileAFileIsLocked)
+{
+    start_host();
+    write_data("netport.conf", "http_port = '81'\n");
+    const int file = open((data + "/netport.conf").c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(flock(file, LOCK_EX), 0);
+
+    host->send_signal(SIGHUP);
+    ASSERT_TRUE(wait_until([&] { return host_has_logged("SIGHUP: rereading conf files"); }));
+
+    EXPECT_EQ(client.ask("{'msg_type':'get','af':['zoom_value']}"), "{'af':{'zoom_value':0}}");
+    EXPECT_FALSE(host_has_logged("conf_update: netport"));
+    close(file);
+    EXPECT_TRUE(wait_until([&] { return port() == "{'netport':{'http_port':'81'}}"; }));
+}
+
+TEST_F(HostSignals, HupLosesNoChangeThatIsStillToBeSaved)
+{
+    start_host();
+    write_data("netport.conf", "http_port = '81'\n");
+    EXPECT_EQ(set_port("8080"), "{}");
+    const size_t told = host->errors().size();
+
+    host->send_signal(SIGHUP);
+
+    EXPECT_TRUE(wait_until(
+        [&] { return host->errors().find("conf_update: netport", told) != std::string::npos; }));
+    EXPECT_EQ(port(), "{'netport':{'http_port':'8080'}}");
+    EXPECT_EQ(read_data("netport.conf"), "http_port = \"8080\"\nrtsp_port = \"554\"\n");
+}
+
+TEST_F(HostSignals, HupTakesTheFilesWhereWritingIsOff)
+{
+    start_host({"--no-write-conf"});
+    write_data("netport.conf", "http_port = '81'\n");
+    EXPECT_EQ(set_port("8080"), "{}");
+
+    host->send_signal(SIGHUP);
+
+    EXPECT_TRUE(wait_until([&] { return port() == "{'netport':{'http_port':'81'}}"; }));
+}
+
+TEST_F(HostSignals, HupKeepsTheValuesOfAFileThatCannotBeRead)
+{
+    start_host();
+    EXPECT_EQ(set_port("8080"), "{}");
+    EXPECT_TRUE(wait_until([&] { return read_data("netport.conf").has_value(); }));
+    std::filesystem::remove(data + "/netport.conf");
+    ASSERT_EQ(mkfifo((data + "/netport.conf").c_str(), 0600), 0);
+    std::filesystem::remove(home + "/overlay.conf");
+
+    host->send_signal(SIGHUP);
+
+    EXPECT_TRUE(wait_until([&] {
+        return host_has_logged("cannot reread \"" + data +
+                               "/netport.conf\": not a regular file\n") &&
+               host_has_logged("cannot reread \"" + home +
+                               "/overlay.conf\": No such file or directory\n");
+    })) << host->errors();
+    EXPECT_EQ(port(), "{'netport':{'http_port':'8080'}}");
+    EXPECT_EQ(title(), "{'overlay':{'title':'Hall'}}");
+}
+
+TEST_F(HostSignals, SignalsThatArePendingTogetherAreAllServed)
+{
+    start_host();
+    write_data("overlay.conf", "title = 'Yard'\n");
+    EXPECT_EQ(set_port("8080"), "{}");
+    host->send_signal(SIGSTOP);
+    for (const int number : {SIGTERM, SIGUSR1, SIGHUP, SIGUSR1})
+        host->send_signal(number);
+    host->send_signal(SIGCONT);
+
+    EXPECT_EQ(host->wait_for_end(), 0);
+
+    for (const char *message :
+         {"SIGHUP: rereading", "conf_update: overlay", "SIGUSR1: saving", "SIGTERM: saving"})
+        EXPECT_TRUE(host_has_logged(message)) << message;
+    EXPECT_EQ(read_data("overlay.conf"), "title = \"Yard\"\n");
+    EXPECT_EQ(read_data("netport.conf"), "http_port = \"8080\"\nrtsp_port = \"554\"\n");
+}
+
+TEST_F(HostSignals, TheEndTellsWhatIsNotSaved)
+{
+    start_host();
+    EXPECT_EQ(client.ask("{'msg_type':'api_set','msg_name':'lens','data':{'zoom_value':7}}"),
+              "{'msg_name':'lens','accepted':['zoom_value'],'refused':{}}");
+    std::filesystem::create_directory(data + "/af_cur.json");
+    ASSERT_TRUE(std::filesystem::is_directory(data + "/af_cur.json"));
+
+    EXPECT_EQ(end_host(SIGTERM), 1);
+
+    EXPECT_TRUE(host_has_logged("camparamd: af is not saved: Is a directory\n")) << host->errors();
+}
+
+TEST_F(HostSignals, TheEndIsGoodWhereOnlyUnchangedValuesAreNotSaved)
+{
+    std::filesystem::create_directory(data + "/af_cur.json");
+    start_host();
+
+    EXPECT_EQ(end_host(SIGTERM), 0);
+}
+
+} // namespace
