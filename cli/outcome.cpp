@@ -13,6 +13,7 @@ outcome outcome_of(const cJSON *answer)
 {
     outcome result;
     result.done = cJSON_GetArraySize(member_of(answer, "accepted"));
-    result.refused = cJSON_GetArraySize(member_of(answer, "refused"));
+    result.refused = cJSON_GetArraySize(member_of(answer, "refused")) +
+                     cJSON_GetArraySize(member_of(answer, "failed"));
     return result;
 }

@@ -13,7 +13,13 @@ int describe_command(int mode, para_message *message, cJSON **reply);
 int lens_command(int mode, para_message *message, cJSON **reply);
 // Rereads the files of a conf module, "netport" by default. Set only.
 int reload_command(int mode, para_message *message, cJSON **reply);
-// Saves every module now. Get or set, as it changes no setting.
+// Saves every module, and tells which could not be saved. Get or set, as it changes no setting.
+// Less than a second after the last save it is answered at once if nothing is left to write, else
+// by answer_waiting_saves().
 int save_command(int mode, para_message *message, cJSON **reply);
 // Lists the picture styles, or applies one. Get or set.
 int style_command(int mode, para_message *message, cJSON **reply);
+
+// Saves and answers the requests to save that wait, if a second has passed since the last save.
+// Main thread only, a few times a second.
+void answer_waiting_saves();

@@ -68,6 +68,7 @@ void take_turn()
 {
     refresh_share_maps();
     reload_requested_conf();
+    answer_waiting_saves();
 }
 
 // Returns the signal that ends the host.

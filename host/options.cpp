@@ -39,9 +39,8 @@ bool read_options(int argc, char **argv, options &chosen, int &exit_status)
 
     app.add_flag("!--no-guard", chosen.guard,
                  "Keep no backups of the saved files, and do not try again what cannot be saved");
-    app.add_flag(
-        "!--no-write-conf", chosen.write_conf,
-        "Do not write changed conf modules, such as netport, into the data folder: for\n"
+    app.add_flag("!--no-write-conf", chosen.write_conf,
+                 "Do not write changed conf modules, such as netport, into the data folder: for\n"
                  "devices where other programs own these files");
     app.add_flag("--read-only-data", chosen.read_only_data,
                  "Start although the data folder cannot be written; changes will be lost");

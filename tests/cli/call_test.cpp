@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include "cli/run.h"
 #include "host/host_process.h"
 
@@ -36,6 +38,17 @@ TEST_F(CallCommand, PrintsNothingForAnAnswerWithoutContent)
     EXPECT_EQ(called.output, "");
     EXPECT_NE(read_data("af_cur.json"), std::nullopt);
     EXPECT_EQ(run({"call", "save", "--json"}).output, "{}\n");
+}
+
+TEST_F(CallCommand, TellsWhichModulesCouldNotBeSaved)
+{
+    start_host();
+    std::filesystem::create_directory(data + "/af_cur.json");
+
+    const run_result called = run({"call", "save"});
+
+    EXPECT_EQ(called.status, 4);
+    EXPECT_EQ(squeeze(called.output), "{'failed':{'af':'Is a directory'}}");
 }
 
 TEST_F(CallCommand, AsksWithoutMembers)

@@ -1,11 +1,31 @@
+#include <filesystem>
+
 #include "host/host_process.h"
 
 namespace {
 
 class SaveCommand : public HostProcess {
 protected:
+    std::string save() { return client.ask("{'msg_type':'api_set','msg_name':'save'}"); }
+
+    std::string set_zoom(int value)
+    {
+        return client.ask("{'msg_type':'api_set','msg_name':'lens','data':{'zoom_value':" +
+                          std::to_string(value) + "}}");
+    }
+
+    // A folder in place of the file.
+    void obstruct(const std::string &name)
+    {
+        std::filesystem::remove(data + "/" + name);
+        std::filesystem::create_directory(data + "/" + name);
+    }
+
     Client client;
 };
+
+const char *const lens_taken = "{'msg_name':'lens','accepted':['zoom_value'],'refused':{}}";
+const char *const all_saved = "{'msg_name':'save'}";
 
 TEST_F(SaveCommand, WritesTheFilesBeforeItAnswers)
 {
@@ -24,6 +44,80 @@ TEST_F(SaveCommand, WritesTheFilesBeforeItAnswers)
         end_host(SIGKILL);
         remove((data + "/af_cur.json").c_str());
     }
+}
+
+TEST_F(SaveCommand, TellsWhichModulesCannotBeSaved)
+{
+    write_home("netport.conf", "http_port = '80'\n");
+    write_home("overlay.conf", "title = 'Hall'\n");
+    start_host({"--trace", "0"});
+    obstruct("af_cur.json");
+    obstruct("overlay.conf");
+
+    EXPECT_EQ(client.ask("{'msg_type':'api_set','msg_name':'save','msg_id':4}"),
+              "{'msg_name':'save','msg_id':4,'failed':"
+              "{'af':'Is a directory','overlay':'Is a directory'}}");
+
+    std::filesystem::remove(data + "/af_cur.json");
+    std::filesystem::remove(data + "/overlay.conf");
+    EXPECT_EQ(save(), all_saved) << "when they can be again";
+}
+
+TEST_F(SaveCommand, TellsOfChangesThatAreNotWrittenOnPurpose)
+{
+    write_home("netport.conf", "http_port = '80'\n");
+    start_host({"--no-write-conf"});
+    EXPECT_EQ(save(), all_saved);
+
+    client.ask("{'msg_type':'set','netport':{'http_port':'81'}}");
+    EXPECT_EQ(save(), "{'msg_name':'save','failed':{'netport':'writing is off'}}");
+}
+
+TEST_F(SaveCommand, WritesNothingAgainWithinASecond)
+{
+    start_host();
+    EXPECT_EQ(save(), all_saved);
+    std::filesystem::remove(data + "/af_cur.json");
+
+    EXPECT_EQ(save(), all_saved);
+    EXPECT_EQ(read_data("af_cur.json"), std::nullopt) << "nothing had changed";
+
+    EXPECT_TRUE(wait_until([&] {
+        EXPECT_EQ(save(), all_saved);
+        return read_data("af_cur.json").has_value();
+    })) << "a second later it is written";
+}
+
+TEST_F(SaveCommand, OfAChangeWithinASecondIsAnsweredWhenItIsWritten)
+{
+    start_host();
+    EXPECT_EQ(save(), all_saved);
+    EXPECT_EQ(set_zoom(7), lens_taken);
+
+    client.send(swap_quotes("{'msg_type':'api_set','msg_name':'save','msg_id':5}", '\'', '"'));
+    EXPECT_EQ(Client().ask("{'msg_type':'get','af':['zoom_value']}"), "{'af':{'zoom_value':7}}")
+        << "others are served meanwhile";
+
+    const json answer(cJSON_Parse(client.receive().value_or("").c_str()));
+    EXPECT_EQ(compact(answer.get()), "{'msg_name':'save','msg_id':5}");
+    EXPECT_TRUE(saves("af_cur.json", "{\n\t'focus_mode':\t1,\n\t'zoom_value':\t7\n}"));
+}
+
+TEST_F(SaveCommand, WritesOnceForAllThatWait)
+{
+    start_host();
+    EXPECT_EQ(save(), all_saved);
+    EXPECT_EQ(set_zoom(7), lens_taken);
+
+    Client others[3];
+    for (Client &other : others)
+        other.send(swap_quotes("{'msg_type':'api_set','msg_name':'save'}", '\'', '"'));
+    for (Client &other : others)
+        EXPECT_NE(other.receive(), std::nullopt);
+
+    EXPECT_EQ(set_zoom(8), lens_taken);
+    client.send(swap_quotes("{'msg_type':'api_set','msg_name':'save'}", '\'', '"'));
+    EXPECT_EQ(client.receive(100), std::nullopt) << "they saved less than a second ago";
 }
 
 } // namespace
