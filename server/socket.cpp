@@ -10,6 +10,7 @@
 #include "base/guard.h"
 #include "base/port.h"
 #include "base/trace.h"
+#include "server/reply_observer.h"
 
 // Has each datagram received with the address that it was sent to.
 static bool tell_destinations(int descriptor)
@@ -105,8 +106,10 @@ int SendBuf2Client(int socket, struct sockaddr_in client, const char *text, int 
         return 0;
 
     PARA_TRACE(PARA_DUMP, "send buf : %s,buflen:%d", text, length);
-    sendto(socket, text, static_cast<size_t>(length), MSG_DONTWAIT,
-           reinterpret_cast<const sockaddr *>(&client), sizeof client);
+    const ssize_t sent = sendto(socket, text, static_cast<size_t>(length), MSG_DONTWAIT,
+                                reinterpret_cast<const sockaddr *>(&client), sizeof client);
+    if (sent >= 0)
+        tell_reply_observer(client, length);
     return 0;
 }
 

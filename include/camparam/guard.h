@@ -108,6 +108,18 @@ PARA_API int platformparam_set_server_port(int port);
 PARA_API void register_request_filter(int (*admit)(const struct sockaddr_in *sender,
                                                    const char *datagram, int length));
 
+/**
+ * Set the function that is told of each reply once it is sent, so that a filter can take account of
+ * how much a client is sent; NULL: none, as in the beginning. Any thread, at any time. It works
+ * with the guard off, too.
+ *
+ * It runs on the thread that replies: "Para_Process", or a thread of the host's that calls
+ * SendBuf2Client(). A reply that the system did not take is not told of.
+ *
+ * @param observer  to: the client, borrowed for the call. length: the reply's bytes, 1 to 65507.
+ */
+PARA_API void register_reply_observer(void (*observer)(const struct sockaddr_in *to, int length));
+
 PARA_END_DECLS
 
 #endif
