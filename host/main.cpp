@@ -12,6 +12,7 @@
 #include "hooks.h"
 #include "log.h"
 #include "options.h"
+#include "request_filter.h"
 #include "share_datagram.h"
 #include "share_maps.h"
 #include "signals.h"
@@ -42,6 +43,8 @@ bool start_server(const options &chosen)
         log_line("cannot register the commands");
         return false;
     }
+    install_request_filter(
+        {.allowed = chosen.allowed, .per_source = chosen.per_source, .port = chosen.port});
     if (chosen.share)
         register_share_datagram_handler(apply_share_datagram);
     if (const int error = platformparam_init(); error != 0) {
@@ -69,6 +72,7 @@ void take_turn()
     refresh_share_maps();
     reload_requested_conf();
     answer_waiting_saves();
+    tell_dropped_datagrams();
 }
 
 // Returns the signal that ends the host.

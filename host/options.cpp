@@ -2,9 +2,46 @@
 
 #include <CLI/CLI.hpp>
 
+#include <optional>
 #include <string>
 
 #include "camparam/control.h"
+
+static std::string add_network(std::vector<network> &networks, const std::string &text)
+{
+    const std::optional<network> parsed = parse_network(text);
+    if (!parsed)
+        return "\"" + text + "\" is no network such as 192.168.1.0/24";
+    networks.push_back(*parsed);
+    return "";
+}
+
+static void add_filter_options(CLI::App &app, options &chosen)
+{
+    const int most = 1000000000;
+    app.add_option_function<std::vector<std::string>>(
+           "--allow",
+           [&chosen](const std::vector<std::string> &networks) {
+               for (const std::string &text : networks) {
+                   const std::string mistake = add_network(chosen.allowed, text);
+                   if (!mistake.empty())
+                       throw CLI::ValidationError("--allow", mistake);
+               }
+           },
+           "Serve these networks and this machine, such as 192.168.1.0/24; by default\n"
+           "those of the machine's interfaces. 0.0.0.0/0: everybody")
+        ->type_name("NETWORK");
+    app.add_option("--requests-per-second", chosen.per_source.requests_per_second,
+                   "Requests that are served of each source but this machine")
+        ->type_name("N")
+        ->check(CLI::Range(1, most))
+        ->capture_default_str();
+    app.add_option("--reply-bytes-per-second", chosen.per_source.reply_bytes_per_second,
+                   "Bytes that each source but this machine is answered")
+        ->type_name("N")
+        ->check(CLI::Range(1, most))
+        ->capture_default_str();
+}
 
 bool read_options(int argc, char **argv, options &chosen, int &exit_status)
 {
@@ -35,6 +72,7 @@ bool read_options(int argc, char **argv, options &chosen, int &exit_status)
         ->type_name("PORT")
         ->check(CLI::Range(1, 65535))
         ->capture_default_str();
+    add_filter_options(app, chosen);
     app.add_flag("--client", chosen.client, "Run in the client role: no settings, no server");
 
     app.add_flag("!--no-guard", chosen.guard,

@@ -4,12 +4,16 @@
 #include <string>
 
 #include "camparam/command.h"
+#include "networks.h"
+#include "rate_limit.h"
 
 struct options {
     std::string home;
     std::string data;
     std::string www2json = "www2json.json";
     int port = PARA_SERVER_PORT;
+    std::vector<network> allowed; // empty: those of the machine's interfaces
+    rate per_source;
     int trace_level = 3;
     bool client = false;
     bool guard = true;

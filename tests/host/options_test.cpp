@@ -11,8 +11,9 @@ TEST_F(HostOptions, HelpNamesEachOptionAndTheDefaultFolders)
 
     for (const char *text :
          {"--home DIR=/home ", "--data DIR=/data ", "--trace LEVEL",
-          "--www2json NAME=www2json.json", "--port PORT", "=6800", "--client", "--no-guard",
-          "--no-write-conf", "--read-only-data", "--no-share", "--version"})
+          "--www2json NAME=www2json.json", "--port PORT", "=6800", "--allow NETWORK",
+          "--requests-per-second N", "=500", "--reply-bytes-per-second N", "=131072", "--client",
+          "--no-guard", "--no-write-conf", "--read-only-data", "--no-share", "--version"})
         EXPECT_NE(host->output().find(text), std::string::npos) << text;
 }
 
@@ -40,6 +41,10 @@ TEST_F(HostOptions, MistakesAreUsageErrors)
                                                {"--port", "0"},
                                                {"--port", "65536"},
                                                {"--write-conf"},
+                                               {"--allow"},
+                                               {"--allow", "10.0.0.0/8", "camera"},
+                                               {"--requests-per-second", "0"},
+                                               {"--reply-bytes-per-second", "1000000001"},
                                                {"--home"},
                                                {"word"}}) {
         EXPECT_EQ(run_host(options), 2) << options.front();
