@@ -1,5 +1,7 @@
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -143,6 +145,25 @@ TEST_F(HostLife, GoesOnWhenNobodyReadsItsMessages)
     kill(std::stoi(*read_file(id_file)), SIGTERM);
 
     EXPECT_TRUE(saves("af_cur.json", "{\n\t'focus_mode':\t1,\n\t'zoom_value':\t2\n}"));
+}
+
+TEST_F(HostLife, GoesOnWhenItsMessagesAreLeftUnread)
+{
+    const std::string pipe_path = data + "/pipe";
+    ASSERT_EQ(mkfifo(pipe_path.c_str(), 0600), 0);
+    const int unread = open(pipe_path.c_str(), O_RDWR | O_CLOEXEC);
+    host = std::make_unique<process>(
+        std::vector<std::string>{"sh", "-c",
+                                 "exec " CAMPARAMD " --home " + home + " --data " + data +
+                                     " --no-share --trace 7 2>" + pipe_path});
+    ASSERT_TRUE(wait_until([&] { return set_zoom(0) == taken; }));
+
+    for (int value = 0; value <= 1000; value++)
+        ASSERT_EQ(set_zoom(value), taken) << value;
+    EXPECT_EQ(end_host(SIGTERM), 0);
+
+    close(unread);
+    EXPECT_TRUE(saves("af_cur.json", "{\n\t'focus_mode':\t1,\n\t'zoom_value':\t1000\n}"));
 }
 
 } // namespace
