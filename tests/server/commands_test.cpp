@@ -94,6 +94,7 @@ TEST_F(Commands, ANameMayBeCutShortAndTheLastRowWins)
     EXPECT_EQ(ask("alpha"), "{'from':'b','mode':0}") << "alphabet stands behind alpha";
     EXPECT_EQ(ask("a"), "{'from':'b','mode':0}");
     EXPECT_EQ(ask("alphabets"), "{'err':'Invalid API command'}");
+    EXPECT_EQ(ask("Alpha"), "{'err':'Invalid API command'}") << "letter by letter";
 }
 
 TEST_F(Commands, HandlersAreToldWhereTheirRequestCameFrom)
@@ -175,6 +176,21 @@ TEST_F(Commands, ARequestWithoutANameIsRefused)
         EXPECT_EQ(client.receive(), refusal);
     }
     EXPECT_EQ(count_traces("msg_name is NULL", "Recive_message_Process_api"), 2);
+}
+
+TEST_F(Commands, OnlyARequestWithoutANameIsAnError)
+{
+    register_param_command("first", first, 7);
+    const auto process = [](const char *request) {
+        para_message message = {};
+        message.socket = -1;
+        return Recive_message_Process_api(&message, parse(request).release(), PARA_GET);
+    };
+    EXPECT_EQ(process("{}"), -1);
+    EXPECT_EQ(process("{'msg_name':5}"), -1);
+    for (const char *request : {"{'msg_name':'alpha'}", "{'msg_name':'silent'}",
+                                "{'msg_name':'failing'}", "{'msg_name':'unknown'}"})
+        EXPECT_EQ(process(request), 0) << request;
 }
 
 TEST_F(Commands, ACommandWithoutATreeGetsNoReply)

@@ -99,6 +99,12 @@ TEST_F(Requests, AKeyThatBeginsWithARowNameIsThatRows)
     EXPECT_THAT(calls, ElementsAre("get hostx=1 for host", "get hostess=2 for host"));
 }
 
+TEST_F(Requests, NamesOfRowsAreMatchedLetterByLetter)
+{
+    EXPECT_EQ(client.ask("{'msg_type':'get','Host':1,'HOST':2,' host':3,'ho st':4}"), "{}");
+    EXPECT_THAT(calls, IsEmpty());
+}
+
 TEST_F(Requests, FirstPrefixMatchDecides)
 {
     client.ask("{'msg_type':'get','deafen':1,'ends':2,'hos':3,'':4}");
@@ -118,6 +124,15 @@ TEST_F(Requests, SetHandsEveryMemberOverAndEchoesTheIdentifiers)
                          "'msg_name':'n'}"),
               "{'msg_name':'n','msg_id':7}");
     EXPECT_THAT(calls, ElementsAre("set host={'a':1} for host", "set hostess='x' for host"));
+}
+
+TEST_F(Requests, SetHandsOverValuesOfEveryType)
+{
+    for (const char *value : {"null", "true", "7", "'x'", "[1,null]", "{}"}) {
+        calls.clear();
+        client.ask(std::string("{'msg_type':'set','host':") + value + "}");
+        EXPECT_THAT(calls, ElementsAre(std::string("set host=") + value + " for host"));
+    }
 }
 
 TEST_F(Requests, SetEchoesOnlyIdentifiersOfTheRightType)

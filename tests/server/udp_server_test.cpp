@@ -161,6 +161,16 @@ TEST_F(Server, CutsALongerDatagram)
               1);
 }
 
+TEST_F(Server, IgnoresWhatFollowsTheRequest)
+{
+    client.send("{\"msg_type\":\"get\",\"msg_id\":9}\n");
+    EXPECT_EQ(client.receive(), "{\n\t\"msg_id\":\t9\n}");
+    client.send("{\"msg_type\":\"get\",\"msg_id\":9} {\"msg_id\":10");
+    EXPECT_EQ(client.receive(), "{\n\t\"msg_id\":\t9\n}");
+    client.send(std::string("{\"msg_type\":\"get\",\"msg_id\":9}\0rest", 34));
+    EXPECT_EQ(client.receive(), "{\n\t\"msg_id\":\t9\n}");
+}
+
 TEST_F(Server, RefusesDeepNesting)
 {
     client.send(std::string(PARA_MESSAGE_MAX, '['));
@@ -237,6 +247,22 @@ TEST_F(Server, KeepsNoSocketThatItCouldNotBind)
     EXPECT_EQ(open_descriptors(), before);
 }
 
+class Dispatcher : public Store {};
+
+TEST_F(Dispatcher, AnswersZeroWhateverTheDatagram)
+{
+    para_message message = {};
+    message.socket = -1;
+    for (const char *text :
+         {"rubbish", "{}", R"({"msg_type":"other"})", R"({"msg_type":"get"})",
+          R"({"msg_type":"set"})", R"({"msg_type":"get","msg_from":"www"})",
+          R"({"msg_type":"set","msg_from":"www"})", R"({"msg_type":"api_get"})",
+          R"({"msg_type":"api_set"})", R"({"msg_type":"api_get","msg_name":"unknown"})"}) {
+        snprintf(message.text, sizeof message.text, "%s", text);
+        EXPECT_EQ(para_server_message_Process(&message), 0) << text;
+    }
+}
+
 class ServerSocket : public Store {};
 
 TEST_F(ServerSocket, IsNotOpenedWithoutADescriptorForIt)
@@ -277,6 +303,7 @@ TEST_F(ServerSocket, RefusesADescriptorThatCannotBeWaitedOn)
     }
     EXPECT_EQ(para_server_init(), -1);
     EXPECT_THAT(traces_of("para_server_init"), ElementsAre("sock:1024 is too large to wait on\n"));
+    EXPECT_EQ(fcntl(1024, F_GETFD), -1) << "given back";
 }
 
 class Reply : public Store {

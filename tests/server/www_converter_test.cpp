@@ -11,7 +11,8 @@ protected:
     // The converted request, or the error text in brackets; the area is as large as the caller's.
     static std::string convert(const std::string &request, int size = 1024)
     {
-        std::string error(1024, '\0');
+        std::string error = "left by an earlier request";
+        error.resize(1024);
         const json tree(para_convert_www_opt(swapped(request).c_str(), error.data(), size));
         if (!tree)
             return "[" + std::string(error.c_str()) + "]";

@@ -24,6 +24,18 @@ TEST_F(WwwGet, AsksEachModuleForTheKeysOfItsMembers)
     EXPECT_EQ(asked("page"), "{'b':['three'],'a':['two','one']}");
 }
 
+TEST_F(WwwGet, AsksAModuleThatIsListedTwiceTwice)
+{
+    start_with("{'page':['a','b','a'],'a':{'one':['x']},'b':{'two':['y']}}");
+    EXPECT_EQ(asked("page"), "{'a':['one'],'b':['two'],'a':['one']}");
+}
+
+TEST_F(WwwGet, FindsPagesAndModulesWithoutRegardToCase)
+{
+    start_with("{'Page':['LENS'],'lens':{'zoom':['z']}}");
+    EXPECT_EQ(asked("pAGE"), "{'LENS':['zoom']}");
+}
+
 TEST_F(WwwGet, AsksAModuleWithoutMembersForAll)
 {
     start_with("{'page':['bare','a'],'bare':{},'a':{'one':['x']}}");

@@ -35,6 +35,13 @@ TEST_F(WwwName, IsGivenToACallerThatWantsNothingElse)
     EXPECT_STREQ(get_http_name("lens", "rate", nullptr, nullptr), "k");
 }
 
+TEST_F(WwwName, IsThatOfAModuleInAnyCase)
+{
+    start_with(lens_file);
+    EXPECT_EQ(web_name("LENS", "rate"), "k N K");
+    EXPECT_EQ(web_name("lens", "RATE"), "null same same") << "unlike the member";
+}
+
 TEST_F(WwwName, NeedsAModuleThatIsAnObject)
 {
     start_with(lens_file);
