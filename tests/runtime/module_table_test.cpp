@@ -108,6 +108,13 @@ TEST_F(ModuleTable, AnEmptyListAddsNothing)
     EXPECT_THAT(appended_rows(), ElementsAre("netport", "overlay", "ndi_config"));
 }
 
+TEST_F(ModuleTable, AListThatIsNoArrayAddsNothing)
+{
+    write_home("www2json.json", "{'json_pattern_list':null,'conf_pattern_list':5}");
+    start_store();
+    EXPECT_THAT(appended_rows(), IsEmpty());
+}
+
 TEST_F(ModuleTable, AListEntryThatIsNoTextIsPassedOver)
 {
     write_home("www2json.json",
@@ -220,6 +227,18 @@ TEST_F(ModuleTable, OfferingANameAgainReplacesItsFunctions)
     EXPECT_EQ(row_named("host").name, first.name);
     EXPECT_EQ(row_named("host").set_opt, other_set);
     EXPECT_EQ(row_named("host").get_opt, other_get);
+}
+
+TEST_F(ModuleTable, ANameThatBeginsAnotherIsOfferedForItself)
+{
+    for (const char *name : {"host", "hostess", "hos"}) {
+        const para_module row = {name, nullptr, nullptr, host_set, host_get, nullptr, nullptr};
+        EXPECT_EQ(register_para_handle_extern(&row), 0);
+    }
+    EXPECT_THAT(traces(), IsEmpty()) << "none is offered again";
+    write_home("www2json.json", "{'json_pattern_list':[],'conf_pattern_list':[]}");
+    start_store();
+    EXPECT_THAT(appended_rows(), ElementsAre("host", "hostess", "hos"));
 }
 
 TEST_F(ModuleTable, OfferingAfterStartUpIsRefused)

@@ -25,6 +25,15 @@ int count_get(const char *, const cJSON *, cJSON **, const char *)
     return ++calls;
 }
 
+// A row that a walk has to reach.
+std::atomic<int> inits{0}, second_inits{0}, questions{0}, saves{0};
+
+template <std::atomic<int> &count> int visit(const char *)
+{
+    count++;
+    return 0;
+}
+
 } // namespace
 
 class NamelessRow : public Store {
@@ -41,6 +50,22 @@ protected:
                                  .save = count_call};
     }
 };
+
+TEST_F(NamelessRow, DoesNotEndAWalk)
+{
+    para_module &last = row_named("end");
+    last.init = visit<inits>;
+    last.init_stage2 = visit<second_inits>;
+    last.need_save = visit<questions>;
+    last.save = visit<saves>;
+    put_into_table();
+    start_store();
+    EXPECT_EQ(inits, 1);
+    EXPECT_EQ(second_inits, 1);
+    EXPECT_TRUE(wait_until([] { return questions > 0; }));
+    platformparam_save();
+    EXPECT_EQ(saves, 1);
+}
 
 TEST_F(NamelessRow, IsSkippedByEveryWalk)
 {

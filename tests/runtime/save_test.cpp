@@ -72,6 +72,17 @@ bool thread_runs()
     return thread_id() >= 0;
 }
 
+// Also those that have no name of their own yet.
+int count_threads()
+{
+    int count = 0;
+    DIR *const tasks = opendir("/proc/self/task");
+    while (readdir(tasks) != nullptr)
+        count++;
+    closedir(tasks);
+    return count;
+}
+
 } // namespace
 
 class SaveThread : public Store {
@@ -155,11 +166,14 @@ TEST_F(SaveThread, AForcedPassSavesEveryModuleUnasked)
 
 TEST_F(SaveThread, AForcedPassTracesFailures)
 {
-    save_result = -1;
     start_store();
-    EXPECT_EQ(platformparam_save(), 0);
-    EXPECT_EQ(count_traces("end save err", "save_param"), 1);
-    EXPECT_THAT(shell_commands(), ElementsAre("sync"));
+    for (const int result : {-1, 7}) {
+        forget_traces();
+        save_result = result;
+        EXPECT_EQ(platformparam_save(), 0);
+        EXPECT_EQ(count_traces("end save err", "save_param"), 1) << result;
+    }
+    EXPECT_THAT(shell_commands(), ElementsAre("sync", "sync"));
 }
 
 TEST_F(SaveThread, StopZeroLeavesTheThreadRunning)
@@ -170,6 +184,34 @@ TEST_F(SaveThread, StopZeroLeavesTheThreadRunning)
     const int before = asked;
     EXPECT_TRUE(wait_until([before] { return asked >= before + 2; }));
     EXPECT_EQ(saved, 0);
+}
+
+TEST_F(SaveThread, AStopBeforeStartUpEndsTheThreadInItsFirstTurn)
+{
+    EXPECT_EQ(platformparam_stop(1), 0);
+    EXPECT_EQ(saved, 0) << "no thread runs";
+    const int before = count_threads();
+    start_store();
+    EXPECT_TRUE(wait_until([before] { return count_threads() == before; }));
+    EXPECT_EQ(asked, 0);
+    stop_store();
+    EXPECT_EQ(saved, 1);
+}
+
+TEST_F(SaveThread, StopZeroClearsAStopThatHasNotBeenCarriedOut)
+{
+    EXPECT_EQ(platformparam_stop(1), 0);
+    EXPECT_EQ(platformparam_stop(0), 0);
+    start_store();
+    EXPECT_TRUE(wait_until([] { return asked >= 3; }));
+}
+
+TEST_F(SaveThread, AnyNumberButZeroStops)
+{
+    start_store();
+    EXPECT_EQ(platformparam_stop(-2), 0);
+    EXPECT_FALSE(thread_runs());
+    EXPECT_EQ(saved, 1);
 }
 
 TEST_F(SaveThread, StopSavesEveryModuleOnceMore)

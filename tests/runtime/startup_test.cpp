@@ -131,6 +131,14 @@ TEST_F(StartUp, TheWebNameFileMayHaveAnotherName)
     EXPECT_THAT(appended_rows(), ElementsAre("right"));
 }
 
+TEST_F(StartUp, AnEmptyWebNameFileNameIsNoFile)
+{
+    write_home("www2json.json", "{'json_pattern_list':['wrong']}");
+    para_profile.www2json_name = "";
+    start_store();
+    EXPECT_THAT(appended_rows(), ElementsAre("misc", "netport", "overlay", "ndi_config"));
+}
+
 TEST_F(StartUp, AWebNamePathOverTheLimitIsAFileThatIsNotThere)
 {
     const std::string long_name(200, 'n');
@@ -148,6 +156,16 @@ TEST_F(StartUp, AClientProcessStartsNothing)
     EXPECT_EQ(platformparam_stop(1), 0);
     EXPECT_EQ(count_traces("platformparam_stop ok"), 0) << "no thread ran";
     EXPECT_EQ(para_client_init(), 0);
+}
+
+TEST_F(StartUp, EveryRoleButZeroIsAClients)
+{
+    for (const int role : {2, -1}) {
+        para_profile.role = role;
+        EXPECT_EQ(platformparam_init(), 0);
+        EXPECT_EQ(module_para_handle_num, 0) << role;
+        EXPECT_EQ(platformparam_stop(1), 0);
+    }
 }
 
 TEST_F(StartUp, TracesErrorsAtThreeAndProgressAtSix)
