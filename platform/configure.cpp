@@ -1,11 +1,10 @@
-#include <sys/file.h>
-
 #include <cerrno>
 #include <cstring>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -194,14 +193,13 @@ configure_object::configure_object()
     conf_find = find_operation;
 }
 
-// Writers truncate and rewrite a file under an exclusive lock. On file systems without locks it is
-// read anyway.
-void wait_for_writers(FILE *file)
+// Writers truncate and rewrite a file under an exclusive lock.
+std::optional<std::string> read_between_writes(const char *path)
 {
-    int locked;
-    do {
-        locked = flock(fileno(file), LOCK_SH);
-    } while (locked != 0 && errno == EINTR);
+    const descriptor file = open_to_read(path);
+    if (!file || !lock_to_read(file))
+        return std::nullopt;
+    return read_rest(file);
 }
 
 } // namespace
@@ -214,12 +212,12 @@ configure *configure_init(void)
 int configure_parse(configure *conf, int flags, const char *path)
 {
     (void)flags;
+    if (conf == nullptr) {
+        errno = EINVAL;
+        return -1;
+    }
     return guarded(-1, [=] {
-        const file_ptr file = open_to_read(path);
-        if (conf == nullptr || !file)
-            return -1;
-        wait_for_writers(file.get());
-        const std::optional<std::string> text = read_rest(file.get());
+        const std::optional<std::string> text = read_between_writes(path);
         if (!text)
             return -1;
         object_of(conf).merge(parse_conf_text(*text));

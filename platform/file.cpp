@@ -1,27 +1,93 @@
 #include "platform/file.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
 #include <array>
+#include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 
 #include "camparam/platform.h"
 #include "platform/guard.h"
 
-file_ptr open_to_read(const char *path)
+static bool readable(const struct stat &status)
 {
-    return file_ptr(path != nullptr ? fopen(path, "rbe") : nullptr);
+    if (S_ISDIR(status.st_mode))
+        errno = EISDIR;
+    else if (!S_ISREG(status.st_mode))
+        errno = EINVAL;
+    else if (status.st_size > static_cast<off_t>(largest_file))
+        errno = EFBIG;
+    else
+        return true;
+    return false;
 }
 
-std::optional<std::string> read_rest(FILE *file)
+// Looks before it opens, as to open a device may start something, and again at what it opened, as
+// the path may lead elsewhere by then. O_NONBLOCK: not to wait for the other end of a FIFO.
+descriptor open_to_read(const char *path)
+{
+    struct stat status = {};
+    if (path == nullptr) {
+        errno = EINVAL;
+        return descriptor();
+    }
+    if (stat(path, &status) != 0 || !readable(status))
+        return descriptor();
+
+    descriptor file(open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file || fstat(file.number(), &status) != 0 || !readable(status))
+        return descriptor();
+    return file;
+}
+
+static ssize_t read_block(int file, char *block, size_t size)
+{
+    ssize_t length;
+    do {
+        length = read(file, block, size);
+    } while (length < 0 && errno == EINTR);
+    return length;
+}
+
+std::optional<std::string> read_rest(const descriptor &file)
 {
     std::string bytes;
     std::array<char, 16384> block;
-    size_t length;
-    while ((length = fread(block.data(), 1, block.size(), file)) > 0)
-        bytes.append(block.data(), length);
-    if (ferror(file) != 0)
+    ssize_t length;
+    while ((length = read_block(file.number(), block.data(), block.size())) > 0) {
+        if (bytes.size() + static_cast<size_t>(length) > largest_file) {
+            errno = EFBIG;
+            return std::nullopt;
+        }
+        bytes.append(block.data(), static_cast<size_t>(length));
+    }
+    if (length < 0)
         return std::nullopt;
     return bytes;
+}
+
+// The pauses are counted too, so that the wait ends when the clock stands.
+bool lock_to_read(const descriptor &file)
+{
+    using namespace std::chrono;
+    constexpr milliseconds longest{2000};
+    constexpr milliseconds pause{10};
+    const steady_clock::time_point deadline = steady_clock::now() + longest;
+    for (int pauses = 0; flock(file.number(), LOCK_SH | LOCK_NB) != 0; pauses++) {
+        if (errno != EWOULDBLOCK && errno != EINTR)
+            return true;
+        if (pauses == longest / pause || steady_clock::now() >= deadline) {
+            errno = EWOULDBLOCK;
+            return false;
+        }
+        std::this_thread::sleep_for(pause);
+    }
+    return true;
 }
 
 static char *heap_text(const std::string &bytes)
@@ -35,10 +101,10 @@ static char *heap_text(const std::string &bytes)
 char *read_file_to_buf(const char *path)
 {
     return guarded<char *>(nullptr, [path]() -> char * {
-        const file_ptr file = open_to_read(path);
+        const descriptor file = open_to_read(path);
         if (!file)
             return nullptr;
-        const std::optional<std::string> bytes = read_rest(file.get());
+        const std::optional<std::string> bytes = read_rest(file);
         return bytes ? heap_text(*bytes) : nullptr;
     });
 }

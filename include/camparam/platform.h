@@ -68,6 +68,10 @@ PARA_API char *cat_file_name(char *path, const char *dir, const char *name);
  * @return Heap text that the caller frees with free(); NULL when the file cannot be opened or
  *         read, or memory runs out. A zero follows the last byte of the file; zero bytes in the
  *         file are kept.
+ *
+ * The reference platform reads regular files of at most 4 MiB, never waits, and says in errno why
+ * it returns NULL: EISDIR for a directory, EINVAL for a FIFO, device or socket and for a NULL path,
+ * EFBIG for a larger file, ENOMEM, or what stat(2), open(2) and read(2) say.
  */
 PARA_API char *read_file_to_buf(const char *path);
 
@@ -137,8 +141,9 @@ PARA_API configure *configure_init(void);
  * one. Keys and values may have any length. A value may hold any bytes but line ends and quotes;
  * the reference platform keeps quotes too, but other readers of the file may not.
  *
- * The reference platform waits until no writer has the file under an exclusive flock(), and the
- * object's other users see either none or all of the file.
+ * The reference platform reads what read_file_to_buf() would read, with the same errno. While a
+ * writer has the file under an exclusive flock(), it waits, but at most 2 s: then errno is
+ * EWOULDBLOCK. The object's other users see either none or all of the file.
  *
  * @param flags  Always 0.
  * @return 0, or -1 when the file cannot be read; the object is then unchanged.

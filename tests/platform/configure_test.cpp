@@ -3,8 +3,10 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <thread>
 
 #include "tests/platform/folder.h"
@@ -174,6 +176,7 @@ TEST_F(ConfigureObject, IsUnchangedByAFileThatCannotBeRead)
     conf.set("port", "80");
     EXPECT_EQ(conf.parse(path("missing.conf")), -1);
     EXPECT_EQ(conf.parse(path("")), -1) << "a folder";
+    EXPECT_EQ(errno, EISDIR);
     EXPECT_EQ(conf.parse(""), -1);
     EXPECT_EQ(configure_parse(conf.object, 0, nullptr), -1);
     EXPECT_EQ(configure_parse(nullptr, 0, write("a.conf", "a=1\n").c_str()), -1);
@@ -186,35 +189,80 @@ TEST_F(ConfigureObject, ReadsAFileWithoutEntries)
     EXPECT_THAT(conf.entries(), IsEmpty());
 }
 
-// Whether some thread is blocked on a lock of the file.
-static bool lock_is_awaited(const std::string &path)
-{
-    struct stat status = {};
-    if (stat(path.c_str(), &status) != 0)
-        return false;
-    const std::string inode = ":" + std::to_string(status.st_ino) + " ";
-    std::ifstream locks("/proc/locks");
-    for (std::string line; std::getline(locks, line);) {
-        if (line.find("-> FLOCK") != std::string::npos && line.find(inode) != std::string::npos)
-            return true;
+// An open file with an exclusive lock.
+class Writer {
+public:
+    explicit Writer(const std::string &path) : file(fopen(path.c_str(), "r+e"))
+    {
+        EXPECT_EQ(flock(fileno(file), LOCK_EX), 0);
     }
-    return false;
-}
+    ~Writer() { fclose(file); }
+    Writer(const Writer &) = delete;
+    Writer &operator=(const Writer &) = delete;
+
+    FILE *const file;
+};
 
 TEST_F(ConfigureObject, WaitsForAFileThatIsBeingRewritten)
 {
     const std::string file = write("port.conf", "");
-    FILE *const writer = fopen(file.c_str(), "r+e");
-    ASSERT_NE(writer, nullptr);
-    ASSERT_EQ(flock(fileno(writer), LOCK_EX), 0);
     std::atomic<bool> done{false};
-    std::thread reader([&] {
-        EXPECT_EQ(conf.parse(file), 0);
-        done = true;
-    });
-    EXPECT_TRUE(eventually([&] { return done || lock_is_awaited(file); }));
-    fputs("port = \"80\"\n", writer);
-    fclose(writer);
+    std::atomic<pid_t> reader_id{0};
+    std::thread reader;
+    {
+        const Writer writer(file);
+        reader = std::thread([&] {
+            reader_id = gettid();
+            EXPECT_EQ(conf.parse(file), 0);
+            done = true;
+        });
+        EXPECT_TRUE(
+            eventually([&] { return done || (reader_id != 0 && thread_sleeps(reader_id)); }));
+        fputs("port = \"80\"\n", writer.file);
+    }
     reader.join();
     EXPECT_EQ(conf.get("port"), "80");
+}
+
+TEST_F(ConfigureObject, IsUnchangedByAFileThatIsRewrittenForTooLong)
+{
+    const std::string file = write("port.conf", "port = \"80\"\n");
+    const Writer writer(file);
+    conf.set("port", "1");
+    in_time([&] {
+        const auto start = std::chrono::steady_clock::now();
+        errno = 0;
+        EXPECT_EQ(conf.parse(file), -1);
+        EXPECT_EQ(errno, EWOULDBLOCK);
+        const auto waited = std::chrono::steady_clock::now() - start;
+        EXPECT_GE(waited, std::chrono::milliseconds(1900));
+        EXPECT_LT(waited, std::chrono::milliseconds(6000)) << "on a machine with other work";
+    });
+    EXPECT_EQ(conf.get("port"), "1");
+}
+
+TEST_F(ConfigureObject, SharesAFileWithOtherReaders)
+{
+    const std::string file = write("port.conf", "port = \"80\"\n");
+    FILE *const other = fopen(file.c_str(), "re");
+    ASSERT_EQ(flock(fileno(other), LOCK_SH), 0);
+    EXPECT_EQ(conf.parse(file), 0);
+    EXPECT_EQ(conf.get("port"), "80");
+    fclose(other);
+}
+
+TEST_F(ConfigureObject, IsNotReadFromWhatIsNoFile)
+{
+    const std::string fifo = path("fifo.conf");
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    in_time([&] {
+        errno = 0;
+        EXPECT_EQ(conf.parse(fifo), -1);
+        EXPECT_EQ(errno, EINVAL);
+        EXPECT_EQ(conf.parse("/dev/null"), -1);
+    });
+    const std::string comment = "#" + std::string(4194303, '-');
+    EXPECT_EQ(conf.parse(write("comment.conf", comment)), 0);
+    EXPECT_EQ(conf.parse(write("comment.conf", comment + "\n")), -1);
+    EXPECT_EQ(errno, EFBIG);
 }

@@ -1,5 +1,8 @@
 #include "tests/platform/folder.h"
 
+#include <unistd.h>
+
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -92,4 +95,18 @@ bool eventually(const std::function<bool()> &condition)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
+}
+
+void in_time(const std::function<void()> &action)
+{
+    std::atomic<bool> done{false};
+    std::thread thread([&] {
+        action();
+        done = true;
+    });
+    if (!eventually([&] { return done.load(); })) {
+        fputs("still waiting after 20 seconds\n", stderr);
+        _exit(1);
+    }
+    thread.join();
 }

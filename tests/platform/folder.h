@@ -61,3 +61,7 @@ bool thread_sleeps(pid_t id);
 
 // Waits up to 20 seconds for the condition. Returns whether it holds.
 bool eventually(const std::function<bool()> &condition);
+
+// Runs the action on a thread of its own. Ends the test when it takes more than 20 seconds, as the
+// thread could not be joined.
+void in_time(const std::function<void()> &action);
