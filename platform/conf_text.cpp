@@ -1,7 +1,7 @@
 #include "platform/conf_text.h"
 
 #include <cstdio>
-#include <optional>
+#include <map>
 
 #include "camparam/platform.h"
 
@@ -42,17 +42,33 @@ static std::optional<conf_entry> parse_line(std::string_view line)
     const std::optional<std::string_view> value = unquoted(trimmed(line.substr(equals + 1)));
     if (!valid_key(key) || !value)
         return std::nullopt;
-    return conf_entry{std::string(key), std::string(*value)};
+    return conf_entry{key, *value};
 }
 
-std::vector<conf_entry> parse_conf_text(std::string_view text)
+// The next entry, cut off from the beginning of the text with all that comes before it.
+static std::optional<conf_entry> cut_entry(std::string_view &text)
 {
-    std::vector<conf_entry> entries;
     while (!text.empty()) {
         const std::string_view line = text.substr(0, text.find('\n'));
-        if (std::optional<conf_entry> entry = parse_line(line))
-            entries.push_back(std::move(*entry));
         text.remove_prefix(line.size() < text.size() ? line.size() + 1 : text.size());
+        if (const std::optional<conf_entry> entry = parse_line(line))
+            return entry;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::vector<conf_entry>> parse_conf_text(std::string_view text)
+{
+    std::vector<conf_entry> entries;
+    std::map<std::string_view, size_t> places;
+    while (const std::optional<conf_entry> entry = cut_entry(text)) {
+        const auto [place, first] = places.emplace(entry->key, entries.size());
+        if (!first)
+            entries[place->second].value = entry->value;
+        else if (entries.size() < conf_most_keys)
+            entries.push_back(*entry);
+        else
+            return std::nullopt;
     }
     return entries;
 }

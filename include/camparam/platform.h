@@ -118,7 +118,8 @@ struct configure {
      *
      * The reference platform refuses what no line of a ".conf" file can hold, returns 0 and changes
      * nothing: a value with a line feed, and a key that is empty, begins with "#", or has a "=" or
-     * a blank in it.
+     * a blank in it. It also refuses what would make an object of more than 4096 keys, or of more
+     * than 1 MiB of keys and values.
      */
     int (*conf_set)(configure *conf, const char *key, const char *value);
     /**
@@ -138,15 +139,17 @@ PARA_API configure *configure_init(void);
  * The reference platform's text: one entry a line, `key = "value"` or `key=value`; blanks around
  * "=" are free and quotes optional; blank lines, lines that begin with "#" and lines that are no
  * entry are skipped: without "=" or a valid key, with a zero byte, with a first quote but no last
- * one. Keys and values may have any length. A value may hold any bytes but line ends and quotes;
- * the reference platform keeps quotes too, but other readers of the file may not.
+ * one. A value may hold any bytes but line ends and quotes; the reference platform keeps quotes
+ * too, but other readers of the file may not.
  *
  * The reference platform reads what read_file_to_buf() would read, with the same errno. While a
  * writer has the file under an exclusive flock(), it waits, but at most 2 s: then errno is
- * EWOULDBLOCK. The object's other users see either none or all of the file.
+ * EWOULDBLOCK. A file that would make an object of more than 4096 keys, or of more than 1 MiB of
+ * keys and values, is refused with EFBIG. The object's other users see either none or all of the
+ * file.
  *
  * @param flags  Always 0.
- * @return 0, or -1 when the file cannot be read; the object is then unchanged.
+ * @return 0, or -1 when the file cannot be read or memory runs out; the object is then unchanged.
  */
 PARA_API int configure_parse(configure *conf, int flags, const char *path);
 
