@@ -35,8 +35,13 @@ PARA_API extern int dbgout_profile[2];
  * @param level   Level of the message, 3, 6 or 7.
  * @param format  printf format; it ends with a line break. Borrowed for the call.
  *
- * The reference platform writes the message to standard error as one write, so messages of
- * several threads do not mix. It leaves errno as it was.
+ * The reference platform writes the message to standard error as one line in one write, so messages
+ * of several threads do not mix, and leaves errno as it was. The line breaks at the end of the
+ * format become one; other control characters, U+0080 to U+009F in UTF-8 too, become escapes as in C.
+ *
+ * It never waits for a pipe, terminal or socket that nobody reads, and does not touch the flags of
+ * the open file: a message for which there is no room is lost, and the next that has room comes
+ * behind a line "N messages lost". The rest of a message that had room in part comes first.
  */
 PARA_API void wnk_traceout(int level, const char *format, ...)
     __attribute__((format(printf, 2, 3)));

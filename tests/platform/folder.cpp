@@ -105,7 +105,8 @@ void in_time(const std::function<void()> &action)
         done = true;
     });
     if (!eventually([&] { return done.load(); })) {
-        fputs("still waiting after 20 seconds\n", stderr);
+        ADD_FAILURE() << "still waiting after 20 seconds";
+        fflush(stdout);
         _exit(1);
     }
     thread.join();

@@ -3,9 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <thread>
 
 #include "tests/platform/folder.h"
@@ -103,30 +101,40 @@ TEST_F(TraceOutput, OfSeveralThreadsDoesNotMix)
         EXPECT_EQ(std::count(seen.begin(), seen.end(), std::string(100, name) + "\n"), each);
 }
 
-TEST_F(TraceOutput, SurvivesASignalWhileItWaitsForTheReader)
+TEST_F(TraceOutput, IsOneLineWhateverTheMessageHolds)
 {
-    static std::atomic<bool> interrupted{false};
-    struct sigaction interrupt = {};
-    interrupt.sa_handler = [](int) { interrupted = true; };
-    ASSERT_EQ(sigaction(SIGUSR1, &interrupt, nullptr), 0);
-    const int messages = 100;
-    std::atomic<pid_t> writer{0};
-    std::thread thread([&] {
-        writer = gettid();
-        for (int i = 0; i < messages; i++)
-            wnk_traceout(6, "%s\n", std::string(20000, 't').c_str());
-    });
+    wnk_traceout(3, "not found: %s\n", "a\n[para forged +1   ]b\r\tc\x1b[31m\x7f\x01");
+    EXPECT_EQ(next_write(), R"(not found: a\n[para forged +1   ]b\r\tc\x1b[31m\x7f\x01)"
+                            "\n");
+    wnk_traceout(3, "%s\n", "its own\n");
+    EXPECT_EQ(next_write(), "its own\\n\n");
+    wnk_traceout(3, "%c%c.\n", 0, 31);
+    EXPECT_EQ(next_write(), "\\x00\\x1f.\n");
+}
 
-    EXPECT_TRUE(eventually([&] { return writer != 0 && thread_sleeps(writer); }));
-    pthread_kill(thread.native_handle(), SIGUSR1);
-    EXPECT_TRUE(eventually([] { return interrupted.load(); }));
-    int seen = 0;
-    EXPECT_TRUE(eventually([&] {
-        while (next_write() != "none")
-            seen++;
-        return seen == messages;
-    })) << seen;
-    thread.join();
+TEST_F(TraceOutput, EndsWithOneLineBreak)
+{
+    wnk_traceout(3, "Error before: [%s]\n\n", "");
+    EXPECT_EQ(next_write(), "Error before: []\n");
+    wnk_traceout(3, "%s\n\n", "two\n\n");
+    EXPECT_EQ(next_write(), "two\\n\\n\n");
+    wnk_traceout(3, "none");
+    EXPECT_EQ(next_write(), "none\n");
+    wnk_traceout(3, "%s", "\n");
+    EXPECT_EQ(next_write(), "\\n\n");
+    wnk_traceout(3, "\n");
+    EXPECT_EQ(next_write(), "\n");
+}
+
+TEST_F(TraceOutput, PassesTextInUtf8ButItsControlCharacters)
+{
+    const char *const text = "S\u00fcd \u5317 \U0001f4f7 \xc2\xa0 \xff\x80 \xc2";
+    wnk_traceout(3, "%s\n", text);
+    EXPECT_EQ(next_write(), std::string(text) + "\n");
+    wnk_traceout(3, "%s\n",
+                 "\xc2\x9b"
+                 "31m \xc2\x80 \xc2\x9f");
+    EXPECT_EQ(next_write(), "\\xc2\\x9b31m \\xc2\\x80 \\xc2\\x9f\n");
 }
 
 TEST(TraceLevel, ShowsErrorsUntilItIsSet)
