@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <condition_variable>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <deque>
@@ -14,26 +13,9 @@
 #include "camparam/platform.h"
 #include "camparam/platform_queue.h"
 #include "platform/guard.h"
+#include "platform/signals.h"
 
 namespace {
-
-// Blocks all signals while it exists. A thread created meanwhile inherits the mask, and leaves
-// signals to the threads of the host.
-class signals_held_back {
-public:
-    signals_held_back()
-    {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &before);
-    }
-    ~signals_held_back() { pthread_sigmask(SIG_SETMASK, &before, nullptr); }
-    signals_held_back(const signals_held_back &) = delete;
-    signals_held_back &operator=(const signals_held_back &) = delete;
-
-private:
-    sigset_t before = {};
-};
 
 class work_queue {
 public:

@@ -37,7 +37,8 @@ PARA_API extern int dbgout_profile[2];
  *
  * The reference platform writes the message to standard error as one line in one write, so messages
  * of several threads do not mix, and leaves errno as it was. The line breaks at the end of the
- * format become one; other control characters, U+0080 to U+009F in UTF-8 too, become escapes as in C.
+ * format become one; other control characters, U+0080 to U+009F in UTF-8 too, become escapes as in
+ * C.
  *
  * It never waits for a pipe, terminal or socket that nobody reads, and does not touch the flags of
  * the open file: a message for which there is no room is lost, and the next that has room comes
@@ -90,7 +91,15 @@ PARA_API char *lib_strdup(const char *text);
  */
 PARA_API char *lib_itoa(int value, char *text);
 
-/** Run a shell command line and wait for it. @return What system(3) returns. */
+/**
+ * Run a shell command line and wait for it.
+ *
+ * The reference platform calls sync(2) for the command "sync", on a thread of its own: it returns 0
+ * before that has ended, and a sync that is due runs for all that asked before it began. A process
+ * that ends waits up to 10 s for the last one.
+ *
+ * @return What system(3) returns.
+ */
 PARA_API int lib_system(const char *command);
 
 /** Milliseconds from @p from to @p to, negative when @p to is the earlier one. */
