@@ -98,6 +98,9 @@ PARA_API char *lib_itoa(int value, char *text);
  * before that has ended, and a sync that is due runs for all that asked before it began. A process
  * that ends waits up to 10 s for the last one.
  *
+ * It runs any other command in a process group of its own, which is killed when the calling process
+ * ends in whichever way; what a command leaves behind in the background is not.
+ *
  * @return What system(3) returns.
  */
 PARA_API int lib_system(const char *command);
