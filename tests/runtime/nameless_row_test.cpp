@@ -26,7 +26,7 @@ int count_get(const char *, const cJSON *, cJSON **, const char *)
 }
 
 // A row that a walk has to reach.
-std::atomic<int> inits{0}, second_inits{0}, questions{0}, saves{0};
+std::atomic<int> inits_reached{0}, second_stages_reached{0}, questions_reached{0}, saves_reached{0};
 
 template <std::atomic<int> &count> int visit(const char *)
 {
@@ -54,17 +54,17 @@ protected:
 TEST_F(NamelessRow, DoesNotEndAWalk)
 {
     para_module &last = row_named("end");
-    last.init = visit<inits>;
-    last.init_stage2 = visit<second_inits>;
-    last.need_save = visit<questions>;
-    last.save = visit<saves>;
+    last.init = visit<inits_reached>;
+    last.init_stage2 = visit<second_stages_reached>;
+    last.need_save = visit<questions_reached>;
+    last.save = visit<saves_reached>;
     put_into_table();
     start_store();
-    EXPECT_EQ(inits, 1);
-    EXPECT_EQ(second_inits, 1);
-    EXPECT_TRUE(wait_until([] { return questions > 0; }));
+    EXPECT_EQ(inits_reached, 1);
+    EXPECT_EQ(second_stages_reached, 1);
+    EXPECT_TRUE(wait_until([] { return questions_reached > 0; }));
     platformparam_save();
-    EXPECT_EQ(saves, 1);
+    EXPECT_EQ(saves_reached, 1);
 }
 
 TEST_F(NamelessRow, IsSkippedByEveryWalk)

@@ -72,17 +72,6 @@ bool thread_runs()
     return thread_id() >= 0;
 }
 
-// Also those that have no name of their own yet.
-int count_threads()
-{
-    int count = 0;
-    DIR *const tasks = opendir("/proc/self/task");
-    while (readdir(tasks) != nullptr)
-        count++;
-    closedir(tasks);
-    return count;
-}
-
 } // namespace
 
 class SaveThread : public Store {
@@ -184,18 +173,6 @@ TEST_F(SaveThread, StopZeroLeavesTheThreadRunning)
     const int before = asked;
     EXPECT_TRUE(wait_until([before] { return asked >= before + 2; }));
     EXPECT_EQ(saved, 0);
-}
-
-TEST_F(SaveThread, AStopBeforeStartUpEndsTheThreadInItsFirstTurn)
-{
-    EXPECT_EQ(platformparam_stop(1), 0);
-    EXPECT_EQ(saved, 0) << "no thread runs";
-    const int before = count_threads();
-    start_store();
-    EXPECT_TRUE(wait_until([before] { return count_threads() == before; }));
-    EXPECT_EQ(asked, 0);
-    stop_store();
-    EXPECT_EQ(saved, 1);
 }
 
 TEST_F(SaveThread, StopZeroClearsAStopThatHasNotBeenCarriedOut)

@@ -30,6 +30,7 @@ std::atomic<bool> waits_fail{false};
 std::atomic<int> receive_error{0}; // errno of each receive; 0: they are made
 std::atomic<bool> options_fail{false};
 std::atomic<pid_t> stopping_thread{0};
+std::atomic<pid_t> waiting_thread{0};
 std::atomic<int> waits{0}, passes{0};
 
 struct record {
@@ -94,6 +95,7 @@ PARA_API int select(int count, fd_set *read, fd_set *write, fd_set *except, time
         seen().timeouts.emplace_back(timeout->tv_sec, timeout->tv_usec);
     }
     note('w');
+    waiting_thread = gettid();
     waits++;
     if (waits_fail) {
         errno = EINTR;
@@ -240,6 +242,16 @@ TEST_F(ThreadCalls, AStopEndsTheTurnWithoutADuePass)
     const std::string reply = client.receive().value_or("none");
     EXPECT_EQ(reply, "{\n\t\"host\":\t" + std::to_string(passes) + "\n}")
         << "the request is answered, and no pass asked after it";
+}
+
+TEST_F(ThreadCalls, AStopBeforeStartUpEndsTheThreadInItsFirstTurn)
+{
+    EXPECT_EQ(platformparam_stop(1), 0);
+    start_store();
+    ASSERT_TRUE(wait_until([] { return waits >= 1; }));
+    const std::string task = "/proc/self/task/" + std::to_string(waiting_thread);
+    EXPECT_TRUE(wait_until([&task] { return access(task.c_str(), F_OK) != 0; }));
+    EXPECT_EQ(passes, 0);
 }
 
 TEST_F(ThreadCalls, AFailedWaitEndsTheThreadWithoutAPass)
