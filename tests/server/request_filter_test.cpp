@@ -3,6 +3,8 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <cstring>
+#include <future>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -37,6 +39,25 @@ int refuse_shouting(const sockaddr_in *sender, const char *datagram, int length)
 int refuse_share_datagrams(const sockaddr_in *, const char *, int length)
 {
     return length == sizeof(para_share_datagram) ? 0 : 1;
+}
+
+std::promise<void> gate;
+
+// Holds the store's thread at the first datagram until the gate is open.
+int refuse_shouting_behind_the_gate(const sockaddr_in *, const char *datagram, int)
+{
+    static const std::future<void> opened = gate.get_future();
+    opened.wait();
+    return datagram[0] != '!';
+}
+
+std::atomic<int> clock_reads{0}; // by the store's thread
+
+void count_clock_reads()
+{
+    char name[16] = "";
+    pthread_getname_np(pthread_self(), name, sizeof name);
+    clock_reads += strcmp(name, "Para_Process") == 0 ? 1 : 0;
 }
 
 std::atomic<int> share_datagrams_taken{0};
@@ -159,4 +180,22 @@ TEST_F(RequestFilter, IsTakenAway)
     register_request_filter(nullptr);
     EXPECT_EQ(client.ask("{'msg_type':'get','msg_id':2}"), "{'msg_id':2}");
     EXPECT_EQ(asked().size(), 1U);
+}
+
+// While a change waits to be saved each save pass reads the clock.
+TEST_F(RequestFilter, WhatItRefusesCostsNoTurnOfItsOwn)
+{
+    stop_clock();
+    para_set_odm_int("vendor", 1);
+    register_request_filter(refuse_shouting_behind_the_gate);
+    for (int i = 0; i < 100; i++)
+        client.send("!");
+    client.send("{\"msg_type\":\"get\",\"msg_id\":1}");
+
+    watch_clock(count_clock_reads);
+    gate.set_value();
+    EXPECT_NE(client.receive(), std::nullopt);
+    EXPECT_LT(clock_reads, 50) << "for 100 datagrams";
+    EXPECT_TRUE(wait_until([] { return clock_reads > 0; })) << "the next pass";
+    watch_clock(nullptr);
 }
