@@ -1,4 +1,6 @@
 // Saving the current values of a module with fixed members.
+#include <utility>
+
 #include "base/file.h"
 #include "modules/fixed/fixed_module.h"
 #include "modules/fixed/module_file.h"
@@ -24,10 +26,10 @@ static json_ptr current_document(const fixed_module &module)
 
     json_ptr root(cJSON_CreateObject());
     for (int instance = 0; instance < instance_count(module); instance++) {
+        const instance_key key(module, instance);
         json_ptr values(answer_all(module, module.values.cur, instance));
-        if (!cJSON_AddItemToObject(root.get(), instance_key(module, instance).text, values.get()))
+        if (!add_to_object(root.get(), key.text, std::move(values)))
             return nullptr;
-        values.release();
     }
     return root;
 }
