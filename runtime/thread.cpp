@@ -27,8 +27,9 @@ static pthread_t thread = no_thread;
 // Set by a host thread, read by Para_Process once a turn.
 static int stop_requested = 0;
 
-// Fixed before the thread starts.
-static int server = -1;
+// Fixed before the thread starts; -1: none. With the guard on, what this machine sends itself has a
+// socket of its own.
+static int server = -1, loopback_server = -1;
 
 // --- Para_Process ---
 
@@ -63,11 +64,11 @@ static bool is_to_be_served(const para_message &message, const reception &receiv
 
 // Serves the next datagram that is not dropped, if there is one. An empty receive is ignored, and a
 // failed one too. Returns false for a failure that the next receive would meet again.
-static bool serve_datagram(para_message &message, socklen_t &sender_size)
+static bool serve_datagram(int socket, para_message &message, socklen_t &sender_size)
 {
-    message.socket = server; // a command's handler may have changed it
+    message.socket = socket; // a command's handler may have changed it
     for (int dropped = 0; dropped < most_dropped; dropped++) {
-        const reception received = receive_datagram(server, message, sender_size);
+        const reception received = receive_datagram(socket, message, sender_size);
         if (received.length < 0)
             return errno == EAGAIN || errno == EINTR;
         if (!is_to_be_served(message, received))
@@ -83,7 +84,19 @@ static bool serve_datagram(para_message &message, socklen_t &sender_size)
 static int wait_for_datagram(const fd_set &watched, fd_set &readable, timeval &rest)
 {
     readable = watched;
-    return select((server < 0 ? 0 : server) + 1, &readable, nullptr, nullptr, &rest);
+    const int last = std::max({server, loopback_server, 0});
+    return select(last + 1, &readable, nullptr, nullptr, &rest);
+}
+
+static void watch(int socket, fd_set &watched)
+{
+    if (socket >= 0)
+        FD_SET(socket, &watched);
+}
+
+static bool is_readable(int socket, const fd_set &readable)
+{
+    return socket >= 0 && FD_ISSET(socket, &readable);
 }
 
 // Linux has left in it what remains of the turn. An interruption just ends it early.
@@ -102,15 +115,17 @@ void *platformparam_Process(void *)
 
     fd_set watched;
     FD_ZERO(&watched);
-    if (server >= 0)
-        FD_SET(server, &watched);
+    watch(server, watched);
+    watch(loopback_server, watched);
 
     while (true) {
         fd_set readable;
         timeval rest = {.tv_sec = 0, .tv_usec = 100000};
         if (wait_for_datagram(watched, readable, rest) < 0)
             break; // also when interrupted (ThreadCalls.AFailedWaitEndsTheThreadWithoutAPass)
-        if (server >= 0 && FD_ISSET(server, &readable) && !serve_datagram(message, sender_size))
+        if (is_readable(loopback_server, readable))
+            serve_datagram(loopback_server, message, sender_size);
+        if (is_readable(server, readable) && !serve_datagram(server, message, sender_size))
             sleep_out(rest); // the socket stays readable, and the loop would not rest
         if (load_word(stop_requested) != 0)
             break; // platformparam_stop() saves
@@ -124,6 +139,7 @@ void *platformparam_Process(void *)
 int start_thread(int server_socket)
 {
     server = server_socket;
+    loopback_server = server >= 0 && guard_is_on() ? open_loopback_socket(server) : -1;
     pthread_t started = no_thread;
     const int result = pthread_create(&started, nullptr, platformparam_Process, nullptr);
     if (result == 0) // on failure the handle is undefined

@@ -19,6 +19,21 @@ static bool tell_destinations(int descriptor)
     return setsockopt(descriptor, IPPROTO_IP, IP_PKTINFO, &on, sizeof on) == 0;
 }
 
+static sockaddr_in server_address(in_addr_t host)
+{
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<uint16_t>(server_port()));
+    address.sin_addr.s_addr = htonl(host);
+    return address;
+}
+
+static int bind_to(int descriptor, in_addr_t host)
+{
+    const sockaddr_in address = server_address(host);
+    return bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address);
+}
+
 int para_server_init()
 {
     if (server_port() == 0) {
@@ -37,12 +52,7 @@ int para_server_init()
     if (descriptor >= 0 && guard_is_on() && !tell_destinations(descriptor))
         PARA_TRACE(PARA_ERROR, "cannot tell broadcasts, errno %d", errno);
 
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<uint16_t>(server_port()));
-    address.sin_addr.s_addr = htonl(INADDR_ANY);
-    const int bound =
-        bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address);
+    const int bound = bind_to(descriptor, INADDR_ANY);
     if (bound != 0) {
         PARA_TRACE(PARA_ERROR, "bind error ret = %d", bound);
         if (descriptor >= 0) // else none could be opened, so that none could be bound
@@ -53,6 +63,29 @@ int para_server_init()
     PARA_TRACE(PARA_INFO, "para_server sock:%d", descriptor);
     param_base_register_init();
     return descriptor;
+}
+
+static void share_port(int descriptor, int shared)
+{
+    setsockopt(descriptor, SOL_SOCKET, SO_REUSEADDR, &shared, sizeof shared);
+}
+
+// Both sockets share the port only while the second is bound: other processes find it taken.
+int open_loopback_socket(int server)
+{
+    const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (descriptor < 0)
+        return -1;
+    share_port(server, 1);
+    share_port(descriptor, 1);
+    const bool bound = descriptor < FD_SETSIZE && bind_to(descriptor, INADDR_LOOPBACK) == 0;
+    share_port(server, 0);
+    share_port(descriptor, 0);
+    if (bound)
+        return descriptor;
+    PARA_TRACE(PARA_ERROR, "no socket of its own for this machine, errno:%d", errno);
+    close(descriptor);
+    return -1;
 }
 
 // Where the system does not tell the address, false.

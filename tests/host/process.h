@@ -16,6 +16,7 @@ public:
     process(const process &) = delete;
     process &operator=(const process &) = delete;
 
+    pid_t pid() const { return id; }
     void send_signal(int number);
 
     // Waits for the exit. Returns the exit status, or -1 if a signal killed the process or it does

@@ -1,15 +1,6 @@
 #include "request_filter.h"
 
-#include <arpa/inet.h>
-#include <ifaddrs.h>
-#include <net/if.h>
-#include <poll.h>
-#include <sys/ioctl.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
-#include <cstring>
-
+#include "host/distant_client.h"
 #include "host/host_process.h"
 
 namespace {
@@ -17,15 +8,6 @@ namespace {
 std::vector<network> no_interfaces()
 {
     return {};
-}
-
-sockaddr_in sender_of(const char *address, int port)
-{
-    sockaddr_in sender = {};
-    sender.sin_family = AF_INET;
-    sender.sin_port = htons(static_cast<in_port_t>(port));
-    EXPECT_EQ(inet_pton(AF_INET, address, &sender.sin_addr), 1);
-    return sender;
 }
 
 class Filter : public testing::Test {
@@ -88,82 +70,11 @@ TEST_F(Filter, ReportsWhatItDroppedOnceASecond)
 
 // --- In the host ---
 
-// Gives the loopback interface another address, of no loopback network, where that is allowed.
-void add_address(const char *address)
-{
-    ifreq request = {};
-    strncpy(request.ifr_name, "lo:1", sizeof request.ifr_name - 1);
-    const sockaddr_in with_address = sender_of(address, 0);
-    memcpy(&request.ifr_addr, &with_address, sizeof with_address);
-    const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    ioctl(descriptor, SIOCSIFADDR, &request);
-    close(descriptor);
-}
-
-// An address of this machine outside the loopback network; the empty text when there is none.
-std::string other_address()
-{
-    std::string found;
-    ifaddrs *all = nullptr;
-    EXPECT_EQ(getifaddrs(&all), 0);
-    for (const ifaddrs *each = all; each != nullptr; each = each->ifa_next) {
-        if (each->ifa_addr == nullptr || each->ifa_addr->sa_family != AF_INET)
-            continue;
-        const auto *const address = reinterpret_cast<const sockaddr_in *>(each->ifa_addr);
-        if (loopback_network.has(ntohl(address->sin_addr.s_addr)))
-            continue;
-        char text[INET_ADDRSTRLEN];
-        found = inet_ntop(AF_INET, &address->sin_addr, text, sizeof text);
-    }
-    freeifaddrs(all);
-    return found;
-}
-
-// A client at an address and port of its own.
-class distant_client {
-public:
-    explicit distant_client(const std::string &address, int port = 0)
-        : descriptor(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0))
-    {
-        const sockaddr_in own = sender_of(address.c_str(), port);
-        EXPECT_EQ(bind(descriptor, reinterpret_cast<const sockaddr *>(&own), sizeof own), 0)
-            << address;
-    }
-    ~distant_client() { close(descriptor); }
-    distant_client(const distant_client &) = delete;
-    distant_client &operator=(const distant_client &) = delete;
-
-    void send(const std::string &text, int port = PARA_SERVER_PORT) const
-    {
-        const std::string request = swap_quotes(text, '\'', '"');
-        const sockaddr_in server = sender_of("127.0.0.1", port);
-        EXPECT_EQ(sendto(descriptor, request.data(), request.size(), 0,
-                         reinterpret_cast<const sockaddr *>(&server), sizeof server),
-                  static_cast<ssize_t>(request.size()));
-    }
-
-    // The bytes of the next answer; 0 when none comes in that time.
-    size_t receive(int timeout_ms) const
-    {
-        pollfd readable = {descriptor, POLLIN, 0};
-        if (poll(&readable, 1, timeout_ms) != 1)
-            return 0;
-        std::string answer(65536, '\0');
-        const ssize_t length = recv(descriptor, answer.data(), answer.size(), 0);
-        return length > 0 ? static_cast<size_t>(length) : 0;
-    }
-
-private:
-    int descriptor;
-};
-
 class HostFilter : public HostProcess {
 protected:
     HostFilter()
     {
-        if (other_address().empty())
-            add_address("10.98.0.1");
-        address = other_address();
+        address = distant_address();
         EXPECT_NE(address, "");
     }
 
