@@ -72,13 +72,14 @@ void for_each_failure(long last, const part_of_failures &part, const faulted_run
     ASSERT_GE(last, part.first) << "nothing is allocated";
 }
 
-testing::internal::ParamGenerator<part_of_failures> all_parts()
+std::vector<part_of_failures> all_parts()
 {
-    constexpr shortage once = shortage::once, for_ever = shortage::for_ever;
-    return testing::Values(part_of_failures{once, 1}, part_of_failures{once, 2},
-                           part_of_failures{once, 3}, part_of_failures{once, 4},
-                           part_of_failures{for_ever, 1}, part_of_failures{for_ever, 2},
-                           part_of_failures{for_ever, 3}, part_of_failures{for_ever, 4});
+    std::vector<part_of_failures> parts;
+    for (const shortage lasting : {shortage::once, shortage::for_ever}) {
+        for (long first = 1; first <= 4; first++)
+            parts.push_back({lasting, first});
+    }
+    return parts;
 }
 
 void PrintTo(const part_of_failures &part, std::ostream *out)

@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <ostream>
 #include <string>
+#include <vector>
 
 #include "camparam/camparam.h"
 #include "faults/allocations.h"
@@ -43,7 +45,7 @@ struct part_of_failures {
     long first; // 1 to 4
 };
 void for_each_failure(long last, const part_of_failures &part, const faulted_run &run);
-testing::internal::ParamGenerator<part_of_failures> all_parts();
+std::vector<part_of_failures> all_parts();
 std::string name_of_part(const testing::TestParamInfo<part_of_failures> &part);
 void PrintTo(const part_of_failures &part, std::ostream *out);
 

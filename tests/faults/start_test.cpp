@@ -136,7 +136,7 @@ private:
     std::string hidden(const std::string &file) const { return path_of(file) + ".hidden"; }
 };
 
-INSTANTIATE_TEST_SUITE_P(Parts, StarvedStart, all_parts(), name_of_part);
+INSTANTIATE_TEST_SUITE_P(Parts, StarvedStart, testing::ValuesIn(all_parts()), name_of_part);
 
 TEST_P(StarvedStart, AnswersAsWithoutTheFilesThatItCouldNotRead)
 {

@@ -149,7 +149,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Parts, StarvedGuardedStart, all_parts(), name_of_part);
+INSTANTIATE_TEST_SUITE_P(Parts, StarvedGuardedStart, testing::ValuesIn(all_parts()), name_of_part);
 
 TEST_P(StarvedGuardedStart, LosesNoSavedValue)
 {
