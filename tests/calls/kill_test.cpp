@@ -43,7 +43,7 @@ protected:
                 return 0;
             },
             [last_call](long call, int) {
-                return call == last_call ? ruling{ruling::kill, 0} : ruling{};
+                return call == last_call ? ruling{ruling::end_process, 0} : ruling{};
             });
     }
 

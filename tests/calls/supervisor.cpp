@@ -169,7 +169,7 @@ private:
         seccomp_notif_resp response = {};
         response.id = asked.id;
         const ruling ruled = rule_on(asked.data);
-        if (ruled.kind == ruling::kill) {
+        if (ruled.kind == ruling::end_process) {
             killed = true;
             kill(child, SIGKILL);
             return;

@@ -5,7 +5,7 @@
 #include <functional>
 
 struct ruling {
-    enum { pass, fail, kill } kind = pass;
+    enum { carry_out, fail, end_process } kind = carry_out;
     int error = 0; // of a call that fails
 };
 

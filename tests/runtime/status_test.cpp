@@ -109,12 +109,12 @@ TEST_P(StatusOf, ChangesAreCountedAndSaved)
 
     const long long now = time(nullptr) * 1000LL;
     platformparam_save();
-    const para_module_status saved = status_of_row(kind.row);
-    EXPECT_EQ(saved.saved, saved.changes);
-    EXPECT_EQ(saved.error, 0);
-    EXPECT_EQ(saved.flags, 0U);
-    EXPECT_GE(saved.saved_at, now);
-    EXPECT_LT(saved.saved_at, now + 60000);
+    const para_module_status after = status_of_row(kind.row);
+    EXPECT_EQ(after.saved, after.changes);
+    EXPECT_EQ(after.error, 0);
+    EXPECT_EQ(after.flags, 0U);
+    EXPECT_GE(after.saved_at, now);
+    EXPECT_LT(after.saved_at, now + 60000);
 }
 
 TEST_P(StatusOf, TheObserverIsToldOfEachChangeByTheHost)

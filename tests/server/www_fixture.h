@@ -25,9 +25,9 @@ protected:
 
     // No request is sent by these tests, so the functions run while the store's thread has nothing
     // to convert.
-    void start_with(const std::string &web_names)
+    void start_with(const std::string &file)
     {
-        write_home("www2json.json", web_names);
+        write_home("www2json.json", file);
         start_store();
         forget_traces();
     }
