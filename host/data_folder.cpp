@@ -15,7 +15,7 @@ std::string too_long_path(const std::string &folder, const std::vector<std::stri
     for (const std::string &name : names) {
         char path[PARA_PATH_SIZE];
         if (*cat_file_name(path, folder.c_str(), name.c_str()) == '\0')
-            return folder + "/" + name;
+            return std::string(folder).append("/").append(name);
     }
     return "";
 }

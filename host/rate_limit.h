@@ -9,7 +9,7 @@
 
 struct rate {
     long long requests_per_second = 500;
-    long long reply_bytes_per_second = 128 * 1024;
+    long long reply_bytes_per_second = 128LL * 1024;
 };
 
 // What a second brings, a bucket holds at the most. It may owe: the size of a reply is known only

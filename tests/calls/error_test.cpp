@@ -40,7 +40,8 @@ protected:
     // Tries every call, and of each every error that it may have; `last` is how many there are.
     template <typename trial> void for_each_error(const std::vector<int> &numbers, const trial &run)
     {
-        for (size_t i = 0; i < numbers.size() && !HasFailure(); i++) {
+        for (size_t i = 0; i < numbers.size() && !HasFailure();
+             i += static_cast<size_t>(stride())) {
             for (const int error : errors_of(numbers[i]).errors) {
                 if (error == 0)
                     break;

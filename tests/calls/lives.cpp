@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "camparam/camparam.h"
@@ -24,6 +25,12 @@ const std::vector<module_kind> &Lives::kinds()
         return chosen;
     }();
     return all;
+}
+
+long Lives::stride()
+{
+    const char *const chosen = getenv("CAMPARAM_PROOF_STRIDE");
+    return chosen != nullptr && atol(chosen) > 0 ? atol(chosen) : 1;
 }
 
 void Lives::start()

@@ -24,6 +24,10 @@ protected:
     static void start();
     static void set_all(int number);
 
+    // Every call is tried, or every n-th where processes start slowly: the environment variable
+    // CAMPARAM_PROOF_STRIDE says.
+    static long stride();
+
     bool guarded = true;
 
 private:

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 
 // The sanitizers' own allocators, where they are linked; else the C library's.
 extern "C" {
@@ -119,28 +118,3 @@ __attribute__((visibility("default"))) char *strdup(const char *text)
 }
 
 } // extern "C"
-
-// The sanitizers' own never fail.
-__attribute__((visibility("default"))) void *operator new(size_t size)
-{
-    void *const block = malloc(size > 0 ? size : 1);
-    if (block == nullptr)
-        throw std::bad_alloc();
-    return block;
-}
-
-__attribute__((visibility("default"))) void *operator new(size_t size,
-                                                          const std::nothrow_t &) noexcept
-{
-    return malloc(size > 0 ? size : 1);
-}
-
-__attribute__((visibility("default"))) void operator delete(void *block) noexcept
-{
-    free(block);
-}
-
-__attribute__((visibility("default"))) void operator delete(void *block, size_t) noexcept
-{
-    free(block);
-}
