@@ -16,8 +16,9 @@ platform        include platform
 host            include host
 cli             include cli
 bench           include bench
+fuzz            include base modules server share runtime platform host fuzz
 examples        include examples
-tests           include base modules server share runtime platform host cli tests
+tests           include base modules server share runtime platform host cli fuzz tests
 tests/foreign   include tests/foreign
 tests/install   include tests/install
 '

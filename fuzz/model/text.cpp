@@ -1,0 +1,235 @@
+#include "fuzz/model/text.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <utility>
+
+#include "fuzz/support/json.h"
+
+static int leading_number(const std::string &text)
+{
+    const long long number = strtoll(text.c_str(), nullptr, 10);
+    return static_cast<int>(std::clamp<long long>(number, INT_MIN, INT_MAX));
+}
+
+model_text::model_text(model_disk &written_to, const long long &clock, const char *of,
+                       const char *defaults)
+    : model_module(written_to, clock), module(of), home(defaults)
+{
+}
+
+void model_text::start()
+{
+    forget();
+    def = cur = conf_values();
+    const std::string file = std::string(module) + ".conf";
+    def.read(home);
+    cur.read(home);
+    cur.read(disk.recover(file, text_form::conf, flags).value_or(""));
+}
+
+void model_text::reload()
+{
+    const auto file = disk.files.find(std::string(module) + ".conf");
+    def.read(home);
+    cur.read(home);
+    if (!disk.gone && file != disk.files.end())
+        cur.read(file->second);
+}
+
+// --- Modules of a pattern ---
+
+model_pattern::model_pattern(model_disk &written_to, const long long &clock, const char *of,
+                             const char *defaults, std::vector<pattern_spec> members)
+    : model_text(written_to, clock, of, defaults), range(std::move(members))
+{
+}
+
+bool model_pattern::save()
+{
+    return write(std::string(module) + ".conf", cur.text());
+}
+
+std::string model_pattern::range_file() const
+{
+    const tree_ptr root(cJSON_CreateObject());
+    cJSON_AddNumberToObject(root.get(), "version", 1); // of misc; it is no member
+    for (const pattern_spec &spec : range) {
+        cJSON *const list = cJSON_AddArrayToObject(root.get(), spec.name);
+        for (const std::string &text : spec.texts)
+            cJSON_AddItemToArray(list, cJSON_CreateString(text.c_str()));
+        for (const int bound : {spec.min, spec.max}) {
+            if (!spec.is_enum())
+                cJSON_AddItemToArray(list, cJSON_CreateNumber(bound));
+        }
+    }
+    return print_json(root.get());
+}
+
+const pattern_spec *model_pattern::find(const std::string &member) const
+{
+    for (const pattern_spec &spec : range) {
+        if (strcasecmp(member.c_str(), spec.name) == 0) // as the JSON library compares keys
+            return &spec;
+    }
+    return nullptr;
+}
+
+static int position_of(const pattern_spec &spec, const std::string &text)
+{
+    const auto found = std::find(spec.texts.begin(), spec.texts.end(), text);
+    return found != spec.texts.end() ? static_cast<int>(found - spec.texts.begin()) : -1;
+}
+
+int model_pattern::number_in(const conf_values &values, const std::string &member) const
+{
+    const auto text = values.get_short(member);
+    const pattern_spec *const spec = find(member);
+    if (!text)
+        return -1;
+    return spec != nullptr && spec->is_enum() ? position_of(*spec, *text) : leading_number(*text);
+}
+
+int model_pattern::lowest(const std::string &member) const
+{
+    const pattern_spec *const spec = find(member);
+    if (spec == nullptr)
+        return -1;
+    return spec->is_enum() ? 0 : spec->min;
+}
+
+int model_pattern::highest(const std::string &member) const
+{
+    const pattern_spec *const spec = find(member);
+    if (spec == nullptr)
+        return -1;
+    return spec->is_enum() ? static_cast<int>(spec->texts.size()) - 1 : spec->max;
+}
+
+int model_pattern::store(const std::string &member, const std::string &text)
+{
+    cur.set(member, text);
+    accept_change();
+    return 1;
+}
+
+int model_pattern::set_text(const std::string &member, const std::string &text)
+{
+    const pattern_spec *const spec = find(member);
+    const auto before = cur.get_short(member);
+    if (spec == nullptr || position_of(*spec, text) < 0 || !before || *before == text)
+        return 0;
+    return store(member, text);
+}
+
+int model_pattern::set_number(const std::string &member, int value)
+{
+    const pattern_spec *const spec = find(member);
+    const auto before = cur.get_short(member);
+    if (spec == nullptr || spec->is_enum() || !before || leading_number(*before) == value)
+        return 0;
+    return store(member, std::to_string(value)); // the range is only told
+}
+
+int model_pattern::set(const std::string &member, int value)
+{
+    const pattern_spec *const spec = find(member);
+    if (spec == nullptr || !spec->is_enum())
+        return set_number(member, value);
+    const bool has_text = value >= 0 && value < static_cast<int>(spec->texts.size());
+    return has_text ? set_text(member, spec->texts[static_cast<size_t>(value)]) : 0;
+}
+
+bool model_pattern::request(const std::string &member, const cJSON *value)
+{
+    const pattern_spec *const spec = find(member);
+    if (spec != nullptr && spec->is_enum())
+        return cJSON_IsString(value) != 0 && set_text(member, value->valuestring) == 1;
+    return cJSON_IsNumber(value) != 0 && set_number(member, value->valueint) == 1;
+}
+
+void model_pattern::add(cJSON *object, const std::string &member, const std::string &text) const
+{
+    const pattern_spec *const spec = find(member);
+    if (spec != nullptr && spec->is_enum())
+        cJSON_AddStringToObject(object, member.c_str(), text.c_str());
+    else
+        cJSON_AddNumberToObject(object, member.c_str(), leading_number(text));
+}
+
+cJSON *model_pattern::answer_all(bool defaults) const
+{
+    cJSON *const object = cJSON_CreateObject();
+    for (const auto &[member, text] : (defaults ? def : cur).entries())
+        add(object, member, text);
+    return object;
+}
+
+cJSON *model_pattern::answer_listed(bool defaults, const std::vector<std::string> &names) const
+{
+    cJSON *const object = cJSON_CreateObject();
+    for (const std::string &member : names) {
+        const auto text = (defaults ? def : cur).get_short(member);
+        if (text && find(member) != nullptr)
+            add(object, member, *text);
+    }
+    return object;
+}
+
+// --- Modules of conf files ---
+
+bool model_conf::save()
+{
+    return !writes_files || write(std::string(module) + ".conf", cur.text());
+}
+
+// Without the guard a change that cannot be written is due for ever.
+bool model_conf::is_due() const
+{
+    return model_module::is_due() && (writes_files || !disk.guard);
+}
+
+para_module_status model_conf::status() const
+{
+    para_module_status known = model_module::status();
+    known.flags |= writes_files ? 0U : unsigned{PARA_STATUS_NOT_SAVED};
+    return known;
+}
+
+int model_conf::set(const std::string &key, const std::string &value)
+{
+    if (!cur.set(key, value))
+        return 0;
+    accept_change();
+    return 1;
+}
+
+// With the guard on, requests add no key.
+bool model_conf::request(const std::string &key, const cJSON *value)
+{
+    if (!cJSON_IsString(value) || (disk.guard && !cur.get(key)))
+        return false;
+    return set(key, value->valuestring) == 1;
+}
+
+cJSON *model_conf::answer_all(bool defaults) const
+{
+    cJSON *const object = cJSON_CreateObject();
+    for (const auto &[key, value] : (defaults ? def : cur).entries())
+        cJSON_AddStringToObject(object, key.c_str(), value.c_str());
+    return object;
+}
+
+cJSON *model_conf::answer_listed(const std::vector<std::string> &names) const
+{
+    cJSON *const object = cJSON_CreateObject();
+    for (const std::string &key : names) {
+        const auto value = cur.get_short(key);
+        if (value)
+            cJSON_AddStringToObject(object, key.c_str(), value->c_str());
+    }
+    return object;
+}
