@@ -33,10 +33,12 @@ void remove_folders()
         std::filesystem::remove_all(folders().root, ignored);
 }
 
-// In memory, where it is fast.
+// In memory, where it is fast, unless another place is wanted.
 std::string make_root()
 {
-    for (const char *place : {"/dev/shm", "/tmp"}) {
+    for (const char *place : {static_cast<const char *>(getenv("TMPDIR")), "/dev/shm", "/tmp"}) {
+        if (place == nullptr)
+            continue;
         std::string name = std::string(place) + "/camparam-fuzz-XXXXXX";
         if (mkdtemp(name.data()) != nullptr)
             return name;

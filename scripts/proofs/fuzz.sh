@@ -99,6 +99,11 @@ renew()
     done
 }
 
+# The targets leave their folders when libFuzzer ends them.
+TMPDIR=$(mktemp -d /dev/shm/camparam-proof-XXXXXX 2>/dev/null || mktemp -d)
+export TMPDIR
+trap 'rm -rf "$TMPDIR"' EXIT
+
 build
 case ${1-600} in
     renew)
