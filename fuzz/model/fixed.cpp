@@ -9,8 +9,8 @@
 #include "fuzz/support/json.h"
 
 model_fixed::model_fixed(model_disk &written_to, const long long &clock, const fixed_rules &with,
-                         std::vector<std::vector<fixed_spec>> of)
-    : model_module(written_to, clock), rules(with), specs(std::move(of))
+                         std::vector<std::vector<fixed_traits>> of)
+    : model_module(written_to, clock), rules(with), all_traits(std::move(of))
 {
 }
 
@@ -22,24 +22,24 @@ static bool begins_with(const std::string &text, const std::string &start)
 }
 
 // Files: the last name that begins with the text.
-static std::optional<int> value_in_file(const fixed_spec &spec, const cJSON *item)
+static std::optional<int> value_in_file(const fixed_traits &traits, const cJSON *item)
 {
     if (item == nullptr)
         return std::nullopt;
-    if (!cJSON_IsString(item) || spec.names == nullptr)
+    if (!cJSON_IsString(item) || traits.names == nullptr)
         return cJSON_IsNumber(item) ? std::optional<int>(item->valueint) : std::nullopt;
-    for (size_t i = spec.names->size(); i > 0; i--) {
-        if (begins_with((*spec.names)[i - 1], item->valuestring))
+    for (size_t i = traits.names->size(); i > 0; i--) {
+        if (begins_with((*traits.names)[i - 1], item->valuestring))
             return static_cast<int>(i - 1);
     }
     return std::nullopt;
 }
 
 // Requests: the first name that begins with the text, or the number that it begins with.
-static int value_in_request(const fixed_spec &spec, const std::string &text)
+static int value_in_request(const fixed_traits &traits, const std::string &text)
 {
-    for (size_t i = 0; i < spec.names->size(); i++) {
-        if (begins_with((*spec.names)[i], text))
+    for (size_t i = 0; i < traits.names->size(); i++) {
+        if (begins_with((*traits.names)[i], text))
             return static_cast<int>(i);
     }
     if (text[0] < '0' || text[0] > '9')
@@ -47,11 +47,11 @@ static int value_in_request(const fixed_spec &spec, const std::string &text)
     return static_cast<int>(std::min<long long>(strtoll(text.c_str(), nullptr, 10), INT_MAX));
 }
 
-static const char *name_of(const fixed_spec &spec, int value)
+static const char *name_of(const fixed_traits &traits, int value)
 {
-    if (spec.names == nullptr || value < 0 || value >= static_cast<int>(spec.names->size()))
+    if (traits.names == nullptr || value < 0 || value >= static_cast<int>(traits.names->size()))
         return nullptr;
-    return (*spec.names)[static_cast<size_t>(value)].c_str();
+    return (*traits.names)[static_cast<size_t>(value)].c_str();
 }
 
 // --- Files ---
@@ -63,9 +63,9 @@ std::string model_fixed::range_file() const
         const std::string key = rules.name + std::to_string(i);
         cJSON *const object =
             rules.numbered ? cJSON_AddObjectToObject(root.get(), key.c_str()) : root.get();
-        for (const fixed_spec &spec : specs[at(i)]) {
-            const int range[] = {spec.min, spec.max};
-            cJSON_AddItemToObject(object, spec.name, cJSON_CreateIntArray(range, 2));
+        for (const fixed_traits &traits : all_traits[at(i)]) {
+            const int range[] = {traits.min, traits.max};
+            cJSON_AddItemToObject(object, traits.name, cJSON_CreateIntArray(range, 2));
         }
     }
     return print_json(root.get());
@@ -78,11 +78,11 @@ std::string model_fixed::defaults_file() const
         const std::string key = rules.name + std::to_string(i);
         cJSON *const object =
             rules.numbered ? cJSON_AddObjectToObject(root.get(), key.c_str()) : root.get();
-        for (const fixed_spec &spec : specs[at(i)]) {
-            if (spec.def && spec.default_as_name)
-                cJSON_AddStringToObject(object, spec.name, name_of(spec, *spec.def));
-            else if (spec.def)
-                cJSON_AddNumberToObject(object, spec.name, *spec.def);
+        for (const fixed_traits &traits : all_traits[at(i)]) {
+            if (traits.def && traits.default_as_name)
+                cJSON_AddStringToObject(object, traits.name, name_of(traits, *traits.def));
+            else if (traits.def)
+                cJSON_AddNumberToObject(object, traits.name, *traits.def);
         }
     }
     return print_json(root.get());
@@ -90,14 +90,14 @@ std::string model_fixed::defaults_file() const
 
 void model_fixed::load_instance(int instance, const cJSON *object)
 {
-    for (size_t i = 0; i < specs[at(instance)].size(); i++) {
-        const fixed_spec &spec = specs[at(instance)][i];
-        const cJSON *const item = cJSON_GetObjectItem(object, spec.name);
+    for (size_t i = 0; i < all_traits[at(instance)].size(); i++) {
+        const fixed_traits &traits = all_traits[at(instance)][i];
+        const cJSON *const item = cJSON_GetObjectItem(object, traits.name);
         if (item == nullptr)
             continue;
         // Of a lenient module whatever stands there is taken for a number.
         const std::optional<int> value =
-            rules.lenient ? std::optional<int>(item->valueint) : value_in_file(spec, item);
+            rules.lenient ? std::optional<int>(item->valueint) : value_in_file(traits, item);
         if (value)
             values[at(instance)][i].cur = *value;
     }
@@ -115,12 +115,12 @@ void model_fixed::start()
 {
     forget();
     values.clear();
-    for (const auto &members : specs) {
+    for (const auto &members : all_traits) {
         values.emplace_back();
-        for (const fixed_spec &spec : members) {
-            const int def = spec.def.value_or(0);
-            values.back().push_back(
-                {def, spec.min, spec.max, 0, def, spec.def.has_value(), spec.default_as_name});
+        for (const fixed_traits &traits : members) {
+            const int def = traits.def.value_or(0);
+            values.back().push_back({def, traits.min, traits.max, 0, def, traits.def.has_value(),
+                                     traits.default_as_name});
         }
     }
     const auto text = disk.recover(std::string(rules.name) + "_cur.json", text_form::json, flags);
@@ -168,9 +168,9 @@ bool model_fixed::set(int instance, int member, int value)
 
 bool model_fixed::request(int instance, const std::string &key, const cJSON *value)
 {
-    const std::vector<fixed_spec> &all = specs[at(instance)];
-    const auto found = std::find_if(all.begin(), all.end(), [&](const fixed_spec &spec) {
-        return rules.keys_by_prefix ? begins_with(key, spec.name) : key == spec.name;
+    const std::vector<fixed_traits> &all = all_traits[at(instance)];
+    const auto found = std::find_if(all.begin(), all.end(), [&](const fixed_traits &traits) {
+        return rules.keys_by_prefix ? begins_with(key, traits.name) : key == traits.name;
     });
     if (found == all.end())
         return false;
@@ -189,9 +189,9 @@ bool model_fixed::request(int instance, const std::string &key, const cJSON *val
 
 int model_fixed::index_of(const char *name) const
 {
-    const std::vector<fixed_spec> &all = specs[0];
-    const auto found = std::find_if(all.begin(), all.end(), [&](const fixed_spec &spec) {
-        return strcmp(spec.name, name) == 0;
+    const std::vector<fixed_traits> &all = all_traits[0];
+    const auto found = std::find_if(all.begin(), all.end(), [&](const fixed_traits &traits) {
+        return strcmp(traits.name, name) == 0;
     });
     return static_cast<int>(found - all.begin());
 }
@@ -199,7 +199,7 @@ int model_fixed::index_of(const char *name) const
 std::vector<int> model_fixed::file_order() const
 {
     std::vector<int> order;
-    for (int i = 0; i < static_cast<int>(specs[0].size()); i++)
+    for (int i = 0; i < static_cast<int>(all_traits[0].size()); i++)
         order.push_back(i);
     const std::pair<const char *, const char *> moves[] = {
         {rules.moved, rules.before}, {rules.second_moved, rules.second_before}};
@@ -214,7 +214,7 @@ std::vector<int> model_fixed::file_order() const
 
 bool model_fixed::is_written(int instance, int member) const
 {
-    const char *const name = specs[0][at(member)].name;
+    const char *const name = all_traits[0][at(member)].name;
     const bool by_another = rules.second_moved != nullptr && strcmp(name, rules.second_moved) == 0;
     const int decides = by_another ? index_of(rules.second_if) : member;
     return values[at(instance)][at(decides)].present;
@@ -226,12 +226,12 @@ cJSON *model_fixed::answer_all(int instance) const
     for (const int member : file_order()) {
         if (!is_written(instance, member))
             continue;
-        const fixed_spec &spec = specs[at(instance)][at(member)];
+        const fixed_traits &traits = all_traits[at(instance)][at(member)];
         const int value = values[at(instance)][at(member)].cur;
-        if (name_of(spec, value) != nullptr)
-            cJSON_AddStringToObject(object, spec.name, name_of(spec, value));
+        if (name_of(traits, value) != nullptr)
+            cJSON_AddStringToObject(object, traits.name, name_of(traits, value));
         else
-            cJSON_AddNumberToObject(object, spec.name, value);
+            cJSON_AddNumberToObject(object, traits.name, value);
     }
     return object;
 }
@@ -241,16 +241,16 @@ cJSON *model_fixed::answer_listed(int instance, const std::vector<std::string> &
     cJSON *const object = cJSON_CreateObject();
     for (const std::string &name : names) {
         const int member = index_of(name.c_str());
-        if (member == static_cast<int>(specs[0].size()))
+        if (member == static_cast<int>(all_traits[0].size()))
             continue;
-        const fixed_spec &spec = specs[at(instance)][at(member)];
+        const fixed_traits &traits = all_traits[at(instance)][at(member)];
         const fixed_value &slot = values[at(instance)][at(member)];
         if (!slot.present)
             continue;
         if (!slot.as_name)
-            cJSON_AddNumberToObject(object, spec.name, slot.cur);
-        else if (name_of(spec, slot.cur) != nullptr) // a value without a name has no such form
-            cJSON_AddStringToObject(object, spec.name, name_of(spec, slot.cur));
+            cJSON_AddNumberToObject(object, traits.name, slot.cur);
+        else if (name_of(traits, slot.cur) != nullptr) // a value without a name has no such form
+            cJSON_AddStringToObject(object, traits.name, name_of(traits, slot.cur));
     }
     return object;
 }

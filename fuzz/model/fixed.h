@@ -12,7 +12,7 @@
 using name_list = std::vector<std::string>;
 
 // A member, as the device's files have it.
-struct fixed_spec {
+struct fixed_traits {
     const char *name;
     int min = 0, max = 0;
     std::optional<int> def = std::nullopt; // absent without one
@@ -39,7 +39,7 @@ struct fixed_value {
 class model_fixed : public model_module {
 public:
     model_fixed(model_disk &disk, const long long &clock, const fixed_rules &with,
-                std::vector<std::vector<fixed_spec>> of);
+                std::vector<std::vector<fixed_traits>> of);
 
     void start() override;
     bool save() override;
@@ -49,8 +49,11 @@ public:
     std::string range_file() const;
     std::string defaults_file() const;
 
-    int instances() const { return static_cast<int>(specs.size()); }
-    const std::vector<fixed_spec> &members(int instance) const { return specs[at(instance)]; }
+    int instances() const { return static_cast<int>(all_traits.size()); }
+    const std::vector<fixed_traits> &members(int instance) const
+    {
+        return all_traits[at(instance)];
+    }
     const fixed_value &value(int instance, int member) const
     {
         return values[at(instance)][at(member)];
@@ -76,6 +79,6 @@ private:
     void load_instance(int instance, const cJSON *object);
 
     const fixed_rules rules;
-    const std::vector<std::vector<fixed_spec>> specs; // by instance
+    const std::vector<std::vector<fixed_traits>> all_traits; // by instance
     std::vector<std::vector<fixed_value>> values;
 };

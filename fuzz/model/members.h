@@ -8,7 +8,7 @@
 #include "fuzz/model/text.h"
 
 inline const fixed_rules af_rules = {.name = "af", .lenient = true};
-inline const std::vector<std::vector<fixed_spec>> af_members = {{
+inline const std::vector<std::vector<fixed_traits>> af_members = {{
     {"focus_mode", 0, 2, 0},
     {"focus_zone", 0, 3, 1},
     {"focus_sens", 0, 0, 1}, // a default outside the range
@@ -26,7 +26,7 @@ inline const fixed_rules audio_rules = {.name = "audio",
                                         .second_moved = "audioOut",
                                         .second_before = "audioInputVol",
                                         .second_if = "audioInput"};
-inline const std::vector<std::vector<fixed_spec>> audio_members = {{
+inline const std::vector<std::vector<fixed_traits>> audio_members = {{
     {"audioEnable", 0, 1, 1},
     {"aeFormat", 0, 1, 0, &formats, true},
     {"adtsFlag", 0, 1}, // absent
@@ -58,7 +58,7 @@ inline const name_list sizes = {
     "PIC_480_320",   "PIC_USER",      "PIC_720_480",   "PIC_720_576", "PIC_BUTT"};
 
 inline const fixed_rules video_rules = {.name = "video", .numbered = true, .keys_by_prefix = true};
-inline const std::vector<std::vector<fixed_spec>> video_members = {
+inline const std::vector<std::vector<fixed_traits>> video_members = {
     {
         {"protocol", 0, 2, 1, &protocols, true},
         {"size", 0, 46, 22, &sizes, true},
@@ -87,7 +87,7 @@ inline const std::vector<std::vector<fixed_spec>> video_members = {
     },
 };
 
-inline const std::vector<pattern_spec> misc_members = {
+inline const std::vector<pattern_traits> misc_members = {
     {"ViStrategy", 0, 0, {"50", "60", "dial", "osd"}},
     {"mirror", 0, 1},
     {"flip", -1, 1},
@@ -96,7 +96,7 @@ inline const std::vector<pattern_spec> misc_members = {
 inline const char misc_conf[] = "# defaults\nViStrategy = \"60\"\nmirror = 0\nflip=\"1\"\n"
                                 "unknown = \"7\"\n";
 
-inline const std::vector<pattern_spec> panel_members = {
+inline const std::vector<pattern_traits> panel_members = {
     {"colour", 0, 0, {"red", "green", "re"}},
     {"level", 0, 10},
 };

@@ -96,15 +96,16 @@ void check_pattern(const model_pattern &module)
 {
     const char *const name = module.name();
     check_text(module, text_of(para_save_misc_conf_2_buf, name));
-    for (const pattern_spec &spec : module.members()) {
-        require(para_get_json_min(name, spec.name) == module.lowest(spec.name) &&
-                    para_get_json_max(name, spec.name) == module.highest(spec.name),
-                "limits of %s", spec.name);
-        require(para_get_json_def(name, spec.name) ==
-                    module.number_in(module.defaults(), spec.name),
-                "default of %s", spec.name);
-        require(para_get_json_cur(name, spec.name) == module.number_in(module.current(), spec.name),
-                "value of %s", spec.name);
+    for (const pattern_traits &traits : module.members()) {
+        require(para_get_json_min(name, traits.name) == module.lowest(traits.name) &&
+                    para_get_json_max(name, traits.name) == module.highest(traits.name),
+                "limits of %s", traits.name);
+        require(para_get_json_def(name, traits.name) ==
+                    module.number_in(module.defaults(), traits.name),
+                "default of %s", traits.name);
+        require(para_get_json_cur(name, traits.name) ==
+                    module.number_in(module.current(), traits.name),
+                "value of %s", traits.name);
     }
 }
 

@@ -43,7 +43,7 @@ void model_text::reload()
 // --- Modules of a pattern ---
 
 model_pattern::model_pattern(model_disk &written_to, const long long &clock, const char *of,
-                             const char *defaults, std::vector<pattern_spec> members)
+                             const char *defaults, std::vector<pattern_traits> members)
     : model_text(written_to, clock, of, defaults), range(std::move(members))
 {
 }
@@ -57,56 +57,57 @@ std::string model_pattern::range_file() const
 {
     const tree_ptr root(cJSON_CreateObject());
     cJSON_AddNumberToObject(root.get(), "version", 1); // of misc; it is no member
-    for (const pattern_spec &spec : range) {
-        cJSON *const list = cJSON_AddArrayToObject(root.get(), spec.name);
-        for (const std::string &text : spec.texts)
+    for (const pattern_traits &traits : range) {
+        cJSON *const list = cJSON_AddArrayToObject(root.get(), traits.name);
+        for (const std::string &text : traits.texts)
             cJSON_AddItemToArray(list, cJSON_CreateString(text.c_str()));
-        for (const int bound : {spec.min, spec.max}) {
-            if (!spec.is_enum())
+        for (const int bound : {traits.min, traits.max}) {
+            if (!traits.is_enum())
                 cJSON_AddItemToArray(list, cJSON_CreateNumber(bound));
         }
     }
     return print_json(root.get());
 }
 
-const pattern_spec *model_pattern::find(const std::string &member) const
+const pattern_traits *model_pattern::find(const std::string &member) const
 {
-    for (const pattern_spec &spec : range) {
-        if (strcasecmp(member.c_str(), spec.name) == 0) // as the JSON library compares keys
-            return &spec;
+    for (const pattern_traits &traits : range) {
+        if (strcasecmp(member.c_str(), traits.name) == 0) // as the JSON library compares keys
+            return &traits;
     }
     return nullptr;
 }
 
-static int position_of(const pattern_spec &spec, const std::string &text)
+static int position_of(const pattern_traits &traits, const std::string &text)
 {
-    const auto found = std::find(spec.texts.begin(), spec.texts.end(), text);
-    return found != spec.texts.end() ? static_cast<int>(found - spec.texts.begin()) : -1;
+    const auto found = std::find(traits.texts.begin(), traits.texts.end(), text);
+    return found != traits.texts.end() ? static_cast<int>(found - traits.texts.begin()) : -1;
 }
 
 int model_pattern::number_in(const conf_values &values, const std::string &member) const
 {
     const auto text = values.get_short(member);
-    const pattern_spec *const spec = find(member);
+    const pattern_traits *const traits = find(member);
     if (!text)
         return -1;
-    return spec != nullptr && spec->is_enum() ? position_of(*spec, *text) : leading_number(*text);
+    return traits != nullptr && traits->is_enum() ? position_of(*traits, *text)
+                                                  : leading_number(*text);
 }
 
 int model_pattern::lowest(const std::string &member) const
 {
-    const pattern_spec *const spec = find(member);
-    if (spec == nullptr)
+    const pattern_traits *const traits = find(member);
+    if (traits == nullptr)
         return -1;
-    return spec->is_enum() ? 0 : spec->min;
+    return traits->is_enum() ? 0 : traits->min;
 }
 
 int model_pattern::highest(const std::string &member) const
 {
-    const pattern_spec *const spec = find(member);
-    if (spec == nullptr)
+    const pattern_traits *const traits = find(member);
+    if (traits == nullptr)
         return -1;
-    return spec->is_enum() ? static_cast<int>(spec->texts.size()) - 1 : spec->max;
+    return traits->is_enum() ? static_cast<int>(traits->texts.size()) - 1 : traits->max;
 }
 
 int model_pattern::store(const std::string &member, const std::string &text)
@@ -118,43 +119,43 @@ int model_pattern::store(const std::string &member, const std::string &text)
 
 int model_pattern::set_text(const std::string &member, const std::string &text)
 {
-    const pattern_spec *const spec = find(member);
+    const pattern_traits *const traits = find(member);
     const auto before = cur.get_short(member);
-    if (spec == nullptr || position_of(*spec, text) < 0 || !before || *before == text)
+    if (traits == nullptr || position_of(*traits, text) < 0 || !before || *before == text)
         return 0;
     return store(member, text);
 }
 
 int model_pattern::set_number(const std::string &member, int value)
 {
-    const pattern_spec *const spec = find(member);
+    const pattern_traits *const traits = find(member);
     const auto before = cur.get_short(member);
-    if (spec == nullptr || spec->is_enum() || !before || leading_number(*before) == value)
+    if (traits == nullptr || traits->is_enum() || !before || leading_number(*before) == value)
         return 0;
     return store(member, std::to_string(value)); // the range is only told
 }
 
 int model_pattern::set(const std::string &member, int value)
 {
-    const pattern_spec *const spec = find(member);
-    if (spec == nullptr || !spec->is_enum())
+    const pattern_traits *const traits = find(member);
+    if (traits == nullptr || !traits->is_enum())
         return set_number(member, value);
-    const bool has_text = value >= 0 && value < static_cast<int>(spec->texts.size());
-    return has_text ? set_text(member, spec->texts[static_cast<size_t>(value)]) : 0;
+    const bool has_text = value >= 0 && value < static_cast<int>(traits->texts.size());
+    return has_text ? set_text(member, traits->texts[static_cast<size_t>(value)]) : 0;
 }
 
 bool model_pattern::request(const std::string &member, const cJSON *value)
 {
-    const pattern_spec *const spec = find(member);
-    if (spec != nullptr && spec->is_enum())
+    const pattern_traits *const traits = find(member);
+    if (traits != nullptr && traits->is_enum())
         return cJSON_IsString(value) != 0 && set_text(member, value->valuestring) == 1;
     return cJSON_IsNumber(value) != 0 && set_number(member, value->valueint) == 1;
 }
 
 void model_pattern::add(cJSON *object, const std::string &member, const std::string &text) const
 {
-    const pattern_spec *const spec = find(member);
-    if (spec != nullptr && spec->is_enum())
+    const pattern_traits *const traits = find(member);
+    if (traits != nullptr && traits->is_enum())
         cJSON_AddStringToObject(object, member.c_str(), text.c_str());
     else
         cJSON_AddNumberToObject(object, member.c_str(), leading_number(text));

@@ -10,7 +10,7 @@
 #include "fuzz/model/module.h"
 
 // A member of a range file: two numbers, or texts.
-struct pattern_spec {
+struct pattern_traits {
     const char *name;
     int min = 0, max = 0;
     std::vector<std::string> texts = {};
@@ -39,14 +39,14 @@ protected:
 class model_pattern : public model_text {
 public:
     model_pattern(model_disk &disk, const long long &clock, const char *of, const char *defaults,
-                  std::vector<pattern_spec> range);
+                  std::vector<pattern_traits> range);
 
     bool save() override;
     std::string range_file() const;
-    const std::vector<pattern_spec> &members() const { return range; }
+    const std::vector<pattern_traits> &members() const { return range; }
 
     // Null for a member without a range.
-    const pattern_spec *find(const std::string &member) const;
+    const pattern_traits *find(const std::string &member) const;
     // Of a value in one of the two sets; -1 where there is none.
     int number_in(const conf_values &values, const std::string &member) const;
     int lowest(const std::string &member) const;
@@ -65,7 +65,7 @@ private:
     void add(cJSON *object, const std::string &member, const std::string &text) const;
     int store(const std::string &member, const std::string &text);
 
-    const std::vector<pattern_spec> range;
+    const std::vector<pattern_traits> range;
 };
 
 class model_conf : public model_text {
