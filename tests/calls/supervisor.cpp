@@ -96,45 +96,46 @@ int install_filter()
         syscall(__NR_seccomp, SECCOMP_SET_MODE_FILTER, SECCOMP_FILTER_FLAG_NEW_LISTENER, &filter));
 }
 
-union descriptor_message {
-    cmsghdr header;
-    char bytes[CMSG_SPACE(sizeof(int))];
+// A message that takes a descriptor from one process to another.
+class descriptor_message {
+public:
+    descriptor_message()
+    {
+        header.msg_iov = &content;
+        header.msg_iovlen = 1;
+        header.msg_control = control;
+        header.msg_controllen = sizeof control;
+    }
+    descriptor_message(const descriptor_message &) = delete;
+    descriptor_message &operator=(const descriptor_message &) = delete;
+
+    // By sendmsg(), which is not ruled on: nobody would answer yet.
+    bool send(int socket, int descriptor)
+    {
+        cmsghdr *const carried = CMSG_FIRSTHDR(&header);
+        carried->cmsg_level = SOL_SOCKET;
+        carried->cmsg_type = SCM_RIGHTS;
+        carried->cmsg_len = CMSG_LEN(sizeof descriptor);
+        memcpy(CMSG_DATA(carried), &descriptor, sizeof descriptor);
+        return sendmsg(socket, &header, 0) == 1;
+    }
+
+    // Returns the descriptor, or -1.
+    int receive(int socket)
+    {
+        int descriptor = -1;
+        const bool received = recvmsg(socket, &header, MSG_CMSG_CLOEXEC) == 1;
+        if (received && CMSG_FIRSTHDR(&header) != nullptr)
+            memcpy(&descriptor, CMSG_DATA(CMSG_FIRSTHDR(&header)), sizeof descriptor);
+        return descriptor;
+    }
+
+private:
+    char byte = 0;
+    iovec content = {&byte, 1};
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
+    msghdr header = {};
 };
-
-// By sendmsg(), which is not ruled on: nobody would answer yet.
-bool send_descriptor(int socket, int descriptor)
-{
-    char byte = 0;
-    iovec content = {&byte, 1};
-    descriptor_message control = {};
-    msghdr message = {};
-    message.msg_iov = &content;
-    message.msg_iovlen = 1;
-    message.msg_control = control.bytes;
-    message.msg_controllen = sizeof control.bytes;
-    cmsghdr *const header = CMSG_FIRSTHDR(&message);
-    header->cmsg_level = SOL_SOCKET;
-    header->cmsg_type = SCM_RIGHTS;
-    header->cmsg_len = CMSG_LEN(sizeof descriptor);
-    memcpy(CMSG_DATA(header), &descriptor, sizeof descriptor);
-    return sendmsg(socket, &message, 0) == 1;
-}
-
-int receive_descriptor(int socket)
-{
-    char byte = 0;
-    iovec content = {&byte, 1};
-    descriptor_message control = {};
-    msghdr message = {};
-    message.msg_iov = &content;
-    message.msg_iovlen = 1;
-    message.msg_control = control.bytes;
-    message.msg_controllen = sizeof control.bytes;
-    int descriptor = -1;
-    if (recvmsg(socket, &message, MSG_CMSG_CLOEXEC) == 1 && CMSG_FIRSTHDR(&message) != nullptr)
-        memcpy(&descriptor, CMSG_DATA(CMSG_FIRSTHDR(&message)), sizeof descriptor);
-    return descriptor;
-}
 
 class supervisor {
 public:
@@ -207,12 +208,12 @@ outcome run_supervised(const std::function<int()> &child,
         return {false, -1, 0};
     const pid_t pid = fork();
     if (pid == 0) {
-        if (!send_descriptor(sockets[1], install_filter()))
+        if (!descriptor_message().send(sockets[1], install_filter()))
             _exit(255);
         _exit(child());
     }
 
-    const int listener = receive_descriptor(sockets[0]);
+    const int listener = descriptor_message().receive(sockets[0]);
     EXPECT_GE(listener, 0) << "the kernel does not let calls be supervised";
     supervisor ruler(pid, listener, rule);
     if (listener >= 0)
