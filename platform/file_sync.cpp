@@ -3,6 +3,7 @@
 #include <pthread.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdlib>
@@ -13,6 +14,17 @@
 #include "platform/signals.h"
 
 namespace {
+
+// The first that asked; 0: none. One that is forked from it has no worker, and may have inherited a
+// lock that nobody gives back.
+std::atomic<pid_t> process{0};
+
+bool is_own_process()
+{
+    const pid_t self = getpid();
+    pid_t first = 0;
+    return process.compare_exchange_strong(first, self) || first == self;
+}
 
 class sync_thread {
 public:
@@ -27,7 +39,6 @@ private:
     std::condition_variable asked;
     std::condition_variable finished;
     std::thread worker; // none until the first question
-    pid_t process = 0;  // that has the worker
     bool wanted = false;
     bool ending = false;
     bool done = false;
@@ -56,11 +67,13 @@ void sync_thread::start()
 {
     if (worker.joinable())
         return;
-    const signals_held_back inherited;
+    const signals_held_back held_back;
     worker = std::thread(&sync_thread::run, this);
     pthread_setname_np(worker.native_handle(), "sync");
-    process = getpid();
-    std::atexit([] { syncs().finish(); });
+    std::atexit([] {
+        if (is_own_process())
+            syncs().finish();
+    });
 }
 
 void sync_thread::run()
@@ -82,8 +95,6 @@ void sync_thread::run()
 void sync_thread::finish()
 {
     std::unique_lock<std::mutex> guard(lock);
-    if (getpid() != process)
-        return; // forked: the worker is the parent's
     ending = true;
     asked.notify_one();
     const bool over = finished.wait_for(guard, std::chrono::seconds(10), [this] { return done; });
@@ -98,6 +109,6 @@ void sync_thread::finish()
 
 void sync_soon()
 {
-    if (!guarded(false, [] { return syncs().ask(); }))
+    if (!is_own_process() || !guarded(false, [] { return syncs().ask(); }))
         sync();
 }

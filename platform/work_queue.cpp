@@ -1,6 +1,8 @@
 #include <pthread.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <cstdlib>
 #include <cstring>
@@ -31,7 +33,8 @@ private:
     std::condition_variable posted;
     std::vector<fifo_work> registered;
     std::deque<fifo_work> waiting;
-    std::thread worker; // none until the first post
+    std::thread worker;            // none until the first post
+    std::atomic<pid_t> process{0}; // that has the worker
     bool stopping = false;
 };
 
@@ -81,7 +84,8 @@ void work_queue::start()
 {
     if (worker.joinable())
         return;
-    const signals_held_back inherited;
+    process = getpid();
+    const signals_held_back held_back;
     worker = std::thread(&work_queue::run, this);
     pthread_setname_np(worker.native_handle(), "fifo_work");
     std::atexit([] { queue().stop(); });
@@ -105,6 +109,8 @@ void work_queue::run()
 // Drops waiting work: its handlers may need resources that the exiting process has released.
 void work_queue::stop()
 {
+    if (process != getpid())
+        return; // forked: the worker is the parent's, and may have held the lock
     std::thread ending;
     {
         const std::lock_guard<std::mutex> guard(lock);

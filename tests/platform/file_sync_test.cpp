@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <thread>
 
 #include "tests/platform/folder.h"
 
@@ -43,9 +44,12 @@ int status_of_child(void (*action)())
         _exit(99);
     }
     int status = 0;
-    EXPECT_TRUE(eventually([&] { return waitpid(child, &status, WNOHANG) == child; }));
+    if (!eventually([&] { return waitpid(child, &status, WNOHANG) == child; })) {
+        kill(child, SIGKILL);
+        waitpid(child, &status, 0);
+    }
     EXPECT_TRUE(WIFEXITED(status)) << status;
-    return WEXITSTATUS(status);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 } // namespace
@@ -152,4 +156,20 @@ TEST(Sync, OfTheParentIsNotWaitedForByAChild)
     EXPECT_EQ(status_of_child([] { exit(6); }), 6);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
     released = true;
+}
+
+// A fork may come at any moment of the parent's thread, also while that holds a lock.
+TEST(Sync, IsNotWaitedForByAChildThatIsForkedAtAnyMoment)
+{
+    std::thread asking([] {
+        while (!released)
+            lib_system("sync");
+    });
+    ASSERT_TRUE(eventually([] { return syncs_begun > 0; }));
+    int ended_well = 0;
+    while (ended_well < 100 && status_of_child([] { exit(lib_system("sync")); }) == 0)
+        ended_well++;
+    released = true;
+    asking.join();
+    EXPECT_EQ(ended_well, 100);
 }

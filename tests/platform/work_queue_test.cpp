@@ -247,6 +247,22 @@ void end_in_a_handler()
     std::promise<void>().get_future().wait();
 }
 
+// The child ends without the worker, which is the parent's.
+void end_in_a_child()
+{
+    const auto nothing = [](void *) { return 0; };
+    add("work", nullptr, nothing, nullptr);
+    post_fifo_work("work", nullptr);
+    const pid_t child = fork();
+    if (child == 0)
+        exit(8);
+    int status = 0;
+    const bool ended = eventually([&] { return waitpid(child, &status, WNOHANG) == child; });
+    if (!ended)
+        kill(child, SIGKILL);
+    exit(ended ? WEXITSTATUS(status) : 1);
+}
+
 } // namespace
 
 class WorkQueueDeathTest : public testing::Test {
@@ -267,4 +283,9 @@ TEST_F(WorkQueueDeathTest, RefusesPostsWhileTheProcessEnds)
 TEST_F(WorkQueueDeathTest, HandlerMayEndTheProcess)
 {
     EXPECT_EXIT(end_in_a_handler(), testing::ExitedWithCode(5), "");
+}
+
+TEST_F(WorkQueueDeathTest, AChildEndsWithoutTheWorkerOfItsParent)
+{
+    EXPECT_EXIT(end_in_a_child(), testing::ExitedWithCode(8), "");
 }
