@@ -1,6 +1,6 @@
-/* Part of each library and program that is measured. Its counters are a file that every process maps
- * shared, so that what a process ran counts however the process ends, and no process writes anything at
- * its end: tests kill processes at, count and fail their system calls. */
+/* Part of each library and program that is measured. Its counters are a file that every process
+ * maps shared, so that what a process ran counts however the process ends, and no process writes
+ * anything at its end: tests kill processes at, count and fail their system calls. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -33,7 +33,8 @@ static int map_counters(const char *path)
     return result;
 }
 
-/* After the constructors of priority 100, which register the counted files, and before all others. */
+/* After the constructors of priority 100, which register the counted files, and before all others.
+ */
 __attribute__((constructor(101))) static void count_in_a_file(void)
 {
     Dl_info own;

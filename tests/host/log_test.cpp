@@ -37,4 +37,13 @@ TEST(HostLog, ShowsEveryControlCharacterAsAQuestionMark)
               std::vector<std::string>{"camparamd: " + std::string(32, '?') + " ~\x80\xff\n"});
 }
 
+TEST(HostLog, LeavesOutWhatCannotBeFormatted)
+{
+    const wchar_t no_letter[] = {0x110000, 0};
+    log_line("%ls", no_letter);
+    log_line("next");
+
+    EXPECT_EQ(log_lines(), std::vector<std::string>{"camparamd: next\n"});
+}
+
 } // namespace

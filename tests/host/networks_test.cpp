@@ -1,6 +1,11 @@
 #include "networks.h"
 
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
+
+#include <cerrno>
+
+#include "support/refused_call.h"
 
 namespace {
 
@@ -104,6 +109,13 @@ TEST(AllowedNetworks, InterfacesOfThisMachineAreFound)
     for (const network &each : interface_networks())
         found |= each.has(address(127, 0, 0, 1)) && each.mask == 0xff000000;
     EXPECT_TRUE(found) << "the loopback interface";
+}
+
+TEST(AllowedNetworks, InterfacesThatCannotBeAskedForAreNone)
+{
+    refuse_call(SYS_socket, EMFILE);
+    EXPECT_TRUE(interface_networks().empty());
+    EXPECT_FALSE(allowed_networks({}, interface_networks).has(address(192, 168, 1, 7), 0));
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include <filesystem>
 
+#include "camparam/guard.h"
 #include "host/host_process.h"
+#include "unsaved.h"
 
 namespace {
 
@@ -71,6 +73,24 @@ TEST_F(SaveCommand, TellsOfChangesThatAreNotWrittenOnPurpose)
 
     client.ask("{'msg_type':'set','netport':{'http_port':'81'}}");
     EXPECT_EQ(save(), "{'msg_name':'save','failed':{'netport':'writing is off'}}");
+}
+
+// Requests do not change it, but the host may.
+TEST_F(SaveCommand, TellsOfChangesToWhatCouldNotBeLoaded)
+{
+    std::filesystem::remove(home + "/af_def.json");
+    platformparam_set_guard(1);
+    start_store();
+    para_set_af_zoom_value_cur(7);
+    ASSERT_EQ(para_get_af_zoom_value_cur(), 7);
+
+    const std::vector<unsaved_module> found = unsaved_modules();
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_STREQ(found[0].name, "af");
+    EXPECT_EQ(found[0].reason, "not loaded");
+    EXPECT_TRUE(found[0].loses_changes);
+    EXPECT_TRUE(tell_unsaved());
+    EXPECT_EQ(count_traces("camparamd: af is not saved: not loaded"), 1);
 }
 
 TEST_F(SaveCommand, WritesNothingAgainWithinASecond)

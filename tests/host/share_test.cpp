@@ -224,6 +224,23 @@ TEST_F(Sharing, MapsGoAwayAtTheEnd)
     }
 }
 
+TEST_F(Sharing, MapsOfAnotherPortHaveNamesOfTheirOwnAndGoAwayToo)
+{
+    start_host({"--port", "6801"});
+    const auto is_published_for_it = [](int module) {
+        char path[64];
+        snprintf(path, sizeof path, "/dev/shm" PARA_SHARE_MAP_NAME_WITH_PORT, module, 6801);
+        return access(path, F_OK) == 0;
+    };
+    for (int module = 0; module < 3; module++) {
+        EXPECT_TRUE(is_published_for_it(module)) << module;
+        EXPECT_FALSE(is_published(module)) << module;
+    }
+    EXPECT_EQ(end_host(SIGTERM), 0);
+    for (int module = 0; module < 3; module++)
+        EXPECT_FALSE(is_published_for_it(module)) << module;
+}
+
 TEST_F(Sharing, CanBeLeftOut)
 {
     start_host({"--no-share"});

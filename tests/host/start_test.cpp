@@ -1,11 +1,14 @@
 // What camparamd makes sure of before it starts.
 #include <sys/stat.h>
+#include <sys/syscall.h>
 
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 
 #include "camparam/platform.h"
 #include "host/host_process.h"
+#include "support/refused_call.h"
 
 namespace {
 
@@ -89,6 +92,18 @@ TEST_F(HostStart, RefusesHomeFilesThatCannotBeRead)
     std::filesystem::remove(home + "/isp_range.json");
     std::filesystem::create_symlink("isp_range.json", home + "/isp_range.json");
     refuses_home_file("isp_range.json", "Too many levels of symbolic links");
+
+    std::filesystem::remove(home + "/isp_range.json");
+    write_home("isp_range.json", "{}");
+    std::filesystem::resize_file(home + "/isp_range.json", 5 << 20);
+    refuses_home_file("isp_range.json", "File too large");
+}
+
+TEST_F(HostStart, RefusesAHomeFolderWhoseFilesHaveTooLongPaths)
+{
+    home += "/" + std::string(PARA_PATH_SIZE, 'h');
+    std::filesystem::create_directory(home);
+    refuses_home_file("www2json.json", "the path is too long");
 }
 
 TEST_F(HostStart, LeavesAloneWhatTheStoreDoesNotRead)
@@ -176,6 +191,28 @@ TEST_F(HostStart, StartsOnSuchAFolderWhenTold)
                   "{'af':{'zoom_value':0}}");
         EXPECT_EQ(end_host(SIGTERM), 0);
     }
+}
+
+TEST_F(HostStart, TellsWhyTheDataFolderCannotBeLocked)
+{
+    refuse_call(SYS_flock, ENOLCK);
+    refuses("cannot lock the data folder \"" + data + "\": No locks available");
+    data += "/new";
+    refuses("cannot lock the data folder \"" + data + "\": No locks available");
+}
+
+TEST_F(HostStart, TellsWhyThePortCannotBeBound)
+{
+    refuse_call(SYS_bind, EACCES);
+    refuses("cannot bind UDP port 6800: Permission denied");
+    refuse_call(SYS_socket, EMFILE);
+    refuses("cannot bind UDP port 6800: Too many open files");
+}
+
+TEST_F(HostStart, TellsWhyTheStoreCannotBeStarted)
+{
+    refuse_threads();
+    refuses("cannot start the store: Resource temporarily unavailable", {"--trace", "0"});
 }
 
 TEST_F(HostStart, LeavesNothingInTheDataFolder)
