@@ -13,6 +13,7 @@
 #include <sstream>
 #include <thread>
 
+#include "support/refused_call.h"
 #include "tests/platform/folder.h"
 
 // Whether a wait for one child begins when that has ended.
@@ -28,6 +29,24 @@ extern "C" PARA_API pid_t waitpid(pid_t child, int *status, int options)
 
 class ShellCommand : public Folder {
 protected:
+    // Whether nobody but this process has the end of a pipe while a command runs.
+    bool keeps_an_end_for_the_host()
+    {
+        const std::string fifo = path("fifo");
+        EXPECT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+        int ends[2];
+        EXPECT_EQ(pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
+        std::thread caller([&] { EXPECT_EQ(lib_system(("read line < " + fifo).c_str()), 0); });
+        std::ofstream line(fifo);
+        close(ends[1]);
+        char byte;
+        const bool ended = eventually([&] { return ::read(ends[0], &byte, 1) == 0; });
+        close(ends[0]);
+        line << "end" << std::endl;
+        caller.join();
+        return ended;
+    }
+
     // The signals below the C library's own that a command ignores.
     unsigned long ignored_by_a_command(int (*run)(const char *)) const
     {
@@ -153,18 +172,32 @@ TEST_F(ShellCommand, MayRunInSeveralThreads)
 // Only what has no O_CLOEXEC goes to the command, and nothing to whatever runs beside it.
 TEST_F(ShellCommand, HoldsNoDescriptorOfTheHost)
 {
-    const std::string fifo = path("fifo");
-    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-    int ends[2];
-    ASSERT_EQ(pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
-    std::thread caller([&] { EXPECT_EQ(lib_system(("read line < " + fifo).c_str()), 0); });
-    std::ofstream line(fifo);
-    close(ends[1]);
-    char byte;
-    EXPECT_TRUE(eventually([&] { return ::read(ends[0], &byte, 1) == 0; })) << "someone may write";
-    close(ends[0]);
-    line << "end" << std::endl;
-    caller.join();
+    EXPECT_TRUE(keeps_an_end_for_the_host()) << "someone may write";
+}
+
+TEST_F(ShellCommand, HoldsNoneWhereTheKernelClosesOneAtATime)
+{
+#ifdef SYS_close_range
+    refuse_call(SYS_close_range, ENOSYS);
+#endif
+    EXPECT_TRUE(keeps_an_end_for_the_host()) << "someone may write";
+}
+
+TEST_F(ShellCommand, ThatCannotBeRunHasAStatusThatSaysSo)
+{
+    const std::string too_long(4 << 20, ' ');
+    EXPECT_EQ(lib_system(too_long.c_str()), 127 << 8);
+    EXPECT_EQ(lib_system(too_long.c_str()), system(too_long.c_str()));
+
+    const pid_t child = fork(); // a leak sanitizer makes a process at the end of this one
+    if (child == 0) {
+        refuse_processes();
+        errno = 0;
+        _exit(lib_system("true") == -1 ? errno : 0);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, EAGAIN << 8);
 }
 
 // Whether a process is there; one that has ended but was not waited for is not.

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <sstream>
 #include <thread>
 
@@ -187,6 +188,22 @@ TEST_P(TraceWithoutReader, GoesOnWhereTheOutputCannotBeOpenedAgain)
     }));
     const std::string begin = "1 message lost\n" + text + "\n";
     EXPECT_EQ(seen.substr(0, begin.size()), begin);
+}
+
+TEST_P(TraceWithoutReader, GoesOnWhenTheReaderHasGone)
+{
+    signal(SIGPIPE, SIG_IGN);
+    close(reader);
+    in_time([] { wnk_traceout(3, "lost\n"); });
+    trace_without_opening("lost");
+
+    const auto [first, second] = open_output(GetParam());
+    reader = first;
+    fcntl(reader, F_SETFL, O_NONBLOCK);
+    dup2(second, STDERR_FILENO);
+    close(second);
+    wnk_traceout(3, "one\n");
+    EXPECT_EQ(drain(), "2 messages lost\none\n");
 }
 
 TEST_P(TraceWithoutReader, CountsEachMessageOfSeveralThreads)

@@ -50,6 +50,18 @@ TEST_F(TraceOutput, IsTheFormattedMessageInOneWrite)
     EXPECT_EQ(next_write(), "none");
 }
 
+TEST_F(TraceOutput, TellsOfMessagesThatCannotBeFormatted)
+{
+    const wchar_t no_letter[] = {0x110000, 0};
+    errno = ENOENT;
+    wnk_traceout(3, "%ls\n", no_letter);
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(next_write(), "none");
+    wnk_traceout(3, "next\n");
+    EXPECT_EQ(next_write(), "1 message lost\n");
+    EXPECT_EQ(next_write(), "next\n");
+}
+
 TEST_F(TraceOutput, HoldsMessagesOfAnyLength)
 {
     const std::string text(100000, 't');

@@ -33,6 +33,19 @@ sock_filter load(size_t offset)
     return BPF_STMT(BPF_LD | BPF_W | BPF_ABS, static_cast<unsigned>(offset));
 }
 
+// What a clone makes is told by one of its flags.
+void refuse_clones(bool of_threads)
+{
+#ifdef SYS_clone3
+    refuse_call(SYS_clone3, ENOSYS); // its flags are out of a filter's sight
+#endif
+    const __u8 if_thread = of_threads ? 0 : 1, if_process = of_threads ? 1 : 0;
+    install({load(offsetof(seccomp_data, nr)), BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_clone, 0, 3),
+             load(offsetof(seccomp_data, args)),
+             BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, CLONE_THREAD, if_thread, if_process),
+             BPF_STMT(BPF_RET | BPF_K, refusal(EAGAIN)), BPF_STMT(BPF_RET | BPF_K, allow)});
+}
+
 } // namespace
 
 void refuse_call(int number, int error)
@@ -44,11 +57,10 @@ void refuse_call(int number, int error)
 
 void refuse_threads()
 {
-#ifdef SYS_clone3
-    refuse_call(SYS_clone3, ENOSYS); // its flags are out of a filter's sight
-#endif
-    install({load(offsetof(seccomp_data, nr)), BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_clone, 0, 3),
-             load(offsetof(seccomp_data, args)),
-             BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, CLONE_THREAD, 0, 1),
-             BPF_STMT(BPF_RET | BPF_K, refusal(EAGAIN)), BPF_STMT(BPF_RET | BPF_K, allow)});
+    refuse_clones(true);
+}
+
+void refuse_processes()
+{
+    refuse_clones(false);
 }

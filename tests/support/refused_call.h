@@ -5,5 +5,6 @@
 // From now on the call fails with this error. Threads that run already may call it.
 void refuse_call(int number, int error);
 
-// From now on no thread starts, for the lack of resources.
+// From now on no thread, or no process, starts, for the lack of resources.
 void refuse_threads();
+void refuse_processes();
