@@ -1,0 +1,119 @@
+// Files that the system refuses to lock, to restore or to reach.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+
+#include "camparam/camparam.h"
+#include "support/every_kind.h"
+#include "support/refused_call.h"
+
+using testing::Contains;
+using testing::EndsWith;
+
+class RefusedFile : public EveryKind {
+protected:
+    RefusedFile() { platformparam_set_guard(1); }
+
+    static para_module_status status_of(const char *row)
+    {
+        para_module_status found = {};
+        EXPECT_EQ(platformparam_get_status(row, &found), 0);
+        return found;
+    }
+
+    // What an interrupted save leaves.
+    void tear_af()
+    {
+        write_data("af_cur.json", "");
+        write_data("af_cur.json.bak", "{'zoom_value':7}");
+    }
+
+    // Rewrites a line of a file of its own, as programs other than the store's host do.
+    int update_line(const char *value)
+    {
+        const std::string path = data + "/other.conf";
+        return update_line_conf_str(path.c_str(), "port", value, "%s=%s");
+    }
+
+    static void refuse_to_shorten(int error)
+    {
+        refuse_call(SYS_ftruncate, error);
+#ifdef SYS_ftruncate64
+        refuse_call(SYS_ftruncate64, error);
+#endif
+    }
+};
+
+TEST_F(RefusedFile, ATornOneThatCannotBeRestoredLeavesTheBackupInForce)
+{
+    tear_af();
+    refuse_to_shorten(EIO);
+    start_store();
+
+    EXPECT_EQ(para_get_af_zoom_value_cur(), 7);
+    EXPECT_EQ(status_of("af").flags, unsigned{PARA_STATUS_RESTORED});
+    EXPECT_THAT(traces_of("restore"),
+                Contains(EndsWith("af_cur.json cannot be restored, errno:5\n")));
+    EXPECT_EQ(read_data("af_cur.json"), "");
+}
+
+TEST_F(RefusedFile, ATornOneThatAnotherProgramKeepsLockedIsNotRestored)
+{
+    tear_af();
+    const int other = open((data + "/af_cur.json").c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(flock(other, LOCK_EX), 0);
+    start_store();
+
+    EXPECT_EQ(para_get_af_zoom_value_cur(), default_number);
+    EXPECT_EQ(status_of("af").flags & PARA_STATUS_RESTORED, 0U);
+    EXPECT_EQ(read_data("af_cur.json"), "");
+    close(other);
+}
+
+TEST_F(RefusedFile, AFolderWithATooLongPathIsAFailedSave)
+{
+    start_store();
+    stop_store();
+    const std::string too_long = data + "/" + std::string(PARA_PATH_SIZE, 'd');
+    para_profile.data_dir = too_long.c_str();
+    para_set_af_zoom_value_cur(9);
+    EXPECT_EQ(para_save_af("af"), EOF);
+    EXPECT_EQ(status_of("af").error, ENAMETOOLONG);
+    para_profile.data_dir = data.c_str();
+    EXPECT_EQ(para_save_af("af"), 0);
+    EXPECT_EQ(status_of("af").error, 0);
+}
+
+TEST_F(RefusedFile, WithoutLocksAConfFileIsNotWritten)
+{
+    start_store();
+    refuse_call(SYS_flock, ENOLCK);
+    para_conf_set_member("netport", "port", "9");
+    platformparam_save();
+    EXPECT_EQ(status_of("netport").error, ENOLCK);
+
+    write_data("other.conf", "port = '80'\n");
+    EXPECT_EQ(update_line("81"), -1);
+    EXPECT_EQ(read_data("other.conf"), "port = \"80\"\n");
+}
+
+TEST_F(RefusedFile, WithoutLocksAndGuardAConfFileIsWrittenAllTheSame)
+{
+    platformparam_set_guard(0);
+    start_store();
+    refuse_call(SYS_flock, ENOLCK);
+    para_conf_set_member("netport", "port", "9");
+    platformparam_save();
+    EXPECT_EQ(status_of("netport").error, 0);
+    EXPECT_EQ(read_data("netport.conf"), "port = \"9\"\n");
+
+    write_data("other.conf", "port = '80'\n");
+    EXPECT_EQ(update_line("81"), 0);
+    EXPECT_EQ(read_data("other.conf"), "port=81\n");
+}
