@@ -32,12 +32,11 @@ int para_init_single_conf(const char *name)
     if (!loaded_before) { // a reload keeps the objects, for key-change detection
         module->def = configure_init();
         module->cur = configure_init();
+        remove_flags(module->saves, PARA_STATUS_LOAD_FAILED); // of an earlier try
     }
     save_state *const starting = loaded_before ? nullptr : &module->saves;
-    if (load_conf_files(name, module->def, module->cur, starting)) {
-        remove_flags(module->saves, PARA_STATUS_LOAD_FAILED);
+    if (load_conf_files(name, module->def, module->cur, starting))
         return 0;
-    }
     free_values(*module);
     return note_load_failure(module->saves, name);
 }

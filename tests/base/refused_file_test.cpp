@@ -90,6 +90,30 @@ TEST_F(RefusedFile, AFolderWithATooLongPathIsAFailedSave)
     EXPECT_EQ(status_of("af").error, 0);
 }
 
+// Too many entries for the reference platform's objects; the guard, which looks for torn files,
+// sees nothing wrong.
+TEST_F(RefusedFile, AConfFileThatOnlyThePlatformRefusesIsNotOverwritten)
+{
+    std::string lines;
+    for (int i = 0; i < 5000; i++)
+        lines += "key" + std::to_string(i) + " = '1'\n";
+    for (const char *file : {"netport.conf", "panel.conf"})
+        write_data(file, lines);
+    const std::optional<std::string> before = read_data("netport.conf");
+    start_store();
+    para_conf_need_update("netport");
+
+    EXPECT_EQ(para_conf_set_member("netport", "port", "9"), 1);
+    para_set_json_cur("panel", "brightness", 9);
+    platformparam_save();
+    for (const std::string module : {"netport", "panel"}) {
+        EXPECT_EQ(status_of(module.c_str()).flags,
+                  unsigned{PARA_STATUS_LOAD_FAILED | PARA_STATUS_NOT_SAVED})
+            << module;
+        EXPECT_TRUE(read_data(module + ".conf") == before) << module;
+    }
+}
+
 TEST_F(RefusedFile, WithoutLocksAConfFileIsNotWritten)
 {
     start_store();
