@@ -4,6 +4,7 @@
 #include <net/if.h>
 #include <netinet/in.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -256,6 +257,23 @@ TEST_F(Guarded, ShareDatagramsToABroadcastAddressAreDropped)
     sender.send_to(subnet_broadcast, std::string(76, '\0'));
     EXPECT_TRUE(client.stays_silent());
     EXPECT_EQ(handled_datagrams, 0);
+}
+
+// As many descriptors as the socket for the others takes.
+TEST_F(Guarded, ThisMachineIsServedWithoutASocketOfItsOwn)
+{
+    const int next = dup(STDERR_FILENO);
+    close(next);
+    rlimit usual = {};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+    rlimit one_more = usual;
+    one_more.rlim_cur = static_cast<rlim_t>(next) + 1;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &one_more), 0);
+    start();
+    EXPECT_EQ(dup(STDERR_FILENO), -1) << "there is room for another socket";
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
+
+    EXPECT_EQ(client.ask("{'msg_type':'get','msg_id':4}"), "{'msg_id':4}");
 }
 
 TEST_F(Unguarded, TextBehindTheDocumentIsNotRead)
