@@ -139,6 +139,24 @@ TEST_F(SaveThread, AFailedSaveIsTracedAndStillFollowedBySync)
     EXPECT_EQ(error->level, 3);
 }
 
+TEST_F(SaveThread, AFailedSyncIsTracedWithTheGuardOnAlone)
+{
+    write_home("af_range.json", "{'zoom_value':[0,100]}");
+    write_home("af_def.json", "{'zoom_value':1}");
+    set_shell_status(1);
+    platformparam_set_guard(1);
+    start_store();
+    platformparam_save();
+    EXPECT_THAT(shell_commands(), ElementsAre("sync"));
+    EXPECT_EQ(count_traces("sync err", "save_param"), 1);
+
+    stop_store();
+    forget_traces();
+    platformparam_set_guard(0);
+    platformparam_save();
+    EXPECT_EQ(count_traces("sync err"), 0);
+}
+
 TEST_F(SaveThread, AForcedPassSavesEveryModuleUnasked)
 {
     row.need_save = nullptr;

@@ -17,6 +17,7 @@ struct record {
     std::mutex lock;
     std::vector<trace_line> traces;
     std::vector<std::string> shell_commands;
+    int shell_status = 0;
     std::vector<std::vector<fifo_work>> work;
 };
 
@@ -81,7 +82,7 @@ PARA_API int lib_system(const char *command)
 {
     const std::lock_guard<std::mutex> guard(seen().lock);
     seen().shell_commands.emplace_back(command);
-    return 0;
+    return seen().shell_status;
 }
 
 PARA_API int add_fifo_work(const fifo_work *works, int count)
@@ -159,6 +160,12 @@ std::vector<std::string> shell_commands()
 {
     const std::lock_guard<std::mutex> guard(seen().lock);
     return seen().shell_commands;
+}
+
+void set_shell_status(int status)
+{
+    const std::lock_guard<std::mutex> guard(seen().lock);
+    seen().shell_status = status;
 }
 
 std::vector<std::vector<fifo_work>> registered_work()

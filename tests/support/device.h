@@ -39,6 +39,8 @@ int count_traces(const std::string &text, const std::string &function = "");
 
 // Shell commands that were run by lib_system(), in order.
 std::vector<std::string> shell_commands();
+// From now on it returns this.
+void set_shell_status(int status);
 
 // Work items that were registered with add_fifo_work(), a list for each call.
 std::vector<std::vector<fifo_work>> registered_work();

@@ -249,6 +249,16 @@ TEST_F(OdmSetter, ANullTextLeavesTheItemAsItIs)
     EXPECT_EQ(text("text"), "x");
 }
 
+TEST_F(OdmSetter, ANullKeyChangesNothing)
+{
+    init("{'version':1}");
+    EXPECT_EQ(_para_set_odm_int(nullptr, 5), 0);
+    EXPECT_EQ(_para_set_odm_string(nullptr, "x"), 0);
+    EXPECT_EQ(para_set_odm_int(nullptr, 5), 0);
+    EXPECT_THAT(told, IsEmpty());
+    EXPECT_EQ(saved_document(), "{'version':1}");
+}
+
 TEST_F(OdmSetter, ANullTextForAnAbsentKeyStoresNothingAndCountsAsAChange)
 {
     init("{'version':1}");
