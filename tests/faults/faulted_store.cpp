@@ -98,7 +98,7 @@ FaultedFolders::FaultedFolders()
 {
     write_home("www2json.json",
                "{'json_pattern_list':['misc','lens'],'conf_pattern_list':['netport','overlay'],"
-               "'image':['isp0','audio','netport'],'page':['isp0'],"
+               "'image':['isp0','audio','netport'],'page':['isp0'],'bare':['overlay'],'overlay':{},"
                "'isp0':{'bright':['Bright','I'],'iris':['Iris','I','K']},"
                "'audio':{'audioEnable':['AudioOn','I','Greedy'],'aeFormat':['Coder','S']},"
                "'misc':{'mirror':['AudioOn','I'],'ViStrategy':['Strategy','S']},"

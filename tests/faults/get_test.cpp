@@ -78,6 +78,7 @@ TEST_F(StarvedGet, OfWebPages)
     const std::string page = "{'msg_from':'www','msg_type':'get','msg_name':'image'}";
     EXPECT_EQ(client.ask(page).text, "Bright=9&Iris=0.0&AudioOn=1&Coder=AAC&HttpPort=8080");
     is_answered_whole_or_not(page);
+    is_answered_whole_or_not("{'msg_from':'www','msg_type':'get','msg_name':'bare'}");
     is_answered_whole_or_not("{'msg_from':'www','msg_type':'get','msg_name':'none'}");
 }
 

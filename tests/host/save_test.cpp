@@ -79,10 +79,13 @@ TEST_F(SaveCommand, TellsOfChangesThatAreNotWrittenOnPurpose)
 TEST_F(SaveCommand, TellsOfChangesToWhatCouldNotBeLoaded)
 {
     std::filesystem::remove(home + "/af_def.json");
+    write_home("netport.conf", "http_port = '80'\n");
+    para_profile.conf_save_hook = [] {};
     platformparam_set_guard(1);
     start_store();
     para_set_af_zoom_value_cur(7);
     ASSERT_EQ(para_get_af_zoom_value_cur(), 7);
+    ASSERT_EQ(para_conf_set_member("netport", "http_port", "81"), 1); // about to be saved
 
     const std::vector<unsaved_module> found = unsaved_modules();
     ASSERT_EQ(found.size(), 1U);
@@ -138,6 +141,19 @@ TEST_F(SaveCommand, WritesOnceForAllThatWait)
     EXPECT_EQ(set_zoom(8), lens_taken);
     client.send(swap_quotes("{'msg_type':'api_set','msg_name':'save'}", '\'', '"'));
     EXPECT_EQ(client.receive(100), std::nullopt) << "they saved less than a second ago";
+}
+
+TEST_F(SaveCommand, LetsNoMoreThanThirtyTwoRequestsWait)
+{
+    start_host();
+    EXPECT_EQ(save(), all_saved);
+    EXPECT_EQ(set_zoom(7), lens_taken);
+
+    for (int i = 0; i < 33; i++)
+        client.send(swap_quotes("{'msg_type':'api_set','msg_name':'save'}", '\'', '"'));
+    for (int i = 0; i < 32; i++)
+        ASSERT_NE(client.receive(), std::nullopt) << i;
+    EXPECT_EQ(client.receive(100), std::nullopt) << "its client asks again";
 }
 
 } // namespace

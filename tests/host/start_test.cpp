@@ -189,7 +189,10 @@ TEST_F(HostStart, StartsOnSuchAFolderWhenTold)
             << host->errors();
         EXPECT_EQ(Client().ask("{'msg_type':'get','af':['zoom_value']}"),
                   "{'af':{'zoom_value':0}}");
-        EXPECT_EQ(end_host(SIGTERM), 0);
+        EXPECT_EQ(Client().ask("{'msg_type':'api_set','msg_name':'lens','data':{'zoom_value':7}}"),
+                  "{'msg_name':'lens','accepted':['zoom_value'],'refused':{}}");
+        EXPECT_EQ(end_host(SIGTERM), 0) << "that the change is lost was said";
+        EXPECT_TRUE(host_has_logged("af is not saved: No such file or directory"));
     }
 }
 
