@@ -33,8 +33,6 @@ enum class reading { done, failed, starved };
 
 static reading read_conf_file(configure *conf, const char *path)
 {
-    if (conf == nullptr)
-        return reading::starved;
     const memory_watch memory;
     if (configure_parse(conf, 0, path) == 0)
         return reading::done;
