@@ -99,9 +99,10 @@ PARA_API extern int g_shareMapLen;
 /**
  * Publish a share module: a shared-memory object of the name above that holds the words 1
  * (registered), @p entry_count and @p entry_size, and then the entries, all zero until the main
- * program fills them. Its mode is 0644 less the umask: other users read it. An object of that name
- * is replaced; clients already attached keep the old mapping. The object outlives the process: a
- * host that withdraws it calls shm_unlink(). One thread at a time.
+ * program fills them. Its mode is 0644 less the umask, which decides whether other users
+ * may read it. An object of that name is replaced; clients already attached keep the old mapping.
+ * The object outlives the process: a host that withdraws it calls shm_unlink(). One thread at a
+ * time.
  *
  * The library never touches the memory itself. A process of the same user, or of root, can cut the
  * object short; a host that stores into the part that is missing then gets SIGBUS, and may handle

@@ -115,6 +115,16 @@ TEST_F(Sharing, MapsHaveTheAnnouncedForm)
     EXPECT_FALSE(is_published(3));
 }
 
+TEST_F(Sharing, MapsAreForTheGroupToReadAndNobodyElse)
+{
+    start_host();
+    for (int module = 0; module < 3; module++) {
+        struct stat object = {};
+        EXPECT_EQ(stat(("/dev/shm" + name_of(module)).c_str(), &object), 0) << module;
+        EXPECT_EQ(object.st_mode & 07777U, 0640U) << module;
+    }
+}
+
 TEST_F(Sharing, MapsFollowChanges)
 {
     start_host();
