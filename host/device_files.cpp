@@ -24,7 +24,7 @@ static void add_fixed_modules(device_files &files)
         files.json_files.push_back(name + "_def.json");
         files.saved.push_back(name + "_cur.json");
     }
-    files.saved.emplace_back("persist/odm.json");
+    files.saved.emplace_back("/persist/odm.json"); // two slashes: as the store joins them
 }
 
 static void add_pattern_module(device_files &files, const std::string &name)

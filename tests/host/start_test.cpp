@@ -35,6 +35,14 @@ protected:
         return about.st_mode & 07777U;
     }
 
+    // The files of an image processor with two styles.
+    void write_isp_home()
+    {
+        write_home("isp_range.json", "{'isp0':{'style':[0,1],'hue':[0,100]}}");
+        write_home("isp_def.json", "{'isp0_style_def':0,'isp0_style_list':['plain','vivid'],"
+                                   "'plain':{'hue':50},'vivid':{'hue':50}}");
+    }
+
     // Makes the path of the data folder so long that names of this length just fit.
     void lengthen_data_folder(size_t longest_name)
     {
@@ -117,7 +125,7 @@ TEST_F(HostStart, LeavesAloneWhatTheStoreDoesNotRead)
 
 TEST_F(HostStart, RefusesADataFolderWhoseFilesHaveTooLongPaths)
 {
-    const std::string longest = "persist/odm.json";
+    const std::string longest = "/persist/odm.json";
     lengthen_data_folder(longest.size() - 1);
     refuses("the path of the data folder is too long: \"" + data + "/" + longest +
             "\" has more than 127 characters");
@@ -126,11 +134,16 @@ TEST_F(HostStart, RefusesADataFolderWhoseFilesHaveTooLongPaths)
 
 TEST_F(HostStart, TakesADataFolderWhosePathsJustFit)
 {
-    lengthen_data_folder(std::string("persist/odm.json").size());
+    lengthen_data_folder(std::string("/persist/odm.json").size());
+    write_isp_home();
     start_host();
+    EXPECT_EQ(Client().ask("{'msg_type':'api_set','msg_name':'style','data':"
+                           "{'style':'vivid','default':1}}"),
+              "{'msg_name':'style','accepted':['style','hue','default'],'refused':{}}");
 
-    EXPECT_EQ(end_host(SIGTERM), 0);
+    EXPECT_EQ(end_host(SIGTERM), 0) << host->errors();
     EXPECT_NE(read_data("af_cur.json"), std::nullopt);
+    EXPECT_NE(read_data("persist/odm.json"), std::nullopt);
 }
 
 TEST_F(HostStart, CountsThePathsOfListedModulesToo)
