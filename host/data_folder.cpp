@@ -30,21 +30,19 @@ std::string make_folder(const std::string &folder)
 }
 
 // The lock is the folder's own, not a file's: a folder that cannot be written has it too.
-int lock_folder(const std::string &folder)
+folder_lock lock_folder(const std::string &folder)
 {
-    static bool locked = false;
-    if (locked)
-        return 0;
+    static bool tried = false;
+    if (tried)
+        return {0, true};
     const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    tried = descriptor >= 0 || (errno != ENOENT && errno != ENOTDIR);
     if (descriptor < 0)
-        return errno;
-    if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) {
-        locked = true; // as long as the descriptor is open
-        return 0;
-    }
-    const int error = errno;
-    close(descriptor);
-    return error;
+        return {errno, true};
+    const int error = flock(descriptor, LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
+    if (error != 0)
+        close(descriptor); // else the lock lasts as long as it is open
+    return {error, error == 0 || error == EWOULDBLOCK};
 }
 
 int try_to_write(const std::string &folder)

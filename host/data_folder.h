@@ -10,9 +10,14 @@ std::string too_long_path(const std::string &folder, const std::vector<std::stri
 // Makes the folder with its parents. Returns an empty text, or the reason.
 std::string make_folder(const std::string &folder);
 
-// Keeps other processes from locking the folder, until this one ends; once it is locked, does
-// nothing. Returns 0, or the error number: EWOULDBLOCK when another process has locked it.
-int lock_folder(const std::string &folder);
+struct folder_lock {
+    int error;      // 0, or the error number: EWOULDBLOCK when another process has the lock
+    bool supported; // false: the file system has no locks
+};
+
+// Keeps other processes from locking the folder, until this one ends. Tries it once: when it has
+// found a folder, does nothing.
+folder_lock lock_folder(const std::string &folder);
 
 // Makes a file in the folder and removes it. Returns 0, or the error number.
 int try_to_write(const std::string &folder);

@@ -37,14 +37,17 @@ bool port_is_free(int port)
 }
 
 // A folder that is not there is locked when it has been made.
-bool lock_if_there(const std::string &data)
+bool lock_if_there(const options &chosen)
 {
-    const int error = lock_folder(data);
-    if (error == 0 || error == ENOENT || error == ENOTDIR)
+    const folder_lock lock = lock_folder(chosen.data);
+    if (lock.error == 0 || lock.error == ENOENT || lock.error == ENOTDIR)
         return true;
-    log_line("cannot lock the data folder \"%s\": %s", data.c_str(),
-             error == EWOULDBLOCK ? "another host process uses it" : strerror(error));
-    return false;
+    const bool taken = lock.error == EWOULDBLOCK;
+    const bool passes = !taken && (!lock.supported || chosen.read_only_data);
+    log_line("cannot lock the data folder \"%s\": %s%s", chosen.data.c_str(),
+             taken ? "another host process uses it" : strerror(lock.error),
+             passes ? "; a second host process would not be refused" : "");
+    return passes;
 }
 
 // Whether start-up goes on without a place to save in.
@@ -59,7 +62,7 @@ bool can_save(const options &chosen)
 {
     if (const std::string reason = make_folder(chosen.data); !reason.empty())
         return go_on(chosen, "make", reason);
-    if (!lock_if_there(chosen.data))
+    if (!lock_if_there(chosen))
         return false;
     if (const int error = try_to_write(chosen.data); error != 0)
         return go_on(chosen, "write to", strerror(error));
@@ -74,7 +77,7 @@ bool pass_start_checks(const options &chosen)
     const home_check home = check_home(chosen.home, chosen.www2json);
     if (!home_is_usable(home) || !paths_fit(chosen.data, home.files))
         return false;
-    if (!lock_if_there(chosen.data) || !port_is_free(chosen.port))
+    if (!lock_if_there(chosen) || !port_is_free(chosen.port))
         return false;
     return can_save(chosen);
 }

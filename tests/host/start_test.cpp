@@ -1,4 +1,6 @@
 // What camparamd makes sure of before it starts.
+#include <linux/capability.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 
@@ -11,6 +13,13 @@
 #include "support/refused_call.h"
 
 namespace {
+
+// Of processes that are started from now on: root may otherwise open every file.
+void take_roots_rights_away()
+{
+    prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE);
+    prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH);
+}
 
 class HostStart : public HostProcess {
 protected:
@@ -209,12 +218,11 @@ TEST_F(HostStart, StartsOnSuchAFolderWhenTold)
     }
 }
 
-TEST_F(HostStart, TellsWhyTheDataFolderCannotBeLocked)
+TEST_F(HostStart, RefusesADataFolderThatIsLockedAsSoonAsItIsMade)
 {
-    refuse_call(SYS_flock, ENOLCK);
-    refuses("cannot lock the data folder \"" + data + "\": No locks available");
+    refuse_call(SYS_flock, EWOULDBLOCK);
     data += "/new";
-    refuses("cannot lock the data folder \"" + data + "\": No locks available");
+    refuses("cannot lock the data folder \"" + data + "\": another host process uses it");
 }
 
 TEST_F(HostStart, TellsWhyThePortCannotBeBound)
@@ -229,6 +237,40 @@ TEST_F(HostStart, TellsWhyTheStoreCannotBeStarted)
 {
     refuse_threads();
     refuses("cannot start the store: Resource temporarily unavailable", {"--trace", "0"});
+}
+
+const char *const not_locked = "; a second host process would not be refused\n";
+
+TEST_F(HostStart, TakesAFolderThatItCannotOpenWhenTold)
+{
+    take_roots_rights_away();
+    ASSERT_EQ(chmod(data.c_str(), 0311), 0);
+    const std::string message = "cannot lock the data folder \"" + data + "\": Permission denied";
+    refuses(message);
+
+    start_host({"--read-only-data"});
+    const std::string log = host->errors();
+    EXPECT_EQ(log.rfind("camparamd: " + message + not_locked, 0), 0U) << log;
+    EXPECT_EQ(log.find("cannot", message.size()), std::string::npos) << log;
+    EXPECT_EQ(end_host(SIGTERM), 0);
+    chmod(data.c_str(), 0755);
+}
+
+TEST_F(HostStart, WarnsOfAFolderThatHasNoLocks)
+{
+    refuse_call(SYS_flock, ENOLCK);
+    for (const char *below : {"", "/new"}) {
+        data += below;
+        start_host();
+
+        EXPECT_TRUE(host_has_logged("camparamd: cannot lock the data folder \"" + data +
+                                    "\": No locks available" + not_locked))
+            << host->errors();
+        EXPECT_EQ(Client().ask("{'msg_type':'get','af':['zoom_value']}"),
+                  "{'af':{'zoom_value':0}}");
+        EXPECT_EQ(end_host(SIGTERM), 0) << host->errors();
+        EXPECT_NE(read_data("af_cur.json"), std::nullopt);
+    }
 }
 
 TEST_F(HostStart, LeavesNothingInTheDataFolder)
