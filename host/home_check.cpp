@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "default_style.h"
 #include "device_file.h"
 #include "request.h"
 
@@ -44,6 +45,13 @@ public:
         return file.fault.empty() ? std::move(root) : nullptr;
     }
 
+    void take_styles(const std::string &data)
+    {
+        const std::string name = "isp_def.json";
+        if (const json_ptr styles = take_json(name))
+            add_fault(name, default_style_fault(styles.get(), data));
+    }
+
     void take_conf(const std::string &name) { take(name, read_device_file(home, name)); }
 
     bool has_files = false;
@@ -53,8 +61,13 @@ private:
     void take(const std::string &name, const device_file &file)
     {
         has_files |= file.exists;
-        if (fault.empty() && !file.fault.empty())
-            fault = "cannot use the home file \"" + home + "/" + name + "\": " + file.fault;
+        add_fault(name, file.fault);
+    }
+
+    void add_fault(const std::string &name, const std::string &reason)
+    {
+        if (fault.empty() && !reason.empty())
+            fault = "cannot use the home file \"" + home + "/" + name + "\": " + reason;
     }
 
     const std::string &home;
@@ -71,7 +84,8 @@ std::string folder_fault(const std::string &home)
 
 } // namespace
 
-home_check check_home(const std::string &home, const std::string &web_names)
+home_check check_home(const std::string &home, const std::string &web_names,
+                      const std::string &data)
 {
     if (const std::string fault = folder_fault(home); !fault.empty())
         return {fault, {}};
@@ -84,6 +98,7 @@ home_check check_home(const std::string &home, const std::string &web_names)
         folder.take_json(name);
     for (const std::string &name : files.conf_files)
         folder.take_conf(name);
+    folder.take_styles(data);
     if (folder.fault.empty() && !folder.has_files)
         folder.fault = "cannot use the home folder \"" + home + "\": no settings files in it";
     return {folder.fault, files};

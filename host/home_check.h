@@ -11,6 +11,8 @@ struct home_check {
     device_files files;
 };
 
-// web_names: the name of the web-name file. It is unusable when it cannot be read, holds none of
-// the store's files, or one of them cannot be read or, for JSON, holds no object.
-home_check check_home(const std::string &home, const std::string &web_names);
+// web_names: the name of the web-name file; data: the data folder, which may choose the default
+// style. It is unusable when it cannot be read, holds none of the store's files, one of them cannot
+// be read or, for JSON, holds no object, or the default picture style has no values.
+home_check check_home(const std::string &home, const std::string &web_names,
+                      const std::string &data);

@@ -74,7 +74,7 @@ bool can_save(const options &chosen)
 // The data folder is made last: a start that fails leaves nothing behind.
 bool pass_start_checks(const options &chosen)
 {
-    const home_check home = check_home(chosen.home, chosen.www2json);
+    const home_check home = check_home(chosen.home, chosen.www2json, chosen.data);
     if (!home_is_usable(home) || !paths_fit(chosen.data, home.files))
         return false;
     if (!lock_if_there(chosen) || !port_is_free(chosen.port))

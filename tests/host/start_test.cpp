@@ -97,6 +97,37 @@ TEST_F(HostStart, ChecksTheFilesOfEachListedModule)
     refuses_home_file("www2json.json", "no JSON at line 1, column 23");
 }
 
+TEST_F(HostStart, RefusesAHomeWhoseDefaultStyleHasNoValues)
+{
+    write_isp_home();
+    write_home("isp_def.json", "{'isp0_style_list':['plain','vivid'],'vivid':{'hue':50}}");
+    refuses_home_file("isp_def.json", "the default style, number 0 of its list, has no values");
+
+    write_home("isp_def.json", "{'isp0_style_def':2,'isp0_style_list':['plain','vivid'],"
+                               "'plain':{'hue':50},'vivid':{'hue':50}}");
+    refuses_home_file("isp_def.json", "the default style, number 2 of its list, has no values");
+
+    write_home("isp_def.json", "{'isp0_style_def':-1,'isp0_style_list':['plain'],'plain':{}}");
+    refuses_home_file("isp_def.json", "the default style, number -1 of its list, has no values");
+
+    write_home("isp_def.json", "{'plain':{'hue':50}}");
+    refuses_home_file("isp_def.json", "the default style, number 0 of its list, has no values");
+}
+
+TEST_F(HostStart, RefusesAHomeWithoutTheStyleThatWasMadeTheDefault)
+{
+    write_isp_home();
+    std::filesystem::create_directory(data + "/persist");
+    write_data("persist/odm.json", "{'version':1,'isp0_style_def':2}");
+    refuses_home_file("isp_def.json", "the default style, number 2 of its list, has no values");
+
+    write_data("persist/odm.json", "{'version':1,'isp0_style_def':1}");
+    start_host();
+    EXPECT_EQ(
+        Client().ask("{'msg_type':'api_get','msg_name':'style'}"),
+        "{'msg_name':'style','styles':['plain','vivid'],'default':'vivid','current':'vivid'}");
+}
+
 TEST_F(HostStart, RefusesHomeFilesThatCannotBeRead)
 {
     ASSERT_EQ(mkfifo((home + "/netport.conf").c_str(), 0600), 0);
