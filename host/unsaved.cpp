@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
+#include "camparam/control.h"
 #include "camparam/guard.h"
 #include "camparam/module.h"
+#include "conf_reload.h"
 #include "log.h"
 
 static bool has_unsaved_changes(const para_module_status &status)
@@ -13,14 +15,14 @@ static bool has_unsaved_changes(const para_module_status &status)
 }
 
 // Whether the module's file is one that the store is not to write.
-static bool writing_is_off(const para_module_status &status)
+static bool writing_is_off(const char *module, const para_module_status &status)
 {
-    return (status.flags & (PARA_STATUS_NOT_SAVED | PARA_STATUS_LOAD_FAILED)) ==
-           PARA_STATUS_NOT_SAVED;
+    return para_profile.conf_save_hook == nullptr && is_conf_module(module) &&
+           (status.flags & PARA_STATUS_LOAD_FAILED) == 0;
 }
 
 // Empty: saved, or changed since and about to be saved.
-static std::string reason_of(const para_module_status &status)
+static std::string reason_of(const char *module, const para_module_status &status)
 {
     if (status.error != 0)
         return strerror(status.error);
@@ -28,7 +30,9 @@ static std::string reason_of(const para_module_status &status)
         return "";
     if ((status.flags & PARA_STATUS_LOAD_FAILED) != 0)
         return "not loaded";
-    return writing_is_off(status) ? "writing is off" : "";
+    if (writing_is_off(module, status))
+        return "writing is off";
+    return (status.flags & PARA_STATUS_NOT_SAVED) != 0 ? "its file is bad and stays as it is" : "";
 }
 
 // Calls for each module that has a file.
@@ -46,9 +50,10 @@ std::vector<unsaved_module> unsaved_modules()
 {
     std::vector<unsaved_module> found;
     for_each_saved_module([&](const char *name, const para_module_status &status) {
-        const std::string reason = reason_of(status);
+        const std::string reason = reason_of(name, status);
+        const bool loses = has_unsaved_changes(status) && !writing_is_off(name, status);
         if (!reason.empty())
-            found.push_back({name, reason, has_unsaved_changes(status) && !writing_is_off(status)});
+            found.push_back({name, reason, loses});
     });
     return found;
 }

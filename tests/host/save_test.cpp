@@ -1,3 +1,4 @@
+#include <csignal>
 #include <filesystem>
 
 #include "camparam/guard.h"
@@ -94,6 +95,25 @@ TEST_F(SaveCommand, TellsOfChangesToWhatCouldNotBeLoaded)
     EXPECT_TRUE(found[0].loses_changes);
     EXPECT_TRUE(tell_unsaved());
     EXPECT_EQ(count_traces("camparamd: af is not saved: not loaded"), 1);
+}
+
+// Without a place to keep it the file is not overwritten, though its backup is used.
+TEST_F(SaveCommand, TellsOfAFileThatCannotBeSetAside)
+{
+    write_data("af_cur.json", "broken");
+    write_data("af_cur.json.bak", "{'focus_mode':1,'zoom_value':5}");
+    std::filesystem::create_directories(data + "/af_cur.json.bad/full");
+    start_host();
+    EXPECT_EQ(save(), all_saved) << "nothing is lost yet";
+    EXPECT_EQ(set_zoom(7), lens_taken);
+
+    EXPECT_TRUE(wait_until([&] {
+        return save() == "{'msg_name':'save','failed':{'af':'its file is bad and stays as it is'}}";
+    })) << save();
+    EXPECT_EQ(end_host(SIGTERM), 1);
+    EXPECT_TRUE(host_has_logged("camparamd: af is not saved: its file is bad and stays as it is\n"))
+        << host->errors();
+    EXPECT_EQ(read_data("af_cur.json"), "broken");
 }
 
 TEST_F(SaveCommand, WritesNothingAgainWithinASecond)
