@@ -11,7 +11,8 @@ int register_commands();
 int describe_command(int mode, para_message *message, cJSON **reply);
 // Sets AF members, which have no set request of their own. Set only.
 int lens_command(int mode, para_message *message, cJSON **reply);
-// Rereads the files of a conf module, "netport" by default. Set only.
+// Rereads the files of a conf module, "netport" by default. Set only. Answered by
+// answer_waiting_reloads().
 int reload_command(int mode, para_message *message, cJSON **reply);
 // Saves every module, and tells which could not be saved. Get or set, as it changes no setting.
 // Less than a second after the last save it is answered at once if nothing is left to write, else
@@ -23,3 +24,7 @@ int style_command(int mode, para_message *message, cJSON **reply);
 // Saves and answers the requests to save that wait, if a second has passed since the last save.
 // Main thread only, a few times a second.
 void answer_waiting_saves();
+
+// Rereads the files of one module that requests wait for, and answers them. Main thread only, a few
+// times a second.
+void answer_waiting_reloads();

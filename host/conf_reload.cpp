@@ -40,6 +40,8 @@ void request_conf_reload()
     }
 }
 
+static const char *const changes_to_save = "changes are still to be saved";
+
 static bool is_to_be_saved(const char *module)
 {
     para_module_status status = {};
@@ -49,28 +51,43 @@ static bool is_to_be_saved(const char *module)
 
 // Without its defaults file the store would drop the module's values, and without its saved file
 // fall back to the defaults.
-static bool can_be_read(const std::string &folder, const std::string &name, bool must_exist)
+static std::string fault_of(const std::string &folder, const std::string &name, bool must_exist)
 {
     const device_file file = read_device_file(folder, name);
-    std::string fault = file.fault;
-    if (must_exist && !file.exists)
-        fault = strerror(ENOENT);
-    if (!fault.empty())
-        log_line("cannot reread \"%s/%s\": %s", folder.c_str(), name.c_str(), fault.c_str());
-    return fault.empty();
+    const std::string fault = must_exist && !file.exists ? strerror(ENOENT) : file.fault;
+    return fault.empty() ? "" : "cannot reread \"" + folder + "/" + name + "\": " + fault;
 }
 
-static void reload(const char *module)
+static std::string fault_of_files(const char *module)
 {
     const std::string name = std::string(module) + ".conf";
-    if (can_be_read(para_profile.home_dir, name, true) &&
-        can_be_read(para_profile.data_dir, name, false))
-        para_conf_need_update(module);
+    const std::string fault = fault_of(para_profile.home_dir, name, true);
+    return fault.empty() ? fault_of(para_profile.data_dir, name, false) : fault;
+}
+
+std::string reread_conf(const char *module)
+{
+    if (is_to_be_saved(module))
+        return changes_to_save;
+    std::string fault = fault_of_files(module);
+    if (!fault.empty()) {
+        log_line("%s", fault.c_str());
+        return fault;
+    }
+    // To read a file may have taken long, as others lock it.
+    if (is_to_be_saved(module))
+        return changes_to_save;
+    if (para_init_single_conf(module) != 0)
+        return is_to_be_saved(module) ? changes_to_save : "cannot be reread";
+    para_profile.conf_update_hook(module);
+    return "";
 }
 
 void reload_requested_conf()
 {
-    const auto waiting = std::stable_partition(requested.begin(), requested.end(), is_to_be_saved);
-    std::for_each(waiting, requested.end(), reload);
-    requested.erase(waiting, requested.end());
+    const auto has_to_wait = [](const char *module) {
+        return reread_conf(module) == changes_to_save;
+    };
+    const auto done = std::stable_partition(requested.begin(), requested.end(), has_to_wait);
+    requested.erase(done, requested.end());
 }

@@ -71,6 +71,7 @@ void take_turn()
 {
     refresh_share_maps();
     reload_requested_conf();
+    answer_waiting_reloads();
     answer_waiting_saves();
     tell_dropped_datagrams();
 }

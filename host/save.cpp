@@ -1,11 +1,11 @@
 // The command "save". However often it is asked, the files are written once a second at most.
 #include <chrono>
-#include <cstring>
 #include <mutex>
 #include <vector>
 
 #include "camparam/control.h"
 #include "commands.h"
+#include "late_answer.h"
 #include "request.h"
 #include "unsaved.h"
 
@@ -13,17 +13,8 @@ namespace {
 
 using save_clock = std::chrono::steady_clock;
 
-// A request that is answered with the next save.
-struct waiting_request {
-    int socket;
-    sockaddr_in sender;
-    json_ptr reply;
-};
-
-constexpr size_t most_waiting = 32; // more are not answered, and so repeated by their clients
-
-std::mutex lock; // guards what follows
-std::vector<waiting_request> waiting;
+std::mutex lock;                  // guards what follows
+std::vector<late_answer> waiting; // for the next save
 save_clock::time_point next_save; // not before
 
 bool may_save()
@@ -52,30 +43,21 @@ void add_failures(cJSON *reply)
 void let_wait(const para_message &message, json_ptr reply)
 {
     const std::lock_guard<std::mutex> guard(lock);
-    if (waiting.size() < most_waiting)
-        waiting.push_back({message.socket, message.sender, std::move(reply)});
+    if (waiting.size() < most_late_answers)
+        waiting.push_back(answer_later(message, std::move(reply)));
 }
 
-std::vector<waiting_request> take_waiting()
+std::vector<late_answer> take_waiting()
 {
-    std::vector<waiting_request> taken;
+    std::vector<late_answer> taken;
     const std::lock_guard<std::mutex> guard(lock);
     if (save_clock::now() >= next_save)
         taken.swap(waiting);
     return taken;
 }
 
-void send(const waiting_request &request)
-{
-    char *const text = cJSON_Print(request.reply.get());
-    if (text != nullptr)
-        SendBuf2Client(request.socket, request.sender, text, static_cast<int>(strlen(text)));
-    cJSON_free(text);
-}
-
 } // namespace
 
-// Waiting here would hold up every other client.
 int save_command(int, para_message *message, cJSON **reply)
 {
     json_ptr answer = start_reply(parse_request(*message));
@@ -92,12 +74,12 @@ int save_command(int, para_message *message, cJSON **reply)
 
 void answer_waiting_saves()
 {
-    const std::vector<waiting_request> requests = take_waiting();
-    if (requests.empty())
+    const std::vector<late_answer> answers = take_waiting();
+    if (answers.empty())
         return;
     save();
-    for (const waiting_request &request : requests) {
-        add_failures(request.reply.get());
-        send(request);
+    for (const late_answer &answer : answers) {
+        add_failures(answer.reply.get());
+        send(answer);
     }
 }

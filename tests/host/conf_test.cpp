@@ -1,4 +1,11 @@
 // Writing and reloading conf files.
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
 #include "host/host_process.h"
 
 namespace {
@@ -31,6 +38,11 @@ protected:
 };
 
 const char *const done = "{'msg_name':'reload','msg_id':2}";
+
+std::string failed(const std::string &module, const std::string &reason)
+{
+    return "{'msg_name':'reload','msg_id':2,'failed':{'" + module + "':'" + reason + "'}}";
+}
 
 TEST_F(ConfFiles, AreNotWrittenWhenSwitchedOff)
 {
@@ -79,6 +91,76 @@ TEST_F(ConfFiles, OtherModulesAreReloadedByName)
 
     EXPECT_EQ(values("overlay"), "{'overlay':{'title':'Yard'}}");
     EXPECT_TRUE(host_has_logged("conf_update: overlay"));
+}
+
+TEST_F(ConfFiles, AreNotReloadedWhileAChangeIsToBeSaved)
+{
+    start_host();
+    std::filesystem::create_directory(data + "/netport.conf"); // keeps it from being saved
+    EXPECT_EQ(set_port("8080"), "{}");
+
+    EXPECT_EQ(reload(""), failed("netport", "changes are still to be saved"));
+    EXPECT_EQ(reload(""), failed("netport", "changes are still to be saved"));
+    EXPECT_EQ(values("netport"), "{'netport':{'http_port':'8080'}}");
+
+    std::filesystem::remove(data + "/netport.conf");
+    EXPECT_EQ(client.ask("{'msg_type':'api_set','msg_name':'save'}"), "{'msg_name':'save'}");
+    EXPECT_EQ(reload(""), done);
+    EXPECT_EQ(values("netport"), "{'netport':{'http_port':'8080'}}");
+}
+
+TEST_F(ConfFiles, AreTakenByAReloadWhereWritingIsOff)
+{
+    start_host({"--no-write-conf"});
+    EXPECT_EQ(set_port("8080"), "{}");
+
+    EXPECT_EQ(reload(""), done);
+    EXPECT_EQ(values("netport"), "{'netport':{'http_port':'80'}}");
+}
+
+TEST_F(ConfFiles, ThatCannotBeReadAreNamedByAReload)
+{
+    start_host();
+    ASSERT_EQ(mkfifo((data + "/netport.conf").c_str(), 0600), 0);
+    const json reply(cJSON_Parse(
+        client.request("{'msg_type':'api_set','msg_name':'reload'}").value_or("").c_str()));
+    const cJSON *const reason =
+        cJSON_GetObjectItem(cJSON_GetObjectItem(reply.get(), "failed"), "netport");
+    ASSERT_TRUE(cJSON_IsString(reason));
+    EXPECT_EQ(reason->valuestring,
+              "cannot reread \"" + data + "/netport.conf\": not a regular file");
+
+    std::filesystem::remove(home + "/overlay.conf");
+    EXPECT_NE(reload(",'data':{'module':'overlay'}").find("No such file or directory"),
+              std::string::npos);
+    EXPECT_EQ(values("overlay"), "{'overlay':{'title':'Hall'}}");
+}
+
+TEST_F(ConfFiles, AReloadHoldsUpNoClientWhileAFileIsLocked)
+{
+    start_host();
+    write_data("overlay.conf", "title = 'Yard'\n");
+    const int file = open((data + "/overlay.conf").c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(flock(file, LOCK_EX), 0);
+    Client waiting;
+    waiting.send(swap_quotes(
+        "{'msg_type':'api_set','msg_name':'reload','data':{'module':'overlay'}}", '\'', '"'));
+
+    EXPECT_EQ(client.ask("{'msg_type':'get','af':['zoom_value']}"), "{'af':{'zoom_value':0}}");
+    EXPECT_EQ(waiting.receive(0), std::nullopt);
+    close(file);
+    EXPECT_NE(waiting.receive(), std::nullopt);
+    EXPECT_EQ(values("overlay"), "{'overlay':{'title':'Yard'}}");
+}
+
+TEST_F(ConfFiles, AReloadAnswersAllThatWaitForIt)
+{
+    start_host();
+    Client others[3];
+    for (Client &other : others)
+        other.send(swap_quotes("{'msg_type':'api_set','msg_name':'reload'}", '\'', '"'));
+    for (Client &other : others)
+        EXPECT_NE(other.receive(), std::nullopt);
 }
 
 TEST_F(ConfFiles, ReloadRefusesEveryOtherModule)

@@ -28,6 +28,17 @@ protected:
 
     std::string title() { return client.ask("{'msg_type':'get','overlay':['title']}"); }
 
+    bool host_has_open(const std::string &path) const
+    {
+        std::error_code error;
+        const std::string files = "/proc/" + std::to_string(host->pid()) + "/fd";
+        for (const auto &each : std::filesystem::directory_iterator(files)) {
+            if (std::filesystem::read_symlink(each.path(), error) == path)
+                return true;
+        }
+        return false;
+    }
+
     Client client;
 };
 
@@ -84,6 +95,26 @@ TEST_F(HostSignals, HupLosesNoChangeThatIsStillToBeSaved)
         [&] { return host->errors().find("conf_update: netport", told) != std::string::npos; }));
     EXPECT_EQ(port(), "{'netport':{'http_port':'8080'}}");
     EXPECT_EQ(read_data("netport.conf"), "http_port = \"8080\"\nrtsp_port = \"554\"\n");
+}
+
+TEST_F(HostSignals, HupLosesNoChangeThatComesWhileItWaitsForAFile)
+{
+    start_host();
+    write_data("netport.conf", "http_port = '81'\n");
+    write_data("overlay.conf", "title = 'Yard'\n");
+    const int file = open((data + "/netport.conf").c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(flock(file, LOCK_EX), 0);
+    host->send_signal(SIGHUP);
+    ASSERT_TRUE(wait_until([&] { return host_has_open(data + "/netport.conf"); }));
+
+    EXPECT_EQ(client.ask("{'msg_type':'set','overlay':{'title':'Gate'}}"), "{}");
+    const size_t told = host->errors().size();
+    close(file);
+
+    EXPECT_TRUE(wait_until(
+        [&] { return host->errors().find("conf_update: overlay", told) != std::string::npos; }));
+    EXPECT_EQ(title(), "{'overlay':{'title':'Gate'}}");
+    EXPECT_EQ(read_data("overlay.conf"), "title = \"Gate\"\n");
 }
 
 TEST_F(HostSignals, HupTakesTheFilesWhereWritingIsOff)
