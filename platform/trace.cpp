@@ -2,6 +2,8 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -9,6 +11,7 @@
 #include "camparam/platform.h"
 #include "platform/guard.h"
 #include "platform/standard_error.h"
+#include "platform/trace_limit.h"
 #include "platform/trace_line.h"
 
 int dbgout_profile[2] = {0, 3};
@@ -18,11 +21,15 @@ namespace {
 // The lines on their way to standard error, in order.
 class trace_output {
 public:
+    // Whether a message is to be added; one that is not is counted.
+    bool admits(int level, const char *format);
     void add(std::string line);
     int add_none();
     void finish();
 
 private:
+    void put(std::string line);
+    void tell_withheld(long long now_ms);
     bool begin(std::string line);
     bool go_on();
     bool tell_lost();
@@ -30,6 +37,7 @@ private:
     std::mutex lock;
     std::string rest; // of a line that was written in part; nothing else may come between
     unsigned long long lost = 0;
+    trace_limit errors;
 };
 
 // Never destroyed: threads of the host may trace while the process exits.
@@ -37,7 +45,7 @@ trace_output &output()
 {
     static trace_output *const only = [] {
         trace_output *const made = new trace_output;
-        std::atexit([] { output().finish(); });
+        std::atexit([] { guarded(0, [] { return output().finish(), 0; }); });
         return made;
     }();
     return *only;
@@ -76,11 +84,39 @@ bool trace_output::tell_lost()
     return rest.empty();
 }
 
+void trace_output::put(std::string line)
+{
+    if (!go_on() || !tell_lost() || !begin(std::move(line)))
+        lost++;
+}
+
+void trace_output::tell_withheld(long long now_ms)
+{
+    while (const auto report = errors.take_report(now_ms))
+        put(trace_line("\n", *report));
+}
+
+long long now_ms()
+{
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return now.tv_sec * 1000LL + now.tv_nsec / 1000000;
+}
+
+// Progress and dumps are asked for, and come in any number.
+bool trace_output::admits(int level, const char *format)
+{
+    const int error_level = 3;
+    const std::lock_guard<std::mutex> guard(lock);
+    const long long now = now_ms();
+    tell_withheld(now);
+    return level > error_level || errors.admit(format, now);
+}
+
 void trace_output::add(std::string line)
 {
     const std::lock_guard<std::mutex> guard(lock);
-    if (!go_on() || !tell_lost() || !begin(std::move(line)))
-        lost++;
+    put(std::move(line));
 }
 
 // Counts a message that there was no memory for.
@@ -95,7 +131,10 @@ int trace_output::add_none()
 void trace_output::finish()
 {
     const std::unique_lock<std::mutex> guard(lock, std::try_to_lock);
-    if (guard.owns_lock() && go_on())
+    if (!guard.owns_lock())
+        return;
+    tell_withheld(std::numeric_limits<long long>::max());
+    if (go_on())
         tell_lost();
 }
 
@@ -103,8 +142,10 @@ struct text_free {
     void operator()(char *text) const { free(text); }
 };
 
-int write_message(const char *format, va_list arguments)
+int write_message(int level, const char *format, va_list arguments)
 {
+    if (!output().admits(level, format))
+        return 0;
     char *text = nullptr;
     const int length = vasprintf(&text, format, arguments);
     if (length < 0)
@@ -118,12 +159,11 @@ int write_message(const char *format, va_list arguments)
 
 void wnk_traceout(int level, const char *format, ...)
 {
-    (void)level;
     const int callers_errno = errno; // callers may trace before they check errno
 
     va_list arguments;
     va_start(arguments, format);
-    if (guarded(-1, [&] { return write_message(format, arguments); }) != 0)
+    if (guarded(-1, [&] { return write_message(level, format, arguments); }) != 0)
         guarded(-1, [] { return output().add_none(); });
     va_end(arguments);
     errno = callers_errno;

@@ -43,6 +43,10 @@ PARA_API extern int dbgout_profile[2];
  * It never waits for a pipe, terminal or socket that nobody reads, and does not touch the flags of
  * the open file: a message for which there is no room is lost, and the next that has room comes
  * behind a line "N messages lost". The rest of a message that had room in part comes first.
+ *
+ * Of messages at level 3 that have the same format, it writes 50 a second. The others are counted,
+ * and told of as "N more of: ", and the format, with the first message of whatever kind after that
+ * second, or when the process exits.
  */
 PARA_API void wnk_traceout(int level, const char *format, ...)
     __attribute__((format(printf, 2, 3)));

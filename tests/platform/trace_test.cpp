@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <thread>
+#include <vector>
 
 #include "tests/platform/folder.h"
 
@@ -147,6 +148,50 @@ TEST_F(TraceOutput, PassesTextInUtf8ButItsControlCharacters)
                  "\xc2\x9b"
                  "31m \xc2\x80 \xc2\x9f");
     EXPECT_EQ(next_write(), "\\xc2\\x9b31m \\xc2\\x80 \\xc2\\x9f\n");
+}
+
+TEST_F(TraceOutput, OfAFloodOfErrorsIsCounted)
+{
+    int written = 0;
+    int counted = 0;
+    const auto take_writes = [&] {
+        for (std::string line = next_write(); line != "none"; line = next_write()) {
+            if (line.rfind("bad datagram ", 0) == 0)
+                written++;
+            else if (line.find(" more of: bad datagram %d [%s]\n") != std::string::npos)
+                counted += std::stoi(line);
+        }
+    };
+    for (int i = 0; i < 1000; i++) {
+        wnk_traceout(3, "bad datagram %d [%s]\n\n", i, "");
+        take_writes();
+    }
+    EXPECT_GE(written, 50);
+    EXPECT_LT(written, 1000);
+
+    EXPECT_TRUE(eventually([&] {
+        wnk_traceout(6, "progress\n");
+        take_writes();
+        return written + counted == 1000;
+    })) << written
+        << " and " << counted;
+
+    wnk_traceout(3, "bad datagram %d [%s]\n\n", 1000, "");
+    EXPECT_EQ(next_write(), "bad datagram 1000 []\n") << "after the flood";
+}
+
+TEST_F(TraceOutput, OfOtherErrorsAndOfProgressGoesOnInAFlood)
+{
+    for (int i = 0; i < 200; i++)
+        wnk_traceout(3, "bad datagram\n");
+    wnk_traceout(3, "disk full\n");
+    for (int i = 0; i < 200; i++)
+        wnk_traceout(6, "progress\n");
+    std::vector<std::string> lines;
+    for (std::string line = next_write(); line != "none"; line = next_write())
+        lines.push_back(line);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "disk full\n"), 1);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "progress\n"), 200);
 }
 
 TEST(TraceLevel, ShowsErrorsUntilItIsSet)
