@@ -4,7 +4,7 @@
 #include <dlfcn.h>
 
 #include "camparam/control.h"
-#include "log.h"
+#include "change_log.h"
 
 namespace {
 
@@ -20,7 +20,7 @@ template <typename function> const char *name_of(function *setter)
 void log_request(const char *hook, const char *module, const cJSON *item)
 {
     char *const text = cJSON_PrintUnformatted(item);
-    log_line("%s: %s %s", hook, module, text != nullptr ? text : "");
+    log_change("%s: %s %s", hook, module, text != nullptr ? text : "");
     cJSON_free(text);
 }
 
@@ -32,42 +32,42 @@ const char *key_of(const cJSON *item)
 
 void conflict(const char *name, int old_value, int new_value)
 {
-    log_line("conflict: %s %d -> %d", name, old_value, new_value);
+    log_change("conflict: %s %d -> %d", name, old_value, new_value);
 }
 
 void isp_set_notify(int (*setter)(int, int), int instance, int value)
 {
-    log_line("isp_set_notify: %s(%d, %d)", name_of(setter), instance, value);
+    log_change("isp_set_notify: %s(%d, %d)", name_of(setter), instance, value);
 }
 
 void video_set_notify(int (*setter)(int, int), int stream, int value)
 {
-    log_line("video_set_notify: %s(%d, %d)", name_of(setter), stream, value);
+    log_change("video_set_notify: %s(%d, %d)", name_of(setter), stream, value);
 }
 
 void audio_set_notify(int (*setter)(int), int value)
 {
-    log_line("audio_set_notify: %s(%d)", name_of(setter), value);
+    log_change("audio_set_notify: %s(%d)", name_of(setter), value);
 }
 
 void af_set_notify(int (*setter)(int), int value)
 {
-    log_line("af_set_notify: %s(%d)", name_of(setter), value);
+    log_change("af_set_notify: %s(%d)", name_of(setter), value);
 }
 
 void misc_set_notify(const char *module, para_entry_point setter, const char *member, int value)
 {
-    log_line("misc_set_notify: %s(%s, %s, %d)", name_of(setter), module, member, value);
+    log_change("misc_set_notify: %s(%s, %s, %d)", name_of(setter), module, member, value);
 }
 
 void odm_set_notify(const char *key)
 {
-    log_line("odm_set_notify: %s", key);
+    log_change("odm_set_notify: %s", key);
 }
 
 void conf_member_notify(const char *module, const char *key)
 {
-    log_line("conf_member_notify: %s %s", module, key);
+    log_change("conf_member_notify: %s %s", module, key);
 }
 
 void isp_set_request(const cJSON *item)
@@ -92,7 +92,7 @@ void misc_set_request(const char *module, const cJSON *item)
 
 int conf_update(const char *module)
 {
-    log_line("conf_update: %s", module);
+    log_change("conf_update: %s", module);
     return 0;
 }
 

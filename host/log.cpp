@@ -1,7 +1,6 @@
 #include "log.h"
 
 #include <algorithm>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -12,10 +11,14 @@ void log_line(const char *format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    char *text = nullptr;
-    const int length = vasprintf(&text, format, arguments);
+    log_line_of(format, arguments);
     va_end(arguments);
-    if (length < 0)
+}
+
+void log_line_of(const char *format, va_list arguments)
+{
+    char *text = nullptr;
+    if (vasprintf(&text, format, arguments) < 0)
         return;
 
     std::string line = text;

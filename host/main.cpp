@@ -7,6 +7,7 @@
 #include "camparam/control.h"
 #include "camparam/guard.h"
 #include "camparam/platform.h"
+#include "change_log.h"
 #include "commands.h"
 #include "conf_reload.h"
 #include "hooks.h"
@@ -74,6 +75,7 @@ void take_turn()
     answer_waiting_reloads();
     answer_waiting_saves();
     tell_dropped_datagrams();
+    tell_unlisted_changes(false);
 }
 
 // Returns the signal that ends the host.
@@ -114,6 +116,7 @@ int main(int argc, char **argv)
     log_line("%s: saving and stopping", signal_name(serve_signals()));
     withdraw_share_maps(chosen.port);
     platformparam_stop(1);
+    tell_unlisted_changes(true);
     const bool changes_lost = tell_unsaved();
     return changes_lost && !chosen.read_only_data ? 1 : 0;
 }
