@@ -99,6 +99,14 @@ private:
 constexpr in_addr_t subnet_broadcast = 0x7fffffff; // 127.255.255.255
 constexpr in_addr_t test_group = 0xe900014d;       // 233.0.1.77
 
+std::atomic<int> asked_datagrams{0};
+
+int admit_all(const sockaddr_in *, const char *, int)
+{
+    asked_datagrams++;
+    return 1;
+}
+
 std::atomic<int> handled_datagrams{0};
 
 int handle_share_datagram(const para_share_datagram *datagram)
@@ -117,6 +125,7 @@ protected:
     {
         stop_store();
         register_share_datagram_handler(nullptr);
+        register_request_filter(nullptr);
     }
 
     void start()
@@ -227,6 +236,18 @@ TEST_F(Guarded, DatagramsToABroadcastAddressAreDropped)
     EXPECT_TRUE(client.stays_silent());
     EXPECT_EQ(sender.answer(0), "none");
     EXPECT_EQ(refused_texts(), 0) << "without a trace";
+}
+
+TEST_F(Guarded, TheFilterIsAskedBeforeADatagramToABroadcastAddressIsDropped)
+{
+    register_request_filter(admit_all);
+    start();
+    const GroupSender sender;
+    sender.send_to(subnet_broadcast, whole_request);
+    EXPECT_TRUE(wait_until([] { return asked_datagrams == 1; }));
+    EXPECT_EQ(client.request(whole_request), whole_answer);
+    EXPECT_EQ(asked_datagrams, 2);
+    EXPECT_EQ(sender.answer(0), "none");
 }
 
 TEST_F(Guarded, DatagramsToAGroupAreDropped)
