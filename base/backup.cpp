@@ -107,9 +107,9 @@ static bool is_usable(file_form form, const char *text, bool &starved)
     if (text == nullptr || form == file_form::conf)
         return text != nullptr;
     const memory_watch memory;
-    const bool usable = json_ptr(cJSON_Parse(text)) != nullptr;
-    starved = starved || (!usable && memory.ran_out());
-    return usable;
+    const json_ptr root(cJSON_Parse(text));
+    starved = starved || (root == nullptr && memory.ran_out());
+    return form == file_form::json_object ? cJSON_IsObject(root.get()) != 0 : root != nullptr;
 }
 
 // Empty, or the beginning of its backup: what an interrupted write leaves.
@@ -177,7 +177,7 @@ static bool keep_bad_file(const char *path, save_state &state)
 static bool restore(FILE *torn, const char *path, const char *backup, file_form form)
 {
     // JSON files end with a zero byte.
-    const size_t length = strlen(backup) + (form == file_form::json ? 1 : 0);
+    const size_t length = strlen(backup) + (form != file_form::conf ? 1 : 0);
     const int error = torn != nullptr
                           ? error_of(replace_contents(torn, backup, length) == 0)
                           : write_in_place(path, backup, length, file_lock::exclusive).error;
@@ -216,9 +216,9 @@ recovered_file recover_file(const char *path, file_form form, save_state &state)
     return backup;
 }
 
-json_file read_current_json(const char *path, save_state &state)
+json_file read_current_json(const char *path, file_form form, save_state &state)
 {
-    recovered_file recovered = recover_file(path, file_form::json, state);
+    recovered_file recovered = recover_file(path, form, state);
     if (!guard_is_on())
         return read_json_file(path);
     const bool unread = !recovered.text && recovered.starved;

@@ -18,7 +18,7 @@ struct file_beside {
 // before stays. Returns 0, or the error number.
 int write_backup(const char *path, const char *bytes, size_t length);
 
-enum class file_form { json, conf };
+enum class file_form { json, json_object, conf };
 
 // What to load as a current file.
 struct recovered_file {
@@ -33,4 +33,4 @@ struct recovered_file {
 recovered_file recover_file(const char *path, file_form form, save_state &state);
 
 // Reads a current file that has to be JSON, recovered. It is read once: what was judged is loaded.
-json_file read_current_json(const char *path, save_state &state);
+json_file read_current_json(const char *path, file_form form, save_state &state);

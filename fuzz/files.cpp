@@ -169,7 +169,8 @@ int start_again(const kind &module)
     return module.start(module.name);
 }
 
-// An ODM file that holds something else has no keys, so each start adds the version to it again.
+// An ODM file that holds something else than an object has no keys, so each start without the guard
+// adds the version to it again.
 bool has_no_keys(const kind &module, const std::string &file)
 {
     return module.start == start_odm && file[0] != '{';

@@ -133,23 +133,27 @@ file_set saved_files()
     return saved;
 }
 
+const char *const odm_file = "/data/persist/odm.json";
+
 // "PIC_HD1" is read as "PIC_HD1080", whose name it begins.
 bool has_short_size(const std::string &contents)
 {
     return contents.find("\"PIC_HD1\"") != std::string::npos;
 }
 
-// Each start adds the version to an ODM file that holds something else than an object.
+// Without the guard each start adds the version to an ODM file that holds something else than an
+// object.
 bool has_no_keys(const std::string &name, const std::string &contents)
 {
-    return name == "/data/persist/odm.json" && contents[0] != '{';
+    return name == odm_file && contents[0] != '{';
 }
 
-void check_second_start(const file_set &first, const file_set &second)
+void check_second_start(const file_set &first, const file_set &second, bool guarded)
 {
     for (const auto &[name, contents] : first) {
         const std::string &again = second.at(name);
-        require(contents == again || has_short_size(contents) || has_no_keys(name, contents),
+        const bool grows = !guarded && has_no_keys(name, contents);
+        require(contents == again || has_short_size(contents) || grows,
                 "%s: saved as\n%s\nand then as\n%s", name.c_str(), contents.c_str(), again.c_str());
     }
 }
@@ -158,6 +162,12 @@ bool is_torn(const std::string &contents, const std::string &backup)
 {
     const size_t length = strlen(contents.c_str());
     return length < strlen(backup.c_str()) && backup.compare(0, length, contents.c_str()) == 0;
+}
+
+bool is_usable(const std::string &name, const std::string &contents)
+{
+    const tree_ptr root = parse_json(contents);
+    return name == odm_file ? cJSON_IsObject(root.get()) != 0 : root != nullptr;
 }
 
 bool is_file(const std::string &contents)
@@ -174,7 +184,7 @@ void check_kept(const file_set &files, const file_set &saved)
             continue;
         const auto backup = files.find(each.name + ".bak");
         const bool has_backup = backup != files.end() && is_file(backup->second);
-        const bool usable = parse_json(given->second) != nullptr ||
+        const bool usable = is_usable(each.name, given->second) ||
                             (has_backup && is_torn(given->second, backup->second));
         const auto bad = read_file(folders().root + each.name + ".bad");
         require(usable || saved.at(each.name) == given->second || bad == given->second,
@@ -191,11 +201,12 @@ void run_input(const uint8_t *data, size_t size)
 
     in_child([=] { run_store(settings); });
     const file_set first = saved_files();
+    const bool guarded = (settings & 1) != 0;
     const bool legacy_odm = files.count("/data/isp_odm.json") != 0; // was moved
-    if ((settings & 1) != 0 && !legacy_odm)
+    if (guarded && !legacy_odm)
         check_kept(files, first);
     in_child([=] { run_store(settings); });
-    check_second_start(first, saved_files());
+    check_second_start(first, saved_files(), guarded);
 }
 
 } // namespace

@@ -37,7 +37,10 @@ static std::string text_of(const std::string &bytes)
 
 static bool is_usable(const std::string &text, text_form form)
 {
-    return form == text_form::conf || parse_json(text) != nullptr;
+    if (form == text_form::conf)
+        return true;
+    const tree_ptr root = parse_json(text);
+    return form == text_form::json_object ? cJSON_IsObject(root.get()) != 0 : root != nullptr;
 }
 
 static bool is_torn(const std::string &text, const std::string &backup)
@@ -52,7 +55,7 @@ std::optional<std::string> model_disk::recover(const std::string &name, text_for
     if (gone || file == files.end())
         return std::nullopt;
     const std::string text = text_of(file->second);
-    const std::string whole = form == text_form::json ? text : file->second;
+    const std::string whole = form == text_form::conf ? file->second : text;
     if (!guard)
         return whole;
 
@@ -71,6 +74,6 @@ std::optional<std::string> model_disk::recover(const std::string &name, text_for
     if (!backup)
         return std::nullopt;
     flags |= PARA_STATUS_RESTORED;
-    files[name] = form == text_form::json ? *backup + '\0' : *backup;
+    files[name] = form == text_form::conf ? *backup : *backup + '\0';
     return backup;
 }

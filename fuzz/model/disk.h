@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-enum class text_form { json, conf };
+enum class text_form { json, json_object, conf };
 
 // The folder is there or gone, and takes files up to a size.
 class model_disk {

@@ -22,7 +22,7 @@ void model_odm::start()
     forget();
     document.reset();
     folder_missed = disk.gone || !disk.has_persist_folder;
-    const auto text = disk.recover(file_name, text_form::json, flags);
+    const auto text = disk.recover(file_name, text_form::json_object, flags);
     if (!text)
         return;
     const tree_ptr root = parse_json(*text);

@@ -149,7 +149,7 @@ json_ptr load_current_file(const fixed_module &module, const trace_site &site)
     const file_path path = current_file(module);
     if (is_missing(path.text))
         return nullptr;
-    json_file file = read_current_json(path.text, *module.stamp.saves);
+    json_file file = read_current_json(path.text, file_form::json, *module.stamp.saves);
     if (!file.readable && module.rules.traces_unreadable)
         PARA_TRACE_AT(site, PARA_INFO, "Error read cur buf\n");
     if (file.starved)

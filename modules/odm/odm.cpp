@@ -76,7 +76,7 @@ int para_init_odm(const char *)
         store_word(odm_persist_dir_missing, 1);
     move_legacy_file();
 
-    json_file file = read_current_json(store_path().text, saves);
+    json_file file = read_current_json(store_path().text, file_form::json_object, saves);
     if (file.starved)
         return note_load_failure(saves, row);
     if (!file.readable)

@@ -81,7 +81,8 @@ static bool load_legacy_set(configure *&def, configure *&cur, save_state &starti
         note_load_failure(starting, "misc");
     const bool starved =
         def == nullptr || cur == nullptr || into_def == no_memory || into_cur == no_memory ||
-        fix_old_misc_def_cur_conf(read_current_json(saved.text, starting), cur) == no_memory;
+        fix_old_misc_def_cur_conf(read_current_json(saved.text, file_form::json, starting), cur) ==
+            no_memory;
     if (starved)
         free_objects(def, cur);
     return !starved;

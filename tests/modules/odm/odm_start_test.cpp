@@ -51,6 +51,31 @@ TEST_F(OdmStart, ABrokenFileIsTracedAsAnError)
     EXPECT_EQ(traces()[0].level, 3);
 }
 
+TEST_F(OdmStart, WithTheGuardAFileThatIsNoObjectIsKeptAndTheBackupUsed)
+{
+    platformparam_set_guard(1);
+    std::filesystem::create_directory(data + "/persist");
+    for (const char *bytes : {"[1,2]", "5", "null", "true", "'text'"}) {
+        write_data("persist/odm.json.bak", "{'version':1,'mine':7}");
+        EXPECT_EQ(init(bytes), 0) << bytes;
+        EXPECT_EQ(number("mine"), "7") << bytes;
+        EXPECT_EQ(read_data("persist/odm.json.bad"), swap_quotes(bytes, '\'', '"'));
+        EXPECT_EQ(saved_document(), "{'version':1,'mine':7}");
+    }
+}
+
+TEST_F(OdmStart, WithTheGuardABackupThatIsNoObjectRestoresNothing)
+{
+    platformparam_set_guard(1);
+    std::filesystem::create_directory(data + "/persist");
+    write_data("persist/odm.json.bak", "[1,2,3]");
+    EXPECT_EQ(init("[1,2]"), 0);
+    EXPECT_EQ(number("version"), "error -1") << "there is no document";
+    EXPECT_EQ(read_data("persist/odm.json.bad"), "[1,2]");
+    para_set_odm_int("mine", 7);
+    EXPECT_EQ(saved_document(), "{'version':1,'mine':7}");
+}
+
 TEST_F(OdmStart, AnEmptyFileIsBroken)
 {
     EXPECT_EQ(init(""), -1);
