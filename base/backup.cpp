@@ -191,7 +191,11 @@ static bool restore(FILE *torn, const char *path, const char *backup, file_form 
 recovered_file recover_file(const char *path, file_form form, save_state &state)
 {
     recovered_file current = {.path = file_beside(path, ""), .text = nullptr, .starved = false};
-    if (!guard_is_on() || is_missing(path))
+    if (!guard_is_on())
+        return current;
+    const bool missing = is_missing(path);
+    note_unread(state, missing);
+    if (missing)
         return current;
     const held_file held(path);
     current.text = read_text(path, current.starved);

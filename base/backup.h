@@ -29,7 +29,7 @@ struct recovered_file {
 
 // With the guard on, a current file that is torn is restored from its backup, and one that is of no
 // use is renamed to "<path>.bad" first; the state tells what was done. A file that is missing stays
-// missing, and one that was edited is left alone.
+// missing, and is not overwritten should it come later; one that was edited is left alone.
 recovered_file recover_file(const char *path, file_form form, save_state &state);
 
 // Reads a current file that has to be JSON, recovered. It is read once: what was judged is loaded.

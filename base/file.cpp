@@ -186,34 +186,59 @@ write_result write_in_place(const char *path, const char *bytes, size_t length, 
     return written;
 }
 
-static write_result write_guarded(const char *path, const char *bytes, size_t length,
-                                  file_lock lock)
+// The error number for a file that came to its place unread, or cannot be looked at; 0 for none. What
+// is no regular file is refused when it is opened.
+static int find_unread(const char *path, const save_state &state)
 {
-    write_result written = {.returned = 0, .error = ENOMEM};
-    if (bytes != nullptr)
-        written.error = write_backup(path, bytes, length);
-    if (written.error == 0)
+    struct stat about = {};
+    if (!is_unread(state))
+        return 0;
+    if (stat(path, &about) == 0)
+        return S_ISREG(about.st_mode) ? EEXIST : 0;
+    return errno == ENOENT || errno == ENOTDIR ? 0 : errno;
+}
+
+// Returns 0, or the error number.
+static int prepare_to_write(const char *path, const char *bytes, size_t length, save_state &state)
+{
+    if (bytes == nullptr)
+        return ENOMEM;
+    const int unread = find_unread(path, state);
+    if (unread != 0)
+        return unread;
+    return write_backup(path, bytes, length);
+}
+
+static write_result write_guarded(const char *path, const char *bytes, size_t length,
+                                  file_lock lock, save_state &state)
+{
+    write_result written = {.returned = 0,
+                            .error = prepare_to_write(path, bytes, length, state)};
+    if (written.error == 0) {
+        note_unread(state, false); // a write that fails leaves a file, too
         written = write_in_place(path, bytes, length, lock);
+    }
     if (written.error == 0)
         return written;
     PARA_TRACE(PARA_ERROR, "%s is not written, errno:%d", path, written.error);
     return {.returned = EOF, .error = written.error};
 }
 
-write_result write_file(const char *path, const char *bytes, size_t length, file_lock lock)
+write_result write_file(const char *path, const char *bytes, size_t length, file_lock lock,
+                        save_state &state)
 {
     if (guard_is_on())
-        return write_guarded(path, bytes, length, lock);
+        return write_guarded(path, bytes, length, lock, state);
     if (bytes == nullptr)
         return {.returned = 0, .error = ENOMEM};
     return write_in_place(path, bytes, length, lock);
 }
 
-write_result write_text_file(const char *path, const char *text)
+write_result write_text_file(const char *path, const char *text, save_state &state)
 {
     // length + 1: the final zero byte belongs to the format (SavedFile.EndsWithOneZeroByte).
     const size_t length = text != nullptr ? strlen(text) + 1 : 0;
-    return write_file(path, text, length, file_lock::none);
+    return write_file(path, text, length, file_lock::none, state);
 }
 
 unsigned files_written()

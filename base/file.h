@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "base/json.h"
+#include "base/save_state.h"
 #include "camparam/platform.h"
 
 // A path that does not fit is empty, and so a file that cannot be opened.
@@ -40,16 +41,17 @@ struct write_result {
     int error;    // errno of the step that failed; 0: everything is written
 };
 
-// Replaces the contents of a file, or makes it; without bytes (out of memory) nothing is written.
-// With the guard on, its backup is written first, only a regular file is written, and a failure is
-// traced.
-write_result write_file(const char *path, const char *bytes, size_t length, file_lock lock);
+// Replaces the contents of a module's file, or makes it; without bytes (out of memory) nothing is
+// written. With the guard on, its backup is written first, only a regular file is written, none that
+// the module has not read, and a failure is traced.
+write_result write_file(const char *path, const char *bytes, size_t length, file_lock lock,
+                        save_state &state);
 
-// The same without a backup.
+// The same without any of this, with the guard on or off, but for the regular file.
 write_result write_in_place(const char *path, const char *bytes, size_t length, file_lock lock);
 
 // write_file() for a text and its final zero byte (SavedFile.EndsWithOneZeroByte).
-write_result write_text_file(const char *path, const char *text);
+write_result write_text_file(const char *path, const char *text, save_state &state);
 
 // How many files write_file() has opened to write. Any thread.
 unsigned files_written();

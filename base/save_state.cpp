@@ -47,6 +47,18 @@ bool may_be_saved(const save_state &state)
     return !guard_is_on() || !is_kept_from_saving(state.last.flags);
 }
 
+void note_unread(save_state &state, bool unread)
+{
+    const lock_guard guard(states_mutex);
+    state.unread = unread;
+}
+
+bool is_unread(const save_state &state)
+{
+    const lock_guard guard(states_mutex);
+    return state.unread;
+}
+
 int note_load_failure(save_state &state, const char *module)
 {
     add_flags(state, PARA_STATUS_LOAD_FAILED);

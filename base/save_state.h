@@ -9,6 +9,7 @@
 struct save_state {
     unsigned changes;        // accepted since start
     unsigned failures;       // saves in a row
+    bool unread;             // its file was missing or unreadable when last looked for
     timespec failed_at;      // the last of them, CLOCK_MONOTONIC
     para_module_status last; // of the last save and of the start; its changes are not used
 };
@@ -22,6 +23,10 @@ bool may_be_saved(const save_state &state);
 
 // With the guard on: whether the last save failed so recently that the next one has to wait.
 bool waits_to_retry(const save_state &state);
+
+// Whether a file that stands in its place by now holds what the module knows nothing of.
+void note_unread(save_state &state, bool unread);
+bool is_unread(const save_state &state);
 
 // Takes note that a module could not be loaded. Returns -1, as start-up functions do.
 int note_load_failure(save_state &state, const char *module);

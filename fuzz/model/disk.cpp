@@ -22,9 +22,11 @@ bool model_disk::write_in_place(const std::string &name, const std::string &byte
 bool model_disk::write(const std::string &name, const std::string &bytes)
 {
     if (guard) {
-        if (!can_open(name) || !fits(bytes))
+        const bool holds_unread = unread.count(name) != 0 && files.count(name) != 0;
+        if (!can_open(name) || !fits(bytes) || holds_unread)
             return false;
         files[name + ".bak"] = bytes;
+        unread.erase(name);
     }
     return write_in_place(name, bytes);
 }
@@ -48,14 +50,25 @@ static bool is_torn(const std::string &text, const std::string &backup)
     return text.size() < backup.size() && backup.compare(0, text.size(), text) == 0;
 }
 
+std::optional<std::string> model_disk::look_for(const std::string &name)
+{
+    const auto file = files.find(name);
+    if (gone || file == files.end()) {
+        unread.insert(name);
+        return std::nullopt;
+    }
+    unread.erase(name);
+    return file->second;
+}
+
 std::optional<std::string> model_disk::recover(const std::string &name, text_form form,
                                                unsigned &flags)
 {
-    const auto file = files.find(name);
-    if (gone || file == files.end())
+    const auto file = look_for(name);
+    if (!file)
         return std::nullopt;
-    const std::string text = text_of(file->second);
-    const std::string whole = form == text_form::conf ? file->second : text;
+    const std::string text = text_of(*file);
+    const std::string whole = form == text_form::conf ? *file : text;
     if (!guard)
         return whole;
 
@@ -67,8 +80,8 @@ std::optional<std::string> model_disk::recover(const std::string &name, text_for
     if (!torn && is_usable(text, form))
         return whole;
     if (!torn) {
-        files[name + ".bad"] = file->second;
-        files.erase(file);
+        files[name + ".bad"] = *file;
+        files.erase(name);
         flags |= PARA_STATUS_KEPT_BAD;
     }
     if (!backup)

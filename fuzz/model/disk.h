@@ -3,6 +3,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 
 enum class text_form { json, json_object, conf };
@@ -19,8 +20,14 @@ public:
     // As a save writes: returns whether everything is written.
     bool write(const std::string &name, const std::string &bytes);
 
+    // The bytes of a file, if it is there.
+    std::optional<std::string> look_for(const std::string &name);
+
     // What a start reads, and the flags of the module's status that it leaves.
     std::optional<std::string> recover(const std::string &name, text_form form, unsigned &flags);
+
+    // Files that were not there when last looked for: with the guard on, what is there now stays.
+    std::set<std::string> unread;
 
     unsigned opened = 0; // how many files were opened to write
 

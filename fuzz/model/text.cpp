@@ -33,11 +33,9 @@ void model_text::start()
 
 void model_text::reload()
 {
-    const auto file = disk.files.find(std::string(module) + ".conf");
     def.read(home);
     cur.read(home);
-    if (!disk.gone && file != disk.files.end())
-        cur.read(file->second);
+    cur.read(disk.look_for(std::string(module) + ".conf").value_or(""));
 }
 
 // --- Modules of a pattern ---

@@ -40,7 +40,8 @@ int save_module(const fixed_module &module)
         return refuse_save(module.name);
     const unsigned changes = counted_changes(module.stamp);
     const printed_ptr text(cJSON_Print(current_document(module).get()));
-    const write_result written = write_text_file(current_file(module).text, text.get());
+    const write_result written =
+        write_text_file(current_file(module).text, text.get(), *module.stamp.saves);
     // After formatting, and also when nothing was written (VideoSave.AFailedSaveIsNotRetried).
     clear_change(module.stamp);
     return end_save(module.stamp, changes, written);

@@ -238,7 +238,7 @@ static write_result write_document(const char *path)
             return {.returned = 0, .error = 0}; // nothing to write
         text.reset(cJSON_Print(json_odm_file));
     }
-    return write_text_file(path, text.get());
+    return write_text_file(path, text.get(), saves);
 }
 
 int para_save_odm(const char *)

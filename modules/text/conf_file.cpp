@@ -51,7 +51,15 @@ static reading load_saved(configure *cur, const char *path, save_state &state)
     return result;
 }
 
-static reading load_both(const char *name, configure *def, configure *cur, save_state *starting)
+static reading load_again(configure *cur, const char *path, save_state &state)
+{
+    const reading result = read_conf_file(cur, path);
+    note_unread(state, result != reading::done);
+    return result;
+}
+
+static reading load_both(const char *name, configure *def, configure *cur, loading when,
+                         save_state &state)
 {
     const file_path home = module_path(para_profile.home_dir, name, ".conf");
     const reading defaults = read_conf_file(def, home.text);
@@ -61,15 +69,16 @@ static reading load_both(const char *name, configure *def, configure *cur, save_
     if (current == reading::starved || (current == reading::failed && guard_is_on()))
         return current;
     const file_path saved = module_path(para_profile.data_dir, name, ".conf");
-    const reading last = starting == nullptr ? read_conf_file(cur, saved.text)
-                                             : load_saved(cur, saved.text, *starting);
+    const reading last = when == loading::start ? load_saved(cur, saved.text, state)
+                                                : load_again(cur, saved.text, state);
     return last == reading::starved ? last : reading::done;
 }
 
-bool load_conf_files(const char *name, configure *&def, configure *&cur, save_state *starting)
+bool load_conf_files(const char *name, configure *&def, configure *&cur, loading when,
+                     save_state &state)
 {
     const bool starved = def == nullptr || cur == nullptr;
-    const reading result = starved ? reading::starved : load_both(name, def, cur, starting);
+    const reading result = starved ? reading::starved : load_both(name, def, cur, when, state);
     if (result == reading::starved)
         free_objects(def, cur); // some values are missing, and defaults would pass for saved ones
     return result == reading::done;
@@ -85,11 +94,12 @@ text_ptr conf_lines(configure *cur)
     return text_ptr(memory.ran_out() ? nullptr : lines.release());
 }
 
-write_result save_conf_lines(const char *name, const text_ptr &lines, file_lock lock)
+write_result save_conf_lines(const char *name, const text_ptr &lines, file_lock lock,
+                             save_state &state)
 {
     const file_path path = module_path(para_profile.data_dir, name, ".conf");
     const size_t length = lines ? strlen(lines.get()) : 0;
-    return write_file(path.text, lines.get(), length, lock);
+    return write_file(path.text, lines.get(), length, lock, state);
 }
 
 int write_conf_to_buffer(const char *module, configure *conf, char *buffer, int size,

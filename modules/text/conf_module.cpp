@@ -34,8 +34,8 @@ int para_init_single_conf(const char *name)
         module->cur = configure_init();
         remove_flags(module->saves, PARA_STATUS_LOAD_FAILED); // of an earlier try
     }
-    save_state *const starting = loaded_before ? nullptr : &module->saves;
-    if (load_conf_files(name, module->def, module->cur, starting))
+    const loading when = loaded_before ? loading::again : loading::start;
+    if (load_conf_files(name, module->def, module->cur, when, module->saves))
         return 0;
     free_values(*module);
     return note_load_failure(module->saves, name);
@@ -177,7 +177,7 @@ static conf_snapshot values_to_save(text_module &module)
 
 static int save_values(const char *name, const conf_snapshot &values)
 {
-    const write_result written = save_conf_lines(name, values.lines, file_lock::exclusive);
+    const write_result written = save_conf_lines(name, values.lines, file_lock::exclusive, *values.stamp.saves);
     const int result = end_save(values.stamp, values.changes, written);
     return guard_is_on() ? result : 0;
 }

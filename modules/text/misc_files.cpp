@@ -110,7 +110,7 @@ int para_init_misc_legacy(const char *, configure **cur, configure **def, cJSON 
                cJSON_GetObjectItem(*range, "version")->valueint);
     save_state &starting = state_of_misc();
     const bool has_values = loaded_set == misc_set::current
-                                ? load_conf_files("misc", *def, *cur, &starting)
+                                ? load_conf_files("misc", *def, *cur, loading::start, starting)
                                 : load_legacy_set(*def, *cur, starting);
     if (*cur == nullptr)
         loaded_set = misc_set::none; // out of memory: no values that could be saved
@@ -132,7 +132,8 @@ static write_result save_legacy_set(const char *name)
     if (Create_Json_Misc_Object(name, root.get(), 0) == no_memory)
         root.reset(); // and so no text
     const printed_ptr text(cJSON_Print(root.get()));
-    return write_text_file(file_path(para_profile.data_dir, "misc_cur.json").text, text.get());
+    const file_path path(para_profile.data_dir, "misc_cur.json");
+    return write_text_file(path.text, text.get(), state_of_misc());
 }
 
 static write_result save_files(const char *name, configure *cur)
@@ -142,7 +143,7 @@ static write_result save_files(const char *name, configure *cur)
     if (loaded_set == misc_set::legacy)
         return save_legacy_set(name);
     // Without the lock that other modules' files are written under.
-    return save_conf_lines("misc", conf_lines(cur), file_lock::none);
+    return save_conf_lines("misc", conf_lines(cur), file_lock::none, state_of_misc());
 }
 
 int para_save_misc_legacy(const char *name, configure *cur)
@@ -150,7 +151,7 @@ int para_save_misc_legacy(const char *name, configure *cur)
     return save_files(name, cur).returned;
 }
 
-write_result save_misc(const text_module &module)
+write_result save_misc(text_module &module)
 {
     return save_files(module.name, module.cur);
 }

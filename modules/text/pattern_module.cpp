@@ -48,16 +48,17 @@ static bool load_pattern(text_module &module, const char *name, const trace_site
     module.range = load_range(name, site);
     if (module.range == nullptr)
         return false;
-    if (load_conf_files(name, module.def, module.cur, &module.saves))
+    if (load_conf_files(name, module.def, module.cur, loading::start, module.saves))
         return true;
     const file_path home = module_path(para_profile.home_dir, name, ".conf");
     PARA_TRACE_AT(site, PARA_ERROR, "%s configure_parse fail", home.text);
     return false;
 }
 
-static write_result save_pattern(const text_module &module)
+static write_result save_pattern(text_module &module)
 {
-    return save_conf_lines(module.name, conf_lines(module.cur), file_lock::exclusive);
+    return save_conf_lines(module.name, conf_lines(module.cur), file_lock::exclusive,
+                           module.saves);
 }
 
 static const file_set file_sets[] = {

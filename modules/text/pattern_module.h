@@ -11,12 +11,12 @@ struct file_set {
     const char *module;       // null: every module that has no row of its own
     bool keeps_failed_record; // else the next module takes it
     bool (*load)(text_module &module, const char *name, const trace_site &site);
-    write_result (*save)(const text_module &module);
+    write_result (*save)(text_module &module);
 };
 
 // Loading and saving of "misc", in either of its file sets.
 bool load_misc(text_module &module, const char *name, const trace_site &site);
-write_result save_misc(const text_module &module);
+write_result save_misc(text_module &module);
 
 // A member's range, or null.
 const cJSON *range_of(const text_module &module, const char *member);

@@ -74,18 +74,24 @@ file_path module_path(const char *dir, const char *module, const char *suffix);
 // business.
 bool store_text(configure *conf, const char *key, const char *text);
 
+enum class loading {
+    start, // the saved file is recovered
+    again,
+};
+
 // Reads the defaults into both objects, and the saved values over them into the current one. A
-// saved file that cannot be read leaves the defaults. At start-up the saved file is recovered, with
-// the state; else that is null. Returns whether there is a defaults file. When memory runs out,
-// also for one of the objects, there are no values: it frees both, makes them null and returns
-// false.
-bool load_conf_files(const char *name, configure *&def, configure *&cur, save_state *starting);
+// saved file that cannot be read leaves the defaults. Returns whether there is a defaults file. When
+// memory runs out, also for one of the objects, there are no values: it frees both, makes them null
+// and returns false.
+bool load_conf_files(const char *name, configure *&def, configure *&cur, loading when,
+                     save_state &state);
 
 // The lines of a saved file, for the caller to free(); null when there is no object, or memory ran
 // out.
 text_ptr conf_lines(configure *cur);
 
-write_result save_conf_lines(const char *name, const text_ptr &lines, file_lock lock);
+write_result save_conf_lines(const char *name, const text_ptr &lines, file_lock lock,
+                             save_state &state);
 
 // Writes an object's entries to a buffer. Returns the bytes used with the final zero; 0, traced,
 // when they do not fit.

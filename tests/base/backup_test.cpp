@@ -13,27 +13,12 @@
 #include <string>
 #include <vector>
 
-#include "camparam/guard.h"
-#include "support/every_kind.h"
+#include "base/guarded_module.h"
 
 using testing::HasSubstr;
 
-class GuardedKind : public EveryKind, public testing::WithParamInterface<module_kind> {
+class GuardedKind : public GuardedModule {
 protected:
-    GuardedKind()
-    {
-        platformparam_set_guard(1);
-        if (kind.name == "LegacyMisc")
-            use_legacy_misc();
-    }
-
-    para_module_status status() const
-    {
-        para_module_status found = {};
-        EXPECT_EQ(platformparam_get_status(kind.row, &found), 0);
-        return found;
-    }
-
     // Without the start-up of other modules, whose files are not there.
     static int errors_traced()
     {
@@ -41,15 +26,6 @@ protected:
         for (const trace_line &line : traces())
             count += line.level == 3 ? 1 : 0;
         return count;
-    }
-
-    void write_file_with(int number, const std::string &suffix = "")
-    {
-        write_data(kind.file + suffix, text_with(kind, number));
-    }
-    std::optional<std::string> read(const std::string &suffix = "")
-    {
-        return read_file(path_of(kind, suffix));
     }
 
     // What a store in a process of its own makes of these bytes as the module's file: the number in
@@ -82,8 +58,6 @@ protected:
                    line.text.compare(line.text.size() - end.size(), end.size(), end) == 0;
         });
     }
-
-    const module_kind &kind = GetParam();
 };
 INSTANTIATE_TEST_SUITE_P(, GuardedKind, testing::ValuesIn(all_kinds), name_of_kind);
 

@@ -1,5 +1,6 @@
 #include "support/every_kind.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
@@ -49,6 +50,12 @@ const std::vector<module_kind> all_kinds = {
     {"Odm", "odmInter", "persist/odm.json", "{'version':1,'mine':@}", get_odm,
      [](int number) { para_set_odm_int("mine", number); }, nullptr},
 };
+
+const module_kind &kind_named(const std::string &name)
+{
+    return *std::find_if(all_kinds.begin(), all_kinds.end(),
+                         [&](const module_kind &kind) { return kind.name == name; });
+}
 
 EveryKind::EveryKind()
 {

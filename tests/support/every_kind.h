@@ -20,6 +20,7 @@ struct module_kind {
 inline constexpr int default_number = 40; // of each kind, but -1 in the ODM store
 
 extern const std::vector<module_kind> all_kinds;
+const module_kind &kind_named(const std::string &name);
 
 inline std::ostream &operator<<(std::ostream &stream, const module_kind &kind)
 {
