@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <ctime>
+#include <initializer_list>
 
 #include "base/guard.h"
 #include "base/observer.h"
@@ -99,10 +101,24 @@ static bool is_readable(int socket, const fd_set &readable)
     return socket >= 0 && FD_ISSET(socket, &readable);
 }
 
-// Linux has left in it what remains of the turn. An interruption just ends it early.
-static void sleep_out(timeval &rest)
+// Linux has left in it what remains of the turn. An interruption just ends it early. Not by
+// select(), which may be what fails.
+static void sleep_out(const timeval &rest)
 {
-    select(0, nullptr, nullptr, nullptr, &rest);
+    const timespec time = {.tv_sec = rest.tv_sec, .tv_nsec = rest.tv_usec * 1000};
+    nanosleep(&time, nullptr);
+}
+
+// Serves a datagram of each socket that has one. Returns false for a failure that would meet the
+// next turn again, as the socket stays readable.
+static bool serve_sockets(const fd_set &readable, para_message &message, socklen_t &sender_size)
+{
+    bool served = true;
+    for (const int socket : {loopback_server, server}) {
+        if (is_readable(socket, readable))
+            served = serve_datagram(socket, message, sender_size) && served;
+    }
+    return served;
 }
 
 void *platformparam_Process(void *)
@@ -121,12 +137,11 @@ void *platformparam_Process(void *)
     while (true) {
         fd_set readable;
         timeval rest = {.tv_sec = 0, .tv_usec = 100000};
-        if (wait_for_datagram(watched, readable, rest) < 0)
+        const bool waited = wait_for_datagram(watched, readable, rest) >= 0;
+        if (!waited && !guard_is_on())
             break; // also when interrupted (ThreadCalls.AFailedWaitEndsTheThreadWithoutAPass)
-        if (is_readable(loopback_server, readable))
-            serve_datagram(loopback_server, message, sender_size);
-        if (is_readable(server, readable) && !serve_datagram(server, message, sender_size))
-            sleep_out(rest); // the socket stays readable, and the loop would not rest
+        if (!waited || !serve_sockets(readable, message, sender_size))
+            sleep_out(rest); // or the loop would not rest
         if (load_word(stop_requested) != 0)
             break; // platformparam_stop() saves
         save_param(save_mode::due);

@@ -27,6 +27,9 @@ PARA_BEGIN_DECLS
  * - Another program's lock on a file is waited for 2 s at most.
  * - "sync" runs only after a pass that wrote a file.
  *
+ * The thread "Para_Process" goes on when the system fails to wait for datagrams; that turn lasts its
+ * 100 ms.
+ *
  * And for what the server receives: datagrams that were sent to a broadcast or multicast address
  * are dropped, and a request is one JSON document, behind which only white space may stand, and
  * behind a zero only zeros.

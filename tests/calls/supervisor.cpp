@@ -15,14 +15,9 @@
 #include <csignal>
 #include <cstddef>
 #include <cstring>
-#include <iterator>
 #include <vector>
 
-namespace {
-
-constexpr int begin_mark = -1000, end_mark = -1001; // descriptors that nobody closes
-
-const possible_errors ruled_calls[] = {
+const call_list file_calls = {
     {__NR_openat, {EMFILE, EACCES, ENOSPC}},
     {__NR_read, {EIO}},
     {__NR_write, {ENOSPC, EIO}},
@@ -77,16 +72,48 @@ const possible_errors ruled_calls[] = {
 #endif
 };
 
+const call_list socket_calls = {
+#ifdef __NR_select
+    {__NR_select, {EBADF, EINTR, EINVAL, ENOMEM}},
+#endif
+#ifdef __NR__newselect
+    {__NR__newselect, {EBADF, EINTR, EINVAL, ENOMEM}},
+#endif
+#ifdef __NR_pselect6
+    {__NR_pselect6, {EBADF, EINTR, EINVAL, ENOMEM}},
+#endif
+#ifdef __NR_pselect6_time64
+    {__NR_pselect6_time64, {EBADF, EINTR, EINVAL, ENOMEM}},
+#endif
+    {__NR_recvfrom,
+     {EAGAIN, EINTR, EBADF, ECONNREFUSED, EFAULT, EINVAL, EIO, ENETDOWN, ENOBUFS, ENOMEM, ENOTCONN,
+      ENOTSOCK}},
+    {__NR_recvmsg,
+     {EAGAIN, EINTR, EBADF, ECONNREFUSED, EFAULT, EINVAL, EIO, ENETDOWN, ENOBUFS, ENOMEM, ENOTCONN,
+      ENOTSOCK}},
+    {__NR_sendto,
+     {EAGAIN, EINTR, EACCES, ECONNREFUSED, EHOSTUNREACH, EINVAL, EMSGSIZE, ENETUNREACH, ENOBUFS,
+      ENOMEM, EPERM, EPIPE}},
+    {__NR_socket, {EACCES, EAFNOSUPPORT, EMFILE, ENFILE, ENOBUFS, ENOMEM}},
+    {__NR_bind, {EACCES, EADDRINUSE, EADDRNOTAVAIL, EINVAL}},
+    {__NR_setsockopt, {EINVAL, ENOMEM, ENOPROTOOPT, EPERM}},
+    {__NR_close, {EIO}}, // the marks are closes
+};
+
+namespace {
+
+constexpr int begin_mark = -1000, end_mark = -1001; // descriptors that nobody closes
+
 // Makes the kernel ask the owner of the returned descriptor about these calls of the process.
-int install_filter()
+int install_filter(const call_list &calls)
 {
     std::vector<sock_filter> program = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))};
-    const size_t count = std::size(ruled_calls);
+    const size_t count = calls.size();
     for (size_t i = 0; i < count; i++) {
         const auto to_ask = static_cast<__u8>(count - i);
         program.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K,
-                                   static_cast<__u32>(ruled_calls[i].number), to_ask, 0));
+                                   static_cast<__u32>(calls[i].number), to_ask, 0));
     }
     program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
     program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_USER_NOTIF));
@@ -201,14 +228,14 @@ private:
 } // namespace
 
 outcome run_supervised(const std::function<int()> &child,
-                       const std::function<ruling(long, int)> &rule)
+                       const std::function<ruling(long, int)> &rule, const call_list &calls)
 {
     int sockets[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0)
         return {false, -1, 0};
     const pid_t pid = fork();
     if (pid == 0) {
-        if (!descriptor_message().send(sockets[1], install_filter()))
+        if (!descriptor_message().send(sockets[1], install_filter(calls)))
             _exit(255);
         _exit(child());
     }
@@ -238,9 +265,11 @@ void end_counting()
 
 const possible_errors &errors_of(int number)
 {
-    for (const possible_errors &call : ruled_calls) {
-        if (call.number == number)
-            return call;
+    for (const call_list *const calls : {&file_calls, &socket_calls}) {
+        for (const possible_errors &call : *calls) {
+            if (call.number == number)
+                return call;
+        }
     }
     static const possible_errors none = {0, {EIO}};
     return none;
