@@ -30,7 +30,10 @@ record &seen()
 
 std::atomic<long long> clock_moved_ms{0};
 std::atomic<bool> clock_stopped{false};
-timespec stopped_at;
+std::atomic<long long> stopped_at_seconds{0};
+std::atomic<long> stopped_at_nanoseconds{0};
+std::atomic<bool> wall_clock_stopped{false};
+std::atomic<long long> wall_clock_seconds{0};
 std::atomic<void (*)()> clock_watcher{nullptr};
 
 trace_line split(int level, const char *format, const std::string &message)
@@ -54,7 +57,7 @@ PARA_API int clock_gettime(clockid_t clock, timespec *now) noexcept
     const long result = syscall(SYS_clock_gettime, clock, now);
     if (result == 0 && clock == CLOCK_MONOTONIC) {
         if (clock_stopped)
-            *now = stopped_at;
+            *now = {static_cast<time_t>(stopped_at_seconds), stopped_at_nanoseconds};
         const long long moved = clock_moved_ms.load();
         const long long nanoseconds = now->tv_nsec + moved % 1000 * 1000000;
         now->tv_sec += static_cast<time_t>(moved / 1000 + nanoseconds / 1000000000);
@@ -62,6 +65,8 @@ PARA_API int clock_gettime(clockid_t clock, timespec *now) noexcept
         if (void (*const watcher)() = clock_watcher)
             watcher();
     }
+    if (result == 0 && clock == CLOCK_REALTIME && wall_clock_stopped)
+        *now = {static_cast<time_t>(wall_clock_seconds), 0};
     return static_cast<int>(result);
 }
 
@@ -101,8 +106,25 @@ void move_clock(int milliseconds)
 
 void stop_clock()
 {
-    syscall(SYS_clock_gettime, CLOCK_MONOTONIC, &stopped_at);
+    timespec now = {};
+    syscall(SYS_clock_gettime, CLOCK_MONOTONIC, &now);
+    stopped_at_seconds = now.tv_sec;
+    stopped_at_nanoseconds = now.tv_nsec;
     clock_stopped = true;
+}
+
+void set_clock(long long seconds, long nanoseconds)
+{
+    stopped_at_seconds = seconds;
+    stopped_at_nanoseconds = nanoseconds;
+    clock_moved_ms = 0;
+    clock_stopped = true;
+}
+
+void set_wall_clock(long long seconds)
+{
+    wall_clock_seconds = seconds;
+    wall_clock_stopped = true;
 }
 
 void watch_clock(void (*watcher)())

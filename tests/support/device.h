@@ -21,6 +21,10 @@ struct trace_line {
 void move_clock(int milliseconds);
 // From now on it moves by move_clock() alone.
 void stop_clock();
+// It stands at this time then.
+void set_clock(long long seconds, long nanoseconds = 0);
+// Has CLOCK_REALTIME stand at this time.
+void set_wall_clock(long long seconds);
 // Has a function called whenever it is read, by the reading thread; null for none. The store reads
 // it when it stamps a change, so the function sees what stands at that moment.
 void watch_clock(void (*watcher)());
