@@ -2,10 +2,10 @@
 
 #include <cstdio>
 
+#include "base/delay.h"
 #include "base/guard.h"
 #include "base/time.h"
 #include "base/word.h"
-#include "camparam/platform.h"
 
 void count_change(const change_stamp &stamp)
 {
@@ -35,9 +35,7 @@ bool change_due(const change_stamp &stamp, int delay_ms)
         return false;
     if (!may_be_saved(*stamp.saves) || waits_to_retry(*stamp.saves))
         return false;
-    const timespec now = monotonic_now();
-    const timespec since = load_time(*stamp.time);
-    return lib_common_diff_msec_timespec(&since, &now) >= delay_ms;
+    return has_passed(load_time(*stamp.time), delay_ms);
 }
 
 // Counts that belong to the marks that it clears are visible behind it.

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 
+#include "base/delay.h"
 #include "base/guard.h"
 #include "base/lock.h"
 #include "base/time.h"
@@ -86,15 +87,15 @@ bool waits_to_retry(const save_state &state)
     const lock_guard guard(states_mutex);
     if (!guard_is_on() || state.failures == 0)
         return false;
-    const timespec now = monotonic_now();
-    return lib_common_diff_msec_timespec(&state.failed_at, &now) < retry_delay_ms(state.failures);
+    return !has_passed(state.failed_at, retry_delay_ms(state.failures));
 }
 
 static long long real_time_ms()
 {
+    constexpr timespec epoch = {};
     timespec now = {};
     clock_gettime(CLOCK_REALTIME, &now);
-    return now.tv_sec * 1000LL + now.tv_nsec / 1000000;
+    return lib_common_diff_msec_timespec(&epoch, &now);
 }
 
 void note_saved(save_state &state, unsigned changes)
