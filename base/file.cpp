@@ -186,8 +186,8 @@ write_result write_in_place(const char *path, const char *bytes, size_t length, 
     return written;
 }
 
-// The error number for a file that came to its place unread, or cannot be looked at; 0 for none. What
-// is no regular file is refused when it is opened.
+// The error number for a file that came to its place unread, or cannot be looked at; 0 for none.
+// What is no regular file is refused when it is opened.
 static int find_unread(const char *path, const save_state &state)
 {
     struct stat about = {};
@@ -212,8 +212,7 @@ static int prepare_to_write(const char *path, const char *bytes, size_t length, 
 static write_result write_guarded(const char *path, const char *bytes, size_t length,
                                   file_lock lock, save_state &state)
 {
-    write_result written = {.returned = 0,
-                            .error = prepare_to_write(path, bytes, length, state)};
+    write_result written = {.returned = 0, .error = prepare_to_write(path, bytes, length, state)};
     if (written.error == 0) {
         note_unread(state, false); // a write that fails leaves a file, too
         written = write_in_place(path, bytes, length, lock);

@@ -19,16 +19,16 @@ PARA_BEGIN_DECLS
  * - A save first brings the new text to disk as "<file>.bak", and then writes the file as always.
  *   At start-up a file that is empty or only the beginning of its backup is restored from it. A
  *   missing file stays missing, and one that was edited is used as it is. One that comes to its
- *   place later, as in a folder that is mounted late, is not overwritten: the save fails with EEXIST
- *   until the file is gone, or the store is started again.
+ *   place later, as in a folder that is mounted late, is not overwritten: the save fails with
+ * EEXIST until the file is gone, or the store is started again.
  * - A file that cannot be read, or is no JSON where it must be, is kept as "<file>.bad", and its
  *   backup used. A module whose range or defaults could not be loaded is not saved.
  * - A save that fails is traced with file and errno, and tried again after 2, 4, 8 ... 60 s.
  * - Another program's lock on a file is waited for 2 s at most.
  * - "sync" runs only after a pass that wrote a file.
  *
- * The thread "Para_Process" goes on when the system fails to wait for datagrams; that turn lasts its
- * 100 ms.
+ * The thread "Para_Process" goes on when the system fails to wait for datagrams; that turn lasts
+ * its 100 ms.
  *
  * And for what the server receives: datagrams that were sent to a broadcast or multicast address
  * are dropped, and a request is one JSON document, behind which only white space may stand, and

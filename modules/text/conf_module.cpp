@@ -177,7 +177,8 @@ static conf_snapshot values_to_save(text_module &module)
 
 static int save_values(const char *name, const conf_snapshot &values)
 {
-    const write_result written = save_conf_lines(name, values.lines, file_lock::exclusive, *values.stamp.saves);
+    const write_result written =
+        save_conf_lines(name, values.lines, file_lock::exclusive, *values.stamp.saves);
     const int result = end_save(values.stamp, values.changes, written);
     return guard_is_on() ? result : 0;
 }

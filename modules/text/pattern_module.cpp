@@ -57,8 +57,7 @@ static bool load_pattern(text_module &module, const char *name, const trace_site
 
 static write_result save_pattern(text_module &module)
 {
-    return save_conf_lines(module.name, conf_lines(module.cur), file_lock::exclusive,
-                           module.saves);
+    return save_conf_lines(module.name, conf_lines(module.cur), file_lock::exclusive, module.saves);
 }
 
 static const file_set file_sets[] = {

@@ -80,9 +80,9 @@ enum class loading {
 };
 
 // Reads the defaults into both objects, and the saved values over them into the current one. A
-// saved file that cannot be read leaves the defaults. Returns whether there is a defaults file. When
-// memory runs out, also for one of the objects, there are no values: it frees both, makes them null
-// and returns false.
+// saved file that cannot be read leaves the defaults. Returns whether there is a defaults file.
+// When memory runs out, also for one of the objects, there are no values: it frees both, makes them
+// null and returns false.
 bool load_conf_files(const char *name, configure *&def, configure *&cur, loading when,
                      save_state &state);
 

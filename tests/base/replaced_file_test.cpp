@@ -41,8 +41,8 @@ const std::vector<replacement> replacements = {
     {"Fifo", [](const std::string &path) { mkfifo(path.c_str(), 0600); }, ENXIO, waits_for_ever,
      waits_for_ever},
     {"DeviceWithoutEnd",
-     [](const std::string &path) { std::filesystem::create_symlink("/dev/zero", path); }, EINVAL,
-     0, EINVAL},
+     [](const std::string &path) { std::filesystem::create_symlink("/dev/zero", path); }, EINVAL, 0,
+     EINVAL},
     {"FullDevice",
      [](const std::string &path) { std::filesystem::create_symlink("/dev/full", path); }, EINVAL,
      ENOSPC, EINVAL},
@@ -56,13 +56,13 @@ struct home_file {
     std::vector<std::string> kinds; // that need it
 };
 const std::vector<home_file> home_files = {
-    {"af_range.json", {"Af"}},       {"af_def.json", {"Af"}},
-    {"audio_range.json", {"Audio"}}, {"audio_def.json", {"Audio"}},
-    {"video_range.json", {"Video"}}, {"video_def.json", {"Video"}},
-    {"isp_range.json", {"Isp"}},     {"isp_def.json", {"Isp"}},
-    {"misc_range.json", {"Misc"}},   {"misc.conf", {"Misc"}},
+    {"af_range.json", {"Af"}},         {"af_def.json", {"Af"}},
+    {"audio_range.json", {"Audio"}},   {"audio_def.json", {"Audio"}},
+    {"video_range.json", {"Video"}},   {"video_def.json", {"Video"}},
+    {"isp_range.json", {"Isp"}},       {"isp_def.json", {"Isp"}},
+    {"misc_range.json", {"Misc"}},     {"misc.conf", {"Misc"}},
     {"panel_range.json", {"Pattern"}}, {"panel.conf", {"Pattern"}},
-    {"netport.conf", {"Conf"}},      {"www2json.json", {"Misc", "Pattern", "Conf"}},
+    {"netport.conf", {"Conf"}},        {"www2json.json", {"Misc", "Pattern", "Conf"}},
 };
 
 } // namespace

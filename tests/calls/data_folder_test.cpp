@@ -35,10 +35,7 @@ para_module_status status_of(const module_kind &kind)
 // The data folder is a file system of its own, with a page for each file that is small.
 class DataFolder : public Lives, public testing::WithParamInterface<bool> {
 protected:
-    DataFolder()
-    {
-        guarded = GetParam();
-    }
+    DataFolder() { guarded = GetParam(); }
     ~DataFolder() override
     {
         if (entered) {

@@ -16,13 +16,13 @@
 #include "camparam/camparam.h"
 #include "host/distant_client.h"
 
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
 using testing::AllOf;
 using testing::Each;
 using testing::Ge;
 using testing::Le;
 using testing::SizeIs;
-using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 
 namespace {
 
@@ -197,8 +197,7 @@ protected:
     {
         std::vector<milliseconds> between;
         for (size_t i = 1; i < times.size(); i++)
-            between.push_back(
-                std::chrono::duration_cast<milliseconds>(times[i] - times[i - 1]));
+            between.push_back(std::chrono::duration_cast<milliseconds>(times[i] - times[i - 1]));
         return between;
     }
 };
@@ -206,7 +205,8 @@ INSTANTIATE_TEST_SUITE_P(, Serving, testing::Bool(), [](const auto &with) {
     return std::string(with.param ? "WithTheGuard" : "WithoutTheGuard");
 });
 
-// A failed wait ends the thread without the guard (ThreadCalls.AFailedWaitEndsTheThreadWithoutAPass).
+// A failed wait ends the thread without the guard
+// (ThreadCalls.AFailedWaitEndsTheThreadWithoutAPass).
 TEST_P(Serving, GoesOnAfterEachErrorOfEachCall)
 {
     std::vector<int> numbers = calls_of_a_turn();
@@ -230,8 +230,9 @@ TEST_P(Serving, StartsWithEachErrorOfEachCall)
             numbers.push_back(number);
         return ruling{};
     };
-    EXPECT_EQ(run_supervised([this] { return start_and_serve(true); }, collect, socket_calls).status,
-              answered);
+    EXPECT_EQ(
+        run_supervised([this] { return start_and_serve(true); }, collect, socket_calls).status,
+        answered);
     ASSERT_THAT(numbers, SizeIs(guarded ? 9 : 2));
     for_each_error(numbers, [&](size_t position, int number, int error) {
         // There is no server without a socket of its own, and without its address.

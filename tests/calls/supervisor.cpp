@@ -112,8 +112,8 @@ int install_filter(const call_list &calls)
     const size_t count = calls.size();
     for (size_t i = 0; i < count; i++) {
         const auto to_ask = static_cast<__u8>(count - i);
-        program.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K,
-                                   static_cast<__u32>(calls[i].number), to_ask, 0));
+        program.push_back(
+            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<__u32>(calls[i].number), to_ask, 0));
     }
     program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
     program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_USER_NOTIF));
