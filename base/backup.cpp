@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "base/guard.h"
+#include "base/late_file.h"
 #include "base/lock.h"
 #include "base/memory.h"
 #include "base/trace.h"
@@ -17,6 +18,13 @@
 file_beside::file_beside(const char *path, const char *suffix)
 {
     snprintf(text, sizeof text, "%s%s", path, suffix);
+}
+
+folder_of::folder_of(const char *path)
+{
+    const char *const slash = strrchr(path, '/');
+    const int length = slash != nullptr ? static_cast<int>(slash + 1 - path) : 1;
+    snprintf(text, sizeof text, "%.*s", length, slash != nullptr ? path : ".");
 }
 
 // --- Writing ---
@@ -60,13 +68,7 @@ static int write_to_disk(const char *path, const char *bytes, size_t length)
 // Makes the renaming of a file in it last.
 static int sync_folder_of(const char *path)
 {
-    char folder[sizeof(file_beside::text)];
-    snprintf(folder, sizeof folder, "%s", path);
-    char *const slash = strrchr(folder, '/');
-    if (slash != nullptr)
-        slash[1] = '\0';
-    const int descriptor =
-        open(slash != nullptr ? folder : ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int descriptor = open(folder_of(path).text, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0)
         return error_of(false);
     const int synced = error_of(fsync(descriptor) == 0);
@@ -193,9 +195,7 @@ recovered_file recover_file(const char *path, file_form form, save_state &state)
     recovered_file current = {.path = file_beside(path, ""), .text = nullptr, .starved = false};
     if (!guard_is_on())
         return current;
-    const bool missing = is_missing(path);
-    note_unread(state, missing);
-    if (missing)
+    if (is_missing_at_load(path, state))
         return current;
     const held_file held(path);
     current.text = read_text(path, current.starved);

@@ -14,6 +14,12 @@ struct file_beside {
     char text[PARA_PATH_SIZE + 16];
 };
 
+// The folder of a file, "." for a path without one.
+struct folder_of {
+    explicit folder_of(const char *path);
+    char text[sizeof(file_beside::text)];
+};
+
 // Writes "<path>.bak" so that it is on disk, whole, before the call returns; until then the one
 // before stays. Returns 0, or the error number.
 int write_backup(const char *path, const char *bytes, size_t length);
@@ -29,7 +35,7 @@ struct recovered_file {
 
 // With the guard on, a current file that is torn is restored from its backup, and one that is of no
 // use is renamed to "<path>.bad" first; the state tells what was done. A file that is missing stays
-// missing, and is not overwritten should it come later; one that was edited is left alone.
+// missing, and one that was edited is left alone.
 recovered_file recover_file(const char *path, file_form form, save_state &state);
 
 // Reads a current file that has to be JSON, recovered. It is read once: what was judged is loaded.

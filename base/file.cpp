@@ -12,6 +12,7 @@
 
 #include "base/backup.h"
 #include "base/guard.h"
+#include "base/late_file.h"
 #include "base/memory.h"
 #include "base/trace.h"
 #include "camparam/platform.h"
@@ -186,26 +187,14 @@ write_result write_in_place(const char *path, const char *bytes, size_t length, 
     return written;
 }
 
-// The error number for a file that came to its place unread, or cannot be looked at; 0 for none.
-// What is no regular file is refused when it is opened.
-static int find_unread(const char *path, const save_state &state)
-{
-    struct stat about = {};
-    if (!is_unread(state))
-        return 0;
-    if (stat(path, &about) == 0)
-        return S_ISREG(about.st_mode) ? EEXIST : 0;
-    return errno == ENOENT || errno == ENOTDIR ? 0 : errno;
-}
-
 // Returns 0, or the error number.
 static int prepare_to_write(const char *path, const char *bytes, size_t length, save_state &state)
 {
     if (bytes == nullptr)
         return ENOMEM;
-    const int unread = find_unread(path, state);
-    if (unread != 0)
-        return unread;
+    const int late = find_late_file(path, state);
+    if (late != 0)
+        return late;
     return write_backup(path, bytes, length);
 }
 
@@ -214,7 +203,7 @@ static write_result write_guarded(const char *path, const char *bytes, size_t le
 {
     write_result written = {.returned = 0, .error = prepare_to_write(path, bytes, length, state)};
     if (written.error == 0) {
-        note_unread(state, false); // a write that fails leaves a file, too
+        note_missed(state, {}); // a write that fails leaves a file, too
         written = write_in_place(path, bytes, length, lock);
     }
     if (written.error == 0)

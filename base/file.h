@@ -43,7 +43,7 @@ struct write_result {
 
 // Replaces the contents of a module's file, or makes it; without bytes (out of memory) nothing is
 // written. With the guard on, its backup is written first, only a regular file is written, none
-// that the module has not read, and a failure is traced.
+// that came late (base/late_file.h), and a failure is traced.
 write_result write_file(const char *path, const char *bytes, size_t length, file_lock lock,
                         save_state &state);
 

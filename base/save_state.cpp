@@ -48,16 +48,16 @@ bool may_be_saved(const save_state &state)
     return !guard_is_on() || !is_kept_from_saving(state.last.flags);
 }
 
-void note_unread(save_state &state, bool unread)
+void note_missed(save_state &state, const missed_file &missed)
 {
     const lock_guard guard(states_mutex);
-    state.unread = unread;
+    state.missed = missed;
 }
 
-bool is_unread(const save_state &state)
+missed_file last_missed(const save_state &state)
 {
     const lock_guard guard(states_mutex);
-    return state.unread;
+    return state.missed;
 }
 
 int note_load_failure(save_state &state, const char *module)

@@ -1,16 +1,25 @@
 // What is known of a module's changes and of its saved file.
 #pragma once
 
+#include <sys/types.h>
+
 #include <ctime>
 
 #include "camparam/guard.h"
 
+// Where a file was missing when last looked for.
+struct missed_file {
+    bool missing;
+    dev_t device; // of its folder; zeros: that was missing, too
+    ino_t folder;
+};
+
 // Zero at first. Its functions may be called from any thread.
 struct save_state {
-    unsigned changes;        // accepted since start
-    unsigned failures;       // saves in a row
-    bool unread;             // its file was missing or unreadable when last looked for
-    timespec failed_at;      // the last of them, CLOCK_MONOTONIC
+    unsigned changes;   // accepted since start
+    unsigned failures;  // saves in a row
+    timespec failed_at; // the last of them, CLOCK_MONOTONIC
+    missed_file missed;
     para_module_status last; // of the last save and of the start; its changes are not used
 };
 
@@ -24,9 +33,8 @@ bool may_be_saved(const save_state &state);
 // With the guard on: whether the last save failed so recently that the next one has to wait.
 bool waits_to_retry(const save_state &state);
 
-// Whether a file that stands in its place by now holds what the module knows nothing of.
-void note_unread(save_state &state, bool unread);
-bool is_unread(const save_state &state);
+void note_missed(save_state &state, const missed_file &missed);
+missed_file last_missed(const save_state &state);
 
 // Takes note that a module could not be loaded. Returns -1, as start-up functions do.
 int note_load_failure(save_state &state, const char *module);

@@ -22,11 +22,11 @@ bool model_disk::write_in_place(const std::string &name, const std::string &byte
 bool model_disk::write(const std::string &name, const std::string &bytes)
 {
     if (guard) {
-        const bool holds_unread = unread.count(name) != 0 && files.count(name) != 0;
-        if (!can_open(name) || !fits(bytes) || holds_unread)
+        const bool is_late = missed.count(name) != 0 && files.count(name) != 0;
+        if (!can_open(name) || !fits(bytes) || is_late)
             return false;
         files[name + ".bak"] = bytes;
-        unread.erase(name);
+        missed.erase(name);
     }
     return write_in_place(name, bytes);
 }
@@ -53,11 +53,11 @@ static bool is_torn(const std::string &text, const std::string &backup)
 std::optional<std::string> model_disk::look_for(const std::string &name)
 {
     const auto file = files.find(name);
-    if (gone || file == files.end()) {
-        unread.insert(name);
+    missed.erase(name);
+    if (!can_open(name))
+        missed.insert(name);
+    if (gone || file == files.end())
         return std::nullopt;
-    }
-    unread.erase(name);
     return file->second;
 }
 

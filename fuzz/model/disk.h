@@ -26,8 +26,9 @@ public:
     // What a start reads, and the flags of the module's status that it leaves.
     std::optional<std::string> recover(const std::string &name, text_form form, unsigned &flags);
 
-    // Files that were not there when last looked for: with the guard on, what is there now stays.
-    std::set<std::string> unread;
+    // Files whose folder was not there when last looked for: with the guard on, what is there now
+    // stays.
+    std::set<std::string> missed;
 
     unsigned opened = 0; // how many files were opened to write
 

@@ -18,9 +18,9 @@ PARA_BEGIN_DECLS
  *
  * - A save first brings the new text to disk as "<file>.bak", and then writes the file as always.
  *   At start-up a file that is empty or only the beginning of its backup is restored from it. A
- *   missing file stays missing, and one that was edited is used as it is. One that comes to its
- *   place later, as in a folder that is mounted late, is not overwritten: the save fails with
- * EEXIST until the file is gone, or the store is started again.
+ *   missing file stays missing, and one that was edited is used as it is. A file in a
+ *   folder that came after it was looked for, as one that is mounted late, is not overwritten: the
+ *   save fails with EEXIST until the file is gone, or read by the next start or reload.
  * - A file that cannot be read, or is no JSON where it must be, is kept as "<file>.bad", and its
  *   backup used. A module whose range or defaults could not be loaded is not saved.
  * - A save that fails is traced with file and errno, and tried again after 2, 4, 8 ... 60 s.

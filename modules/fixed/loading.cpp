@@ -4,6 +4,7 @@
 
 #include "base/backup.h"
 #include "base/file.h"
+#include "base/late_file.h"
 #include "modules/fixed/fixed_module.h"
 #include "modules/fixed/module_file.h"
 
@@ -147,10 +148,8 @@ static json_ptr load_defaults_file(const fixed_module &module, const trace_site 
 json_ptr load_current_file(const fixed_module &module, const trace_site &site)
 {
     const file_path path = current_file(module);
-    if (is_missing(path.text)) {
-        note_unread(*module.stamp.saves, true);
+    if (is_missing_at_load(path.text, *module.stamp.saves))
         return nullptr;
-    }
     json_file file = read_current_json(path.text, file_form::json, *module.stamp.saves);
     if (!file.readable && module.rules.traces_unreadable)
         PARA_TRACE_AT(site, PARA_INFO, "Error read cur buf\n");

@@ -4,6 +4,7 @@
 
 #include "base/backup.h"
 #include "base/guard.h"
+#include "base/late_file.h"
 #include "base/memory.h"
 #include "base/text_buffer.h"
 #include "camparam/control.h"
@@ -54,7 +55,10 @@ static reading load_saved(configure *cur, const char *path, save_state &state)
 static reading load_again(configure *cur, const char *path, save_state &state)
 {
     const reading result = read_conf_file(cur, path);
-    note_unread(state, result != reading::done);
+    if (result == reading::done)
+        note_missed(state, {});
+    else
+        is_missing_at_load(path, state);
     return result;
 }
 

@@ -1,4 +1,4 @@
-// With the guard on: files that come to their place after the store has looked for them.
+// With the guard on: files in a folder that comes after the store has looked for them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ using testing::Contains;
 using testing::EndsWith;
 using testing::HasSubstr;
 
-class UnseenFile : public GuardedModule {
+class LateFile : public GuardedModule {
 protected:
     // A start without the data folder, as before a file system is mounted there.
     void start_without_folder()
@@ -28,9 +28,9 @@ protected:
 
     std::string good;
 };
-INSTANTIATE_TEST_SUITE_P(, UnseenFile, testing::ValuesIn(all_kinds), name_of_kind);
+INSTANTIATE_TEST_SUITE_P(, LateFile, testing::ValuesIn(all_kinds), name_of_kind);
 
-TEST_P(UnseenFile, OfAFolderThatComesLateIsNotOverwritten)
+TEST_P(LateFile, OfAFolderThatComesLateIsNotOverwritten)
 {
     start_without_folder();
     platformparam_save();
@@ -48,7 +48,7 @@ TEST_P(UnseenFile, OfAFolderThatComesLateIsNotOverwritten)
     EXPECT_EQ(read(), good) << "nor at the stop";
 }
 
-TEST_P(UnseenFile, IsMadeWayFor)
+TEST_P(LateFile, IsMadeWayFor)
 {
     start_without_folder();
     find_folder();
@@ -61,7 +61,7 @@ TEST_P(UnseenFile, IsMadeWayFor)
     EXPECT_THAT(read().value_or(""), HasSubstr("9"));
 }
 
-TEST_P(UnseenFile, WithoutTheGuardIsOverwritten)
+TEST_P(LateFile, WithoutTheGuardIsOverwritten)
 {
     platformparam_set_guard(0);
     start_without_folder();
@@ -72,7 +72,17 @@ TEST_P(UnseenFile, WithoutTheGuardIsOverwritten)
     EXPECT_EQ(status().error, 0);
 }
 
-TEST_P(UnseenFile, IsNotOneThatTheStoreHasWritten)
+TEST_P(LateFile, IsNotOneThatIsPutIntoTheFolder)
+{
+    start_store();
+    write_file_with(7);
+    kind.set(9);
+    platformparam_save();
+    EXPECT_EQ(status().error, 0);
+    EXPECT_THAT(read().value_or(""), HasSubstr("9"));
+}
+
+TEST_P(LateFile, IsNotOneThatTheStoreHasWritten)
 {
     start_store();
     kind.set(8);
@@ -88,7 +98,7 @@ TEST_P(UnseenFile, IsNotOneThatTheStoreHasWritten)
 }
 
 // The first write may have made the file, and no more.
-TEST_P(UnseenFile, IsNotWhatAFailedWriteLeft)
+TEST_P(LateFile, IsNotWhatAFailedWriteLeft)
 {
     start_store();
     kind.set(9);
@@ -102,10 +112,10 @@ TEST_P(UnseenFile, IsNotWhatAFailedWriteLeft)
     EXPECT_THAT(read().value_or(""), HasSubstr("9"));
 }
 
-class UnseenConf : public GuardedModule {};
-INSTANTIATE_TEST_SUITE_P(, UnseenConf, testing::Values(kind_named("Conf")), name_of_kind);
+class LateConf : public GuardedModule {};
+INSTANTIATE_TEST_SUITE_P(, LateConf, testing::Values(kind_named("Conf")), name_of_kind);
 
-TEST_P(UnseenConf, IsSeenByAReload)
+TEST_P(LateConf, IsSeenByAReload)
 {
     start_store();
     write_file_with(7);
@@ -117,7 +127,7 @@ TEST_P(UnseenConf, IsSeenByAReload)
     EXPECT_THAT(read().value_or(""), HasSubstr("9"));
 }
 
-TEST_P(UnseenConf, IsTheOneThatAReloadDidNotFind)
+TEST_P(LateConf, IsTheOneThatAReloadDidNotFind)
 {
     write_file_with(7);
     start_store();
