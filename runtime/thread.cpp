@@ -43,12 +43,13 @@ static bool holds_more_than_text(const char *bytes, ssize_t length)
 }
 
 // One datagram to its end: a share datagram, or a request.
-static void process_datagram(para_message &message, ssize_t length)
+static void process_datagram(para_message &message, const reception &received)
 {
     const request_scope scope(&message.sender); // a share datagram's changes are its sender's, too
-    if (take_share_datagram(message.text, length))
+    if (take_share_datagram(message.text, received.length))
         return;
-    if (guard_is_on() && holds_more_than_text(message.text, length)) {
+    // What was cut off may be text behind the document.
+    if (guard_is_on() && (received.cut || holds_more_than_text(message.text, received.length))) {
         PARA_TRACE(PARA_ERROR, "cJSON_Parse err,Rec buffer: %s", message.text);
         return;
     }
@@ -76,7 +77,7 @@ static bool serve_datagram(int socket, para_message &message, socklen_t &sender_
         if (!is_to_be_served(message, received))
             continue;
         if (received.length > 0)
-            process_datagram(message, received.length);
+            process_datagram(message, received);
         return true;
     }
     return true;

@@ -113,16 +113,20 @@ static reception receive_with_destination(int socket, para_message &message, soc
     header.msg_control = control;
     header.msg_controllen = sizeof control;
     const ssize_t length = recvmsg(socket, &header, MSG_DONTWAIT);
-    return {length, length >= 0 && was_sent_to_many(header)};
+    const bool received = length >= 0;
+    return {.length = length,
+            .to_many = received && was_sent_to_many(header),
+            .cut = received && (header.msg_flags & MSG_TRUNC) != 0};
 }
 
 static reception receive(int socket, para_message &message, socklen_t &sender_size)
 {
     if (guard_is_on())
         return receive_with_destination(socket, message, sender_size);
-    return {recvfrom(socket, message.text, PARA_MESSAGE_MAX, MSG_DONTWAIT,
-                     reinterpret_cast<sockaddr *>(&message.sender), &sender_size),
-            false};
+    return {.length = recvfrom(socket, message.text, PARA_MESSAGE_MAX, MSG_DONTWAIT,
+                               reinterpret_cast<sockaddr *>(&message.sender), &sender_size),
+            .to_many = false,
+            .cut = false};
 }
 
 reception receive_datagram(int socket, para_message &message, socklen_t &sender_size)

@@ -9,7 +9,9 @@
 
 struct reception {
     ssize_t length; // -1: nothing was received, errno tells why
-    bool to_many;   // sent to a broadcast or multicast address; only the guard looks
+    // Only the guard looks for these.
+    bool to_many; // sent to a broadcast or multicast address
+    bool cut;     // longer than what is received of it
 };
 
 // Opens a second socket on the server's port, for what this machine sends to its loopback address:

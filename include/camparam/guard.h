@@ -32,7 +32,7 @@ PARA_BEGIN_DECLS
  *
  * And for what the server receives: datagrams that were sent to a broadcast or multicast address
  * are dropped, and a request is one JSON document, behind which only white space may stand, and
- * behind a zero only zeros.
+ * behind a zero only zeros; so one of more than PARA_MESSAGE_MAX bytes, whose end is lost, is none.
  *
  * @param on  Nonzero: on. It is off until set.
  * @return What it was before, 1 or 0.

@@ -225,6 +225,17 @@ TEST_F(Guarded, ShareDatagramsWithoutAHandlerAreNoText)
     EXPECT_TRUE(wait_until([] { return refused_texts() == 1; }));
 }
 
+TEST_F(Guarded, ADatagramThatIsCutIsInvalidWhateverItsBeginning)
+{
+    start();
+    const std::string longest =
+        whole_request + std::string(PARA_MESSAGE_MAX - whole_request.size(), ' ');
+    EXPECT_EQ(client.request(longest), whole_answer);
+    client.send(longest + "{}");
+    EXPECT_TRUE(client.stays_silent());
+    EXPECT_EQ(refused_texts(), 1);
+}
+
 TEST_F(Guarded, DatagramsToABroadcastAddressAreDropped)
 {
     start();
@@ -304,6 +315,13 @@ TEST_F(Unguarded, TextBehindTheDocumentIsNotRead)
     EXPECT_EQ(client.request(whole_request + "{\"msg_type\":\"set\"}"), whole_answer);
     EXPECT_EQ(client.request(whole_request + std::string("\0x", 2)), whole_answer);
     EXPECT_EQ(refused_texts(), 0);
+}
+
+TEST_F(Unguarded, TheEndOfADatagramThatIsCutIsNotMissed)
+{
+    start();
+    EXPECT_EQ(client.request(whole_request + std::string(PARA_MESSAGE_MAX, ' ') + "{}"),
+              whole_answer);
 }
 
 TEST_F(Unguarded, DatagramsToEveryoneAreServed)
