@@ -82,12 +82,17 @@ static long long retry_delay_ms(unsigned failures)
     return delay < longest ? delay : longest;
 }
 
+// With the mutex held.
+static bool is_waiting(const save_state &state)
+{
+    return guard_is_on() && state.failures > 0 &&
+           !has_passed(state.failed_at, retry_delay_ms(state.failures));
+}
+
 bool waits_to_retry(const save_state &state)
 {
     const lock_guard guard(states_mutex);
-    if (!guard_is_on() || state.failures == 0)
-        return false;
-    return !has_passed(state.failed_at, retry_delay_ms(state.failures));
+    return is_waiting(state);
 }
 
 static long long real_time_ms()
@@ -110,7 +115,9 @@ void note_saved(save_state &state, unsigned changes)
 void note_failure(save_state &state, int error)
 {
     const lock_guard guard(states_mutex);
+    state.last.error = error;
+    if (is_waiting(state))
+        return; // forced, or of another row with the same state: no further try
     state.failures++;
     state.failed_at = monotonic_now();
-    state.last.error = error;
 }

@@ -17,7 +17,7 @@ struct missed_file {
 // Zero at first. Its functions may be called from any thread.
 struct save_state {
     unsigned changes;   // accepted since start
-    unsigned failures;  // saves in a row
+    unsigned failures;  // in a row, each after the wait for the one before
     timespec failed_at; // the last of them, CLOCK_MONOTONIC
     missed_file missed;
     para_module_status last; // of the last save and of the start; its changes are not used

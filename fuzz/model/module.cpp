@@ -32,10 +32,14 @@ static long long retry_delay(unsigned failures)
     return failures > 5 ? 60000 : std::min(60000LL, 1000LL << failures);
 }
 
+bool model_module::is_waiting() const
+{
+    return disk.guard && failures > 0 && now - failed_at < retry_delay(failures);
+}
+
 bool model_module::is_due() const
 {
-    const bool waits = disk.guard && failures > 0 && now - failed_at < retry_delay(failures);
-    return changed && may_be_saved() && !waits && now - changed_at >= delay;
+    return changed && may_be_saved() && !is_waiting() && now - changed_at >= delay;
 }
 
 // Without the guard a failure is forgotten, and one to open the file is no failure at all.
@@ -54,8 +58,10 @@ void model_module::end_save(bool written)
         saved = changes;
         failures = 0;
     } else {
-        failures++;
-        failed_at = now;
+        if (!is_waiting()) {
+            failures++;
+            failed_at = now;
+        }
         changed = disk.guard;
     }
 }

@@ -31,6 +31,7 @@ protected:
     bool write(const std::string &name, const std::string &bytes);
     void end_save(bool written);
     bool may_be_saved() const;
+    bool is_waiting() const; // after a failed save
 
     model_disk &disk;
     const long long &now;

@@ -161,6 +161,32 @@ TEST_F(GuardedSave, AChangeBetweenTwoTriesDoesNotShortenTheWait)
     unblock("af_cur.json");
 }
 
+TEST_F(GuardedSave, ThatIsForcedDuringTheWaitDoesNotLengthenIt)
+{
+    change_af(9);
+    block("af_cur.json");
+    for (int i = 0; i < 10; i++)
+        EXPECT_EQ(para_save_af("af"), EOF);
+    move_clock(1999);
+    EXPECT_FALSE(af_is_due());
+    move_clock(1);
+    EXPECT_TRUE(af_is_due());
+    unblock("af_cur.json");
+}
+
+// Its seven rows are saved one after the other.
+TEST_F(GuardedSave, OfVideoIsTriedAgainAsSoonAsThatOfOtherModules)
+{
+    start_store();
+    stop_clock();
+    block("video_cur.json");
+    platformparam_save();
+    ASSERT_EQ(status_of("video0").error, EEXIST);
+    unblock("video_cur.json");
+    move_clock(2000);
+    EXPECT_TRUE(wait_until([] { return status_of("video0").error == 0; }));
+}
+
 TEST_F(GuardedSave, WithoutTheGuardAFailureIsInTheStatusAndNotRetried)
 {
     platformparam_set_guard(0);
