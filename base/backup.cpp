@@ -150,7 +150,7 @@ held_file::held_file(const char *path)
     if (file == nullptr)
         close(descriptor);
     else
-        busy = lock_file(file) == EWOULDBLOCK;
+        busy = lock_file(file) != 0;
 }
 
 held_file::~held_file()

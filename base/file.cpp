@@ -60,13 +60,10 @@ bool is_missing(const char *path)
 
 // --- Locks ---
 
-static int wait_for_lock(int descriptor)
+static void wait_for_lock(int descriptor)
 {
-    while (flock(descriptor, LOCK_EX) != 0) {
-        if (errno != EINTR) // interrupted by a signal handler of the host: wait again
-            return errno;
-    }
-    return 0;
+    while (flock(descriptor, LOCK_EX) != 0 && errno == EINTR)
+        continue; // interrupted by a signal handler of the host
 }
 
 // Polls, as nothing else bounds the wait without a signal.
@@ -75,8 +72,10 @@ static int try_to_lock(int descriptor)
     constexpr timespec pause = {.tv_sec = 0, .tv_nsec = 10000000};
     constexpr int turns = 200; // 2 s
     for (int turn = 0; flock(descriptor, LOCK_EX | LOCK_NB) != 0; turn++) {
-        if ((errno != EWOULDBLOCK && errno != EINTR) || turn == turns)
-            return errno;
+        if (errno != EWOULDBLOCK && errno != EINTR)
+            return 0; // the file system has no locks
+        if (turn == turns)
+            return EWOULDBLOCK;
         nanosleep(&pause, nullptr);
     }
     return 0;
@@ -84,7 +83,10 @@ static int try_to_lock(int descriptor)
 
 int lock_file(FILE *file)
 {
-    return guard_is_on() ? try_to_lock(fileno(file)) : wait_for_lock(fileno(file));
+    if (guard_is_on())
+        return try_to_lock(fileno(file));
+    wait_for_lock(fileno(file));
+    return 0;
 }
 
 void unlock_file(FILE *file)
@@ -162,11 +164,10 @@ static write_result result_of(int flushed)
     return flushed == 0 ? write_result{.returned = 0, .error = 0} : failure(flushed);
 }
 
-// A file system without locks is written all the same, but for the guard.
 static write_result replace_under_lock(FILE *file, const char *bytes, size_t length)
 {
     const int error = lock_file(file);
-    if (error != 0 && guard_is_on())
+    if (error != 0)
         return {.returned = EOF, .error = error};
     const write_result written = result_of(replace_contents(file, bytes, length));
     unlock_file(file);

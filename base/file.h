@@ -56,8 +56,8 @@ write_result write_text_file(const char *path, const char *text, save_state &sta
 // How many files write_file() has opened to write. Any thread.
 unsigned files_written();
 
-// Takes the exclusive lock on an open file, and waits for it: with the guard on, 2 s at most.
-// Returns 0, or the error number.
+// Takes the exclusive lock on an open file, and waits for it. Returns 0, also where the file system
+// has no locks; with the guard on, EWOULDBLOCK when another program has kept the lock for 2 s.
 int lock_file(FILE *file);
 void unlock_file(FILE *file);
 

@@ -5,7 +5,6 @@
 #include <memory>
 
 #include "base/file.h"
-#include "base/guard.h"
 #include "base/text_buffer.h"
 #include "base/trace.h"
 #include "camparam/conf.h"
@@ -49,7 +48,7 @@ int update_conf(const char *path, const char *key, const char *line)
         return -1;
 
     // Lock before reading: another program's write between read and rewrite would be lost.
-    if (lock_file(file.get()) != 0 && guard_is_on())
+    if (lock_file(file.get()) != 0)
         return -1;
     const bool complete = replace_lines(file.get(), key, line, text.stream()) && text.finish();
     const bool rewritten =

@@ -17,7 +17,7 @@
 
 namespace {
 
-std::atomic<int> attempts{0}, to_interrupt{0};
+std::atomic<int> attempts{0}, to_interrupt{0}, lock_error{0};
 std::atomic<bool> closes_on_exec{false};
 
 std::mutex unlocked_lock;
@@ -58,6 +58,10 @@ extern "C" PARA_API int flock(int descriptor, int operation) noexcept
             errno = EINTR;
             return -1;
         }
+        if (lock_error != 0) {
+            errno = lock_error;
+            return -1;
+        }
     } else {
         note_unlock(descriptor);
     }
@@ -72,6 +76,11 @@ int lock_attempts()
 void interrupt_locks(int count)
 {
     to_interrupt = count;
+}
+
+void fail_locks(int error)
+{
+    lock_error = error;
 }
 
 bool last_lock_closes_on_exec()

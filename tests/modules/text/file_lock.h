@@ -9,6 +9,8 @@
 int lock_attempts();
 // So many of the next ones are interrupted, as by a signal.
 void interrupt_locks(int count);
+// From now on they fail with this errno.
+void fail_locks(int error);
 // Whether the file of the last one is closed when the process becomes another program.
 bool last_lock_closes_on_exec();
 // What stood in the file whose lock this process gave up last.
