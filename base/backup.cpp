@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -53,11 +54,23 @@ static bool write_whole(int descriptor, const char *bytes, size_t length)
     return true;
 }
 
-// Returns 0, or the error number.
-static int write_to_disk(const char *path, const char *bytes, size_t length)
+// Makes a new file with the mode of another one, if that is there. Returns its descriptor.
+static int create_like(const char *model, const char *path)
+{
+    struct stat about = {};
+    const bool found = stat(model, &about) == 0 && S_ISREG(about.st_mode);
+    const mode_t mode = found ? about.st_mode & 0777 : 0666;
+    const int descriptor = open(path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    if (descriptor >= 0 && found)
+        fchmod(descriptor, mode); // the umask has no say; nor has a file system without modes
+    return descriptor;
+}
+
+// Writes a file that is to take the place of another one. Returns 0, or the error number.
+static int write_to_disk(const char *path, const char *replaced, const char *bytes, size_t length)
 {
     unlink(path); // what an interrupted save left
-    const int descriptor = open(path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    const int descriptor = create_like(replaced, path);
     if (descriptor < 0)
         return error_of(false);
     const int written = error_of(write_whole(descriptor, bytes, length) && fsync(descriptor) == 0);
@@ -85,7 +98,7 @@ int write_backup(const char *path, const char *bytes, size_t length)
     const file_beside temporary(path, ".bak.tmp");
     const lock_guard guard(temporary_mutex);
     errno = 0;
-    const int written = write_to_disk(temporary.text, bytes, length);
+    const int written = write_to_disk(temporary.text, path, bytes, length);
     const int renamed = written != 0 ? written : error_of(rename(temporary.text, backup.text) == 0);
     if (renamed != 0) {
         unlink(temporary.text);
@@ -176,14 +189,21 @@ static bool keep_bad_file(const char *path, save_state &state)
     return true;
 }
 
+static write_result write_in_free_place(const char *path, const char *bytes, size_t length)
+{
+    const int made = create_like(file_beside(path, ".bak").text, path);
+    if (made >= 0)
+        close(made);
+    return write_in_place(path, bytes, length, file_lock::exclusive);
+}
+
 // Writes into the torn file, or into a new one in the place of a bad one.
 static bool restore(FILE *torn, const char *path, const char *backup, file_form form)
 {
     // JSON files end with a zero byte.
     const size_t length = strlen(backup) + (form != file_form::conf ? 1 : 0);
-    const int error = torn != nullptr
-                          ? error_of(replace_contents(torn, backup, length) == 0)
-                          : write_in_place(path, backup, length, file_lock::exclusive).error;
+    const int error = torn != nullptr ? error_of(replace_contents(torn, backup, length) == 0)
+                                      : write_in_free_place(path, backup, length).error;
     if (error != 0)
         PARA_TRACE(PARA_ERROR, "%s cannot be restored, errno:%d", path, error);
     else

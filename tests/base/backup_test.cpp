@@ -254,6 +254,35 @@ TEST_P(GuardedKind, WhatCannotBeMovedAwayIsNotOverwritten)
     EXPECT_LT(status().saved, status().changes);
 }
 
+static int mode_of(const std::string &path)
+{
+    struct stat about = {};
+    EXPECT_EQ(stat(path.c_str(), &about), 0) << path;
+    return static_cast<int>(about.st_mode & 07777);
+}
+
+// The mode keeps a file from some users, and so its copy too.
+TEST_P(GuardedKind, ABackupHasTheModeOfItsFile)
+{
+    for (const mode_t mode : {0600U, 0666U, 0440U}) {
+        write_file_with(8);
+        ASSERT_EQ(chmod(path_of(kind).c_str(), mode), 0);
+        EXPECT_EQ(number_in_child({}, 9), 9);
+        EXPECT_EQ(mode_of(path_of(kind, ".bak")), static_cast<int>(mode));
+        EXPECT_EQ(mode_of(path_of(kind)), static_cast<int>(mode));
+    }
+}
+
+TEST_P(GuardedKind, AFileRestoredInPlaceOfABadOneHasTheModeOfItsBackup)
+{
+    write_file_with(7, ".bak");
+    ASSERT_EQ(chmod(path_of(kind, ".bak").c_str(), 0600), 0);
+    std::filesystem::create_directory(path_of(kind));
+    start_store();
+    EXPECT_EQ(kind.get(), 7);
+    EXPECT_EQ(mode_of(path_of(kind)), 0600);
+}
+
 TEST_P(GuardedDefaults, AModuleWithoutThemIsNotSaved)
 {
     write_file_with(7);
