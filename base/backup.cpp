@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -145,26 +146,32 @@ public:
     held_file(const held_file &) = delete;
     held_file &operator=(const held_file &) = delete;
 
-    // Null when it cannot be opened for writing.
-    FILE *stream() const { return file; }
-    // Whether another program keeps the lock.
-    bool is_busy() const { return busy; }
+    // Null when it cannot be rewritten; error() tells why.
+    FILE *stream() const { return reason == 0 ? file : nullptr; }
+    int error() const { return reason; }
+    // Whether other programs keep it locked, and whether one may be writing it.
+    bool is_busy() const { return file != nullptr && reason != 0; }
+    bool is_written() const { return written; }
 
 private:
     FILE *file = nullptr;
-    bool busy = false;
+    int reason = 0;
+    bool written = false;
 };
 
 held_file::held_file(const char *path)
 {
     const int descriptor = open(path, O_RDWR | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0)
+    if (descriptor >= 0)
+        file = fdopen(descriptor, "r+");
+    if (file == nullptr) {
+        reason = error_of(false);
+        if (descriptor >= 0)
+            close(descriptor);
         return;
-    file = fdopen(descriptor, "r+");
-    if (file == nullptr)
-        close(descriptor);
-    else
-        busy = lock_file(file) != 0;
+    }
+    reason = lock_file(file);
+    written = reason != 0 && flock(descriptor, LOCK_SH | LOCK_NB) != 0;
 }
 
 held_file::~held_file()
@@ -175,12 +182,24 @@ held_file::~held_file()
     fclose(file);
 }
 
-// Returns whether the place is free for a file that can be used.
-static bool keep_bad_file(const char *path, save_state &state)
+// These two make way for the backup of a file. They return whether there is one now.
+
+static bool make_way_in_torn_file(const char *path, const held_file &held, save_state &state)
+{
+    if (held.error() == 0)
+        return true;
+    PARA_TRACE(PARA_ERROR, "%s is torn and stays as it is, errno:%d", path, held.error());
+    if (held.is_written())
+        add_flags(state, PARA_STATUS_NOT_SAVED); // it may hold something else when the lock is free
+    return false;
+}
+
+static bool keep_bad_file(const char *path, const held_file &held, save_state &state)
 {
     const file_beside bad(path, ".bad");
-    if (rename(path, bad.text) != 0) {
-        PARA_TRACE(PARA_ERROR, "%s cannot be used and stays as it is, errno:%d", path, errno);
+    const int error = held.is_busy() ? held.error() : error_of(rename(path, bad.text) == 0);
+    if (error != 0) {
+        PARA_TRACE(PARA_ERROR, "%s cannot be used and stays as it is, errno:%d", path, error);
         add_flags(state, PARA_STATUS_NOT_SAVED);
         return false;
     }
@@ -220,8 +239,6 @@ recovered_file recover_file(const char *path, file_form form, save_state &state)
         return current;
     const held_file held(path);
     current.text = read_text(path, current.starved);
-    if (held.is_busy())
-        return current;
 
     recovered_file backup = {.path = file_beside(path, ".bak"), .text = nullptr, .starved = false};
     backup.text = read_text(backup.path.text, current.starved);
@@ -230,9 +247,13 @@ recovered_file recover_file(const char *path, file_form form, save_state &state)
     const bool fit = !torn && is_usable(form, current.text.get(), current.starved);
     if (fit || current.starved)
         return current;
-    const bool replaceable = torn ? held.stream() != nullptr : keep_bad_file(path, state);
-    if (!restorable)
+    const bool replaceable =
+        torn ? make_way_in_torn_file(path, held, state) : keep_bad_file(path, held, state);
+    if (!restorable) {
+        if (!replaceable)
+            add_flags(state, PARA_STATUS_LOAD_FAILED);
         return {.path = current.path, .text = nullptr, .starved = false};
+    }
 
     add_flags(state, PARA_STATUS_RESTORED);
     FILE *const torn_file = torn ? held.stream() : nullptr;

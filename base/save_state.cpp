@@ -70,7 +70,7 @@ int note_load_failure(save_state &state, const char *module)
 
 int refuse_save(const char *module)
 {
-    PARA_TRACE(PARA_ERROR, "%s is not saved, as it was not loaded", module);
+    PARA_TRACE(PARA_ERROR, "%s is not saved, as its file was not loaded", module);
     return EOF;
 }
 

@@ -23,6 +23,9 @@ PARA_BEGIN_DECLS
  *   save fails with EEXIST until the file is gone, or read by the next start or reload.
  * - A file that cannot be read, or is no JSON where it must be, is kept as "<file>.bad", and its
  *   backup used. A module whose range or defaults could not be loaded is not saved.
+ * - A file that would be restored or kept but is locked by another program, or cannot be written,
+ * stays as it is, and its backup is used. The module is saved later only if the file is torn and
+ * nobody was writing it.
  * - A save that fails is traced with file and errno, and tried again after 2, 4, 8 ... 60 s.
  * - Another program's lock on a file is waited for 2 s at most.
  * - "sync" runs only after a pass that wrote a file.
@@ -41,7 +44,7 @@ PARA_API int platformparam_set_guard(int on);
 
 /** Flags of a module's status. */
 enum {
-    PARA_STATUS_LOAD_FAILED = 1, /**< its range or defaults could not be loaded */
+    PARA_STATUS_LOAD_FAILED = 1, /**< its range, defaults or file could not be loaded */
     PARA_STATUS_RESTORED = 2,    /**< its file was lost or torn, and its backup used */
     PARA_STATUS_KEPT_BAD = 4,    /**< its file could not be used and was renamed "<file>.bad" */
     PARA_STATUS_NOT_SAVED = 8    /**< its values cannot be saved */
