@@ -130,7 +130,7 @@ static bool is_usable(file_form form, const char *text, bool &starved)
 }
 
 // Empty, or the beginning of its backup: what an interrupted write leaves.
-static bool is_torn(const char *text, const char *backup)
+static bool is_beginning(const char *text, const char *backup)
 {
     if (text == nullptr)
         return false;
@@ -243,7 +243,7 @@ recovered_file recover_file(const char *path, file_form form, save_state &state)
     recovered_file backup = {.path = file_beside(path, ".bak"), .text = nullptr, .starved = false};
     backup.text = read_text(backup.path.text, current.starved);
     const bool restorable = is_usable(form, backup.text.get(), current.starved);
-    const bool torn = restorable && is_torn(current.text.get(), backup.text.get());
+    const bool torn = restorable && is_beginning(current.text.get(), backup.text.get());
     const bool fit = !torn && is_usable(form, current.text.get(), current.starved);
     if (fit || current.starved)
         return current;
@@ -257,7 +257,9 @@ recovered_file recover_file(const char *path, file_form form, save_state &state)
 
     add_flags(state, PARA_STATUS_RESTORED);
     FILE *const torn_file = torn ? held.stream() : nullptr;
-    if (replaceable && restore(torn_file, path, backup.text.get(), form))
+    const bool restored = replaceable && restore(torn_file, path, backup.text.get(), form);
+    note_torn(state, torn && !restored);
+    if (restored)
         backup.path = current.path;
     return backup;
 }

@@ -154,21 +154,21 @@ static FILE *open_to_write(const char *path, file_lock lock)
     return nullptr;
 }
 
-static write_result failure(int returned)
+static write_result failure(int returned, bool torn)
 {
-    return {.returned = returned, .error = errno != 0 ? errno : EIO};
+    return {.returned = returned, .error = errno != 0 ? errno : EIO, .torn = torn};
 }
 
 static write_result result_of(int flushed)
 {
-    return flushed == 0 ? write_result{.returned = 0, .error = 0} : failure(flushed);
+    return flushed == 0 ? write_result{} : failure(flushed, true);
 }
 
 static write_result replace_under_lock(FILE *file, const char *bytes, size_t length)
 {
     const int error = lock_file(file);
     if (error != 0)
-        return {.returned = EOF, .error = error};
+        return {.returned = EOF, .error = error, .torn = false};
     const write_result written = result_of(replace_contents(file, bytes, length));
     unlock_file(file);
     return written;
@@ -179,38 +179,49 @@ write_result write_in_place(const char *path, const char *bytes, size_t length, 
     errno = 0;
     FILE *const file = open_to_write(path, lock);
     if (file == nullptr)
-        return failure(0);
+        return failure(0, false);
     __atomic_fetch_add(&written_files, 1U, __ATOMIC_RELAXED);
     write_result written = lock == file_lock::exclusive ? replace_under_lock(file, bytes, length)
                                                         : result_of(write_all(file, bytes, length));
     if (fclose(file) != 0 && written.error == 0)
-        written = failure(written.returned);
+        written = failure(written.returned, true);
     return written;
 }
 
+// A backup of another text no longer shows that the file is torn; that it is empty does.
+static int empty_torn_file(const char *path, file_lock lock, const save_state &state)
+{
+    return is_torn(state) ? write_in_place(path, "", 0, lock).error : 0;
+}
+
 // Returns 0, or the error number.
-static int prepare_to_write(const char *path, const char *bytes, size_t length, save_state &state)
+static int prepare_to_write(const char *path, const char *bytes, size_t length, file_lock lock,
+                            const save_state &state)
 {
     if (bytes == nullptr)
         return ENOMEM;
     const int late = find_late_file(path, state);
     if (late != 0)
         return late;
-    return write_backup(path, bytes, length);
+    const int torn = empty_torn_file(path, lock, state);
+    return torn != 0 ? torn : write_backup(path, bytes, length);
 }
 
 static write_result write_guarded(const char *path, const char *bytes, size_t length,
                                   file_lock lock, save_state &state)
 {
-    write_result written = {.returned = 0, .error = prepare_to_write(path, bytes, length, state)};
+    write_result written = {};
+    written.error = prepare_to_write(path, bytes, length, lock, state);
     if (written.error == 0) {
         note_missed(state, {}); // a write that fails leaves a file, too
         written = write_in_place(path, bytes, length, lock);
+        note_torn(state, written.torn);
     }
     if (written.error == 0)
         return written;
     PARA_TRACE(PARA_ERROR, "%s is not written, errno:%d", path, written.error);
-    return {.returned = EOF, .error = written.error};
+    written.returned = EOF;
+    return written;
 }
 
 write_result write_file(const char *path, const char *bytes, size_t length, file_lock lock,
@@ -219,7 +230,7 @@ write_result write_file(const char *path, const char *bytes, size_t length, file
     if (guard_is_on())
         return write_guarded(path, bytes, length, lock, state);
     if (bytes == nullptr)
-        return {.returned = 0, .error = ENOMEM};
+        return {.returned = 0, .error = ENOMEM, .torn = false};
     return write_in_place(path, bytes, length, lock);
 }
 

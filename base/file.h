@@ -39,6 +39,7 @@ bool is_missing(const char *path);
 struct write_result {
     int returned; // what fflush returned, EOF for a short write; 0 when the file cannot be opened
     int error;    // errno of the step that failed; 0: everything is written
+    bool torn;    // it failed when the old contents were gone
 };
 
 // Replaces the contents of a module's file, or makes it; without bytes (out of memory) nothing is

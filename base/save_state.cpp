@@ -60,6 +60,18 @@ missed_file last_missed(const save_state &state)
     return state.missed;
 }
 
+void note_torn(save_state &state, bool torn)
+{
+    const lock_guard guard(states_mutex);
+    state.torn = torn;
+}
+
+bool is_torn(const save_state &state)
+{
+    const lock_guard guard(states_mutex);
+    return state.torn;
+}
+
 int note_load_failure(save_state &state, const char *module)
 {
     add_flags(state, PARA_STATUS_LOAD_FAILED);

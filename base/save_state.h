@@ -20,6 +20,7 @@ struct save_state {
     unsigned failures;  // in a row, each after the wait for the one before
     timespec failed_at; // the last of them, CLOCK_MONOTONIC
     missed_file missed;
+    bool torn;               // its file may hold the beginning of an earlier text
     para_module_status last; // of the last save and of the start; its changes are not used
 };
 
@@ -35,6 +36,10 @@ bool waits_to_retry(const save_state &state);
 
 void note_missed(save_state &state, const missed_file &missed);
 missed_file last_missed(const save_state &state);
+
+// Whether the file may be what a write left that was not completed.
+void note_torn(save_state &state, bool torn);
+bool is_torn(const save_state &state);
 
 // Takes note that a module could not be loaded. Returns -1, as start-up functions do.
 int note_load_failure(save_state &state, const char *module);

@@ -235,7 +235,7 @@ static write_result write_document(const char *path)
     {
         const lock_guard guard(document_mutex);
         if (json_odm_file == nullptr)
-            return {.returned = 0, .error = 0}; // nothing to write
+            return {}; // nothing to write
         text.reset(cJSON_Print(json_odm_file));
     }
     return write_text_file(path, text.get(), saves);

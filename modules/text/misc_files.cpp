@@ -139,7 +139,7 @@ static write_result save_legacy_set(const char *name)
 static write_result save_files(const char *name, configure *cur)
 {
     if (loaded_set == misc_set::none)
-        return {.returned = 0, .error = ENODATA}; // neither set is loaded
+        return {.returned = 0, .error = ENODATA, .torn = false}; // neither set is loaded
     if (loaded_set == misc_set::legacy)
         return save_legacy_set(name);
     // Without the lock that other modules' files are written under.

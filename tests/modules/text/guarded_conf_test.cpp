@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
 #include <string>
 
 #include "camparam/guard.h"
@@ -75,6 +76,43 @@ protected:
         EXPECT_EQ(ended, 0);
     }
 };
+
+TEST_F(GuardedConfFile, TornInAnOlderSaveIsRestored)
+{
+    in_a_life([&] {
+        init("port = '80'\n");
+        para_conf_set_member("netport", "port", "8081");
+        save_torn(sizeof "port = \"8081" - 1);
+        ASSERT_EQ(read_data("netport.conf"), "port = \"8081");
+        para_conf_set_member("netport", "port", "9090");
+        const lock_holder other(path());
+        EXPECT_EQ(para_save_conf("netport"), EOF);
+    });
+    init("port = '80'\n");
+    EXPECT_THAT(value("port"), testing::AnyOf("8081", "9090"));
+}
+
+TEST_F(GuardedConfFile, TornInAnOlderSaveIsWrittenByTheNext)
+{
+    init("port = '80'\n");
+    para_conf_set_member("netport", "port", "8081");
+    save_torn(5);
+    para_conf_set_member("netport", "port", "9090");
+    EXPECT_EQ(para_save_conf("netport"), 0);
+    EXPECT_EQ(read_data("netport.conf"), "port = \"9090\"\n");
+}
+
+// A file that cannot be opened is not torn, and its backup goes on being the latest.
+TEST_F(GuardedConfFile, ThatCannotBeOpenedHasTheLatestBackup)
+{
+    init("port = '80'\n");
+    std::filesystem::create_directory(path());
+    for (const char *port : {"81", "82"}) {
+        para_conf_set_member("netport", "port", port);
+        EXPECT_EQ(para_save_conf("netport"), EOF);
+        EXPECT_EQ(read_data("netport.conf.bak"), "port = \"" + std::string(port) + "\"\n");
+    }
+}
 
 TEST_F(GuardedConfFile, OfAFileSystemWithoutLocksIsWritten)
 {
