@@ -232,15 +232,17 @@ static bool restore(FILE *torn, const char *path, const char *backup, file_form 
 
 recovered_file recover_file(const char *path, file_form form, save_state &state)
 {
-    recovered_file current = {.path = file_beside(path, ""), .text = nullptr, .starved = false};
+    recovered_file current(path);
     if (!guard_is_on())
         return current;
-    if (is_missing_at_load(path, state))
+    current.missing = is_missing_at_load(path, state);
+    if (current.missing)
         return current;
     const held_file held(path);
+    current.written = held.is_written();
     current.text = read_text(path, current.starved);
 
-    recovered_file backup = {.path = file_beside(path, ".bak"), .text = nullptr, .starved = false};
+    recovered_file backup(path, ".bak");
     backup.text = read_text(backup.path.text, current.starved);
     const bool restorable = is_usable(form, backup.text.get(), current.starved);
     const bool torn = restorable && is_beginning(current.text.get(), backup.text.get());
@@ -252,7 +254,7 @@ recovered_file recover_file(const char *path, file_form form, save_state &state)
     if (!restorable) {
         if (!replaceable)
             add_flags(state, PARA_STATUS_LOAD_FAILED);
-        return {.path = current.path, .text = nullptr, .starved = false};
+        return recovered_file(path);
     }
 
     add_flags(state, PARA_STATUS_RESTORED);

@@ -28,9 +28,12 @@ enum class file_form { json, json_object, conf };
 
 // What to load as a current file.
 struct recovered_file {
-    file_beside path; // the file itself, or its backup
-    text_ptr text;    // what it holds; null for none, and with the guard off
-    bool starved;     // memory ran out: nothing is recovered, and the text may be missing
+    explicit recovered_file(const char *file, const char *suffix = "") : path(file, suffix) {}
+    file_beside path;     // the file itself, or its backup
+    text_ptr text;        // what it holds; null for none, and with the guard off
+    bool starved = false; // memory ran out: nothing is recovered, and the text may be missing
+    bool missing = false; // there is no file
+    bool written = false; // another program keeps it locked, and may be writing it
 };
 
 // With the guard on, a current file that is torn is restored from its backup, and one that is of no

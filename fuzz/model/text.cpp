@@ -25,17 +25,14 @@ void model_text::start()
 {
     forget();
     def = cur = conf_values();
-    const std::string file = std::string(module) + ".conf";
-    def.read(home);
-    cur.read(home);
-    cur.read(disk.recover(file, text_form::conf, flags).value_or(""));
+    read_files();
 }
 
-void model_text::reload()
+void model_text::read_files()
 {
     def.read(home);
     cur.read(home);
-    cur.read(disk.look_for(std::string(module) + ".conf").value_or(""));
+    cur.read(disk.recover(std::string(module) + ".conf", text_form::conf, flags).value_or(""));
 }
 
 // --- Modules of a pattern ---
@@ -183,6 +180,11 @@ cJSON *model_pattern::answer_listed(bool defaults, const std::vector<std::string
 bool model_conf::save()
 {
     return !writes_files || write(std::string(module) + ".conf", cur.text());
+}
+
+void model_conf::reload()
+{
+    read_files();
 }
 
 // Without the guard a change that cannot be written is due for ever.

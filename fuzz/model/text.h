@@ -22,15 +22,15 @@ public:
     model_text(model_disk &disk, const long long &clock, const char *of, const char *defaults);
 
     void start() override;
-    // Rereads the files over the values.
-    void reload();
-
     const char *name() const { return module; }
     const char *home_file() const { return home; } // its text
     const conf_values &current() const { return cur; }
     const conf_values &defaults() const { return def; }
 
 protected:
+    // Over the values.
+    void read_files();
+
     const char *const module;
     const char *const home;
     conf_values def, cur;
@@ -75,6 +75,8 @@ public:
     bool save() override;
     bool is_due() const override;
     para_module_status status() const override;
+
+    void reload();
 
     bool writes_files = false; // the host's switch
 

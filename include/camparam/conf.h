@@ -24,8 +24,13 @@ PARA_BEGIN_DECLS
  * the module has: key changes are seen by para_conf_key_IsChanged(). Other threads that use the
  * module wait meanwhile. A reload keeps values that no file has any more, and overwrites those that
  * were set and not saved.
+ *
+ * With the guard on, a file that cannot be read, or is locked by another program for 2 s, leaves
+ * the values as they are; one that is torn or of no use is treated as at start-up.
+ *
  * @return 0, or -1: unknown module, or the defaults file cannot be read, which leaves the module
- *         without values until a reload succeeds.
+ *         without values until a reload succeeds; with the guard on, either file, and the values
+ *         stay unless memory ran out.
  */
 PARA_API int para_init_single_conf(const char *name);
 

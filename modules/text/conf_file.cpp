@@ -1,4 +1,5 @@
 // The ".conf" files of the modules whose values are texts.
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -32,6 +33,8 @@ bool store_text(configure *conf, const char *key, const char *text)
 
 enum class reading { done, failed, starved };
 
+enum class loading { start, again };
+
 static reading read_conf_file(configure *conf, const char *path)
 {
     const memory_watch memory;
@@ -41,25 +44,24 @@ static reading read_conf_file(configure *conf, const char *path)
 }
 
 // The platform reads the file anew, and may fail where recovering did not.
-static reading load_saved(configure *cur, const char *path, save_state &state)
+static reading read_recovered(configure *cur, const recovered_file &saved)
 {
-    const recovered_file saved = recover_file(path, file_form::conf, state);
-    reading result = read_conf_file(cur, saved.path.text);
-    if (result != reading::done && saved.text)
-        result = read_conf_file(cur, saved.path.text);
-    if (result == reading::failed && saved.text)
-        note_load_failure(state, path);
-    return result;
+    if (saved.written)
+        return reading::failed; // the platform would wait for its lock as well
+    const reading result = read_conf_file(cur, saved.path.text);
+    return result != reading::done && saved.text ? read_conf_file(cur, saved.path.text) : result;
 }
 
-static reading load_again(configure *cur, const char *path, save_state &state)
+// A file that is missing has been read. Start-up goes on without one that cannot be.
+static reading load_saved(configure *cur, const char *path, loading when, save_state &state)
 {
-    const reading result = read_conf_file(cur, path);
-    if (result == reading::done)
-        note_missed(state, {});
-    else
-        is_missing_at_load(path, state);
-    return result;
+    const recovered_file saved = recover_file(path, file_form::conf, state);
+    const reading result = read_recovered(cur, saved);
+    if (result != reading::failed || saved.missing)
+        return result == reading::starved ? result : reading::done;
+    if (when == loading::start && saved.text)
+        note_load_failure(state, path);
+    return when == loading::start ? reading::done : result;
 }
 
 static reading load_both(const char *name, configure *def, configure *cur, loading when,
@@ -73,19 +75,56 @@ static reading load_both(const char *name, configure *def, configure *cur, loadi
     if (current == reading::starved || (current == reading::failed && guard_is_on()))
         return current;
     const file_path saved = module_path(para_profile.data_dir, name, ".conf");
-    const reading last = when == loading::start ? load_saved(cur, saved.text, state)
-                                                : load_again(cur, saved.text, state);
-    return last == reading::starved ? last : reading::done;
+    return load_saved(cur, saved.text, when, state);
 }
 
-bool load_conf_files(const char *name, configure *&def, configure *&cur, loading when,
-                     save_state &state)
+bool load_conf_files(const char *name, configure *&def, configure *&cur, save_state &state)
 {
     const bool starved = def == nullptr || cur == nullptr;
-    const reading result = starved ? reading::starved : load_both(name, def, cur, when, state);
+    const reading result =
+        starved ? reading::starved : load_both(name, def, cur, loading::start, state);
     if (result == reading::starved)
         free_objects(def, cur); // some values are missing, and defaults would pass for saved ones
     return result == reading::done;
+}
+
+// --- Reading again ---
+
+// Copies an object's entries into another one.
+struct entry_copy {
+    configure *to;
+    bool starved;
+};
+
+static int copy_entry(void *argument, const char *key, const char *value)
+{
+    auto &copy = *static_cast<entry_copy *>(argument);
+    copy.starved = copy.starved || errno == ENOMEM; // of the loop
+    copy.starved = !store_text(copy.to, key, value) || copy.starved;
+    return 0;
+}
+
+// Returns whether memory sufficed.
+static bool copy_entries(configure *from, configure *to)
+{
+    if (to == nullptr)
+        return false;
+    entry_copy copy = {.to = to, .starved = false};
+    const memory_watch memory;
+    from->conf_loop(from, copy_entry, &copy);
+    return !copy.starved && !memory.ran_out();
+}
+
+bool reload_conf_files(const char *name, configure *&def, configure *&cur, save_state &state)
+{
+    configure *const before = configure_init();
+    const bool kept = copy_entries(cur, before);
+    const bool done = kept && load_both(name, def, cur, loading::again, state) == reading::done;
+    if (kept && !done && !copy_entries(before, cur))
+        free_objects(def, cur); // defaults would pass for saved values
+    if (before != nullptr)
+        configure_free(before);
+    return done;
 }
 
 text_ptr conf_lines(configure *cur)

@@ -21,6 +21,23 @@ pthread_rwlock_t &objects_lock(const text_module &module)
 
 // --- Loading ---
 
+// What start-up has found out about the saved file.
+static constexpr unsigned load_flags = PARA_STATUS_LOAD_FAILED | PARA_STATUS_NOT_SAVED;
+
+// With the guard on.
+static int load_again(text_module &module, const trace_site &site)
+{
+    const unsigned before = status_of(module.saves).flags & load_flags;
+    remove_flags(module.saves, load_flags);
+    if (reload_conf_files(module.name, module.def, module.cur, module.saves))
+        return 0;
+    add_flags(module.saves, before);
+    if (module.cur == nullptr)
+        return note_load_failure(module.saves, module.name);
+    PARA_TRACE_AT(site, PARA_ERROR, "%s is not read again, and keeps its values", module.name);
+    return -1;
+}
+
 int para_init_single_conf(const char *name)
 {
     text_module *const module = find_module(conf_modules, name);
@@ -28,14 +45,14 @@ int para_init_single_conf(const char *name)
         return -1;
 
     const write_guard guard(objects_lock(*module));
-    const bool loaded_before = module->cur != nullptr;
-    if (!loaded_before) { // a reload keeps the objects, for key-change detection
+    if (module->cur != nullptr && guard_is_on())
+        return load_again(*module, PARA_HERE);
+    if (module->cur == nullptr) { // a reload keeps the objects, for key-change detection
         module->def = configure_init();
         module->cur = configure_init();
         remove_flags(module->saves, PARA_STATUS_LOAD_FAILED); // of an earlier try
     }
-    const loading when = loaded_before ? loading::again : loading::start;
-    if (load_conf_files(name, module->def, module->cur, when, module->saves))
+    if (load_conf_files(name, module->def, module->cur, module->saves))
         return 0;
     free_values(*module);
     return note_load_failure(module->saves, name);

@@ -110,7 +110,7 @@ int para_init_misc_legacy(const char *, configure **cur, configure **def, cJSON 
                cJSON_GetObjectItem(*range, "version")->valueint);
     save_state &starting = state_of_misc();
     const bool has_values = loaded_set == misc_set::current
-                                ? load_conf_files("misc", *def, *cur, loading::start, starting)
+                                ? load_conf_files("misc", *def, *cur, starting)
                                 : load_legacy_set(*def, *cur, starting);
     if (*cur == nullptr)
         loaded_set = misc_set::none; // out of memory: no values that could be saved

@@ -48,7 +48,7 @@ static bool load_pattern(text_module &module, const char *name, const trace_site
     module.range = load_range(name, site);
     if (module.range == nullptr)
         return false;
-    if (load_conf_files(name, module.def, module.cur, loading::start, module.saves))
+    if (load_conf_files(name, module.def, module.cur, module.saves))
         return true;
     const file_path home = module_path(para_profile.home_dir, name, ".conf");
     PARA_TRACE_AT(site, PARA_ERROR, "%s configure_parse fail", home.text);

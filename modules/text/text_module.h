@@ -74,17 +74,15 @@ file_path module_path(const char *dir, const char *module, const char *suffix);
 // business.
 bool store_text(configure *conf, const char *key, const char *text);
 
-enum class loading {
-    start, // the saved file is recovered
-    again,
-};
-
 // Reads the defaults into both objects, and the saved values over them into the current one. A
 // saved file that cannot be read leaves the defaults. Returns whether there is a defaults file.
 // When memory runs out, also for one of the objects, there are no values: it frees both, makes them
 // null and returns false.
-bool load_conf_files(const char *name, configure *&def, configure *&cur, loading when,
-                     save_state &state);
+bool load_conf_files(const char *name, configure *&def, configure *&cur, save_state &state);
+
+// The same for objects with values, which stay in force when a file cannot be read: then it returns
+// false. When memory does not suffice for that either, there are no values, and it frees both.
+bool reload_conf_files(const char *name, configure *&def, configure *&cur, save_state &state);
 
 // The lines of a saved file, for the caller to free(); null when there is no object, or memory ran
 // out.
