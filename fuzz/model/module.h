@@ -39,10 +39,10 @@ protected:
     long long changed_at = 0;
     long long delay = 2000;
     unsigned changes = 0;
+    unsigned saved = 0; // of the changes
     unsigned flags = 0;
 
 private:
-    unsigned saved = 0;
     unsigned failures = 0;
     long long failed_at = 0;
 };

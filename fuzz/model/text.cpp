@@ -182,9 +182,12 @@ bool model_conf::save()
     return !writes_files || write(std::string(module) + ".conf", cur.text());
 }
 
+// With the guard on not over changes that are to be saved.
 void model_conf::reload()
 {
-    read_files();
+    const bool has_changes = changes != saved && writes_files && may_be_saved();
+    if (!disk.guard || !has_changes)
+        read_files();
 }
 
 // Without the guard a change that cannot be written is due for ever.

@@ -29,8 +29,8 @@ PARA_BEGIN_DECLS
  * the values as they are; one that is torn or of no use is treated as at start-up.
  *
  * @return 0, or -1: unknown module, or the defaults file cannot be read, which leaves the module
- *         without values until a reload succeeds; with the guard on, either file, and the values
- *         stay unless memory ran out.
+ *         without values until a reload succeeds; with the guard on, either file, or that there
+ *         are changes to be saved, and the values stay unless memory ran out.
  */
 PARA_API int para_init_single_conf(const char *name);
 

@@ -19,14 +19,30 @@ pthread_rwlock_t &objects_lock(const text_module &module)
     return locks[&module - records];
 }
 
+static bool writes_files()
+{
+    return para_profile.conf_save_hook != nullptr;
+}
+
 // --- Loading ---
 
 // What start-up has found out about the saved file.
 static constexpr unsigned load_flags = PARA_STATUS_LOAD_FAILED | PARA_STATUS_NOT_SAVED;
 
+static bool has_changes_to_save(const text_module &module)
+{
+    const para_module_status status = status_of(module.saves);
+    return status.changes != status.saved && writes_files() && may_be_saved(module.saves);
+}
+
 // With the guard on.
 static int load_again(text_module &module, const trace_site &site)
 {
+    if (has_changes_to_save(module)) {
+        PARA_TRACE_AT(site, PARA_ERROR, "%s is not read again before its changes are saved",
+                      module.name);
+        return -1;
+    }
     const unsigned before = status_of(module.saves).flags & load_flags;
     remove_flags(module.saves, load_flags);
     if (reload_conf_files(module.name, module.def, module.cur, module.saves))
@@ -163,11 +179,6 @@ int para_get_conf_opt(const char *, const cJSON *item, cJSON **answer, const cha
 }
 
 // --- Saving ---
-
-static bool writes_files()
-{
-    return para_profile.conf_save_hook != nullptr;
-}
 
 int para_need_save_conf(const char *name)
 {

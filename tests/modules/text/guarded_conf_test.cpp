@@ -114,6 +114,15 @@ TEST_F(GuardedConfFile, ThatCannotBeOpenedHasTheLatestBackup)
     }
 }
 
+TEST_F(GuardedConfFile, TornByTheStoreIsNotReadAgain)
+{
+    init("port = '80'\n");
+    para_conf_set_member("netport", "port", "8081");
+    save_torn(5);
+    EXPECT_EQ(para_init_single_conf("netport"), -1);
+    EXPECT_EQ(value("port"), "8081");
+}
+
 TEST_F(GuardedConfFile, OfAFileSystemWithoutLocksIsWritten)
 {
     init("port = '80'\n");

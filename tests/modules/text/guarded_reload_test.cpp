@@ -134,6 +134,26 @@ TEST_F(GuardedReload, DoesNotEndTheStateOfAModuleThatIsNotLoaded)
     EXPECT_EQ(status().flags, 0U);
 }
 
+TEST_F(GuardedReload, IsRefusedWhileChangesAreNotSaved)
+{
+    start();
+    write_data("netport.conf", "port = '8082'\n");
+    para_conf_set_member("netport", "port", "8083");
+    EXPECT_EQ(reload(), -1);
+    EXPECT_EQ(value("port"), "8083");
+    EXPECT_EQ(levels_of("netport is not read again before its changes are saved",
+                        "para_init_single_conf"),
+              std::vector<int>{3});
+    EXPECT_EQ(updates_told, std::vector<std::string>{});
+    para_conf_need_update("netport");
+    EXPECT_EQ(value("port"), "8083");
+
+    platformparam_save();
+    write_data("netport.conf", "port = '8084'\n");
+    EXPECT_EQ(reload(), 0);
+    EXPECT_EQ(value("port"), "8084");
+}
+
 TEST_F(GuardedReload, DropsChangesThatAreNotWritten)
 {
     para_profile.conf_save_hook = nullptr;
