@@ -176,6 +176,13 @@ static bool load_current(const trace_site &site)
     return true;
 }
 
+// Whether a style has told which members are present; the file has no others.
+static bool has_style()
+{
+    return get_isp_style_json(para_get_isp_style_def_index(0)) != nullptr ||
+           get_isp_style_json(para_get_isp_style_cur(0)) != nullptr;
+}
+
 int para_init_isp(const char *)
 {
     if (isp_inited != 0)
@@ -185,10 +192,11 @@ int para_init_isp(const char *)
 
     if (load_range(PARA_HERE) != 0)
         return note_load_failure(saves, isp.name);
-    if (para_init_isp_style() != 0)
-        note_load_failure(saves, isp.name); // the defaults are the style file's
+    const bool has_styles = para_init_isp_style() == 0; // the defaults are the style file's
     load_default_style();
     const bool parse_ok = load_current(PARA_HERE);
+    if (!has_styles || !has_style())
+        note_load_failure(saves, isp.name);
     PARA_TRACE(PARA_INFO, "parse_ok:%d", parse_ok ? 1 : 0);
     parse_isp_def_odm(&para_isp_def[0]);
     keep_start_values(isp);

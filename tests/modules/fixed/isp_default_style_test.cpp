@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "camparam/guard.h"
 #include "modules/fixed/another_process.h"
 #include "modules/fixed/isp_style_fixture.h"
 #include "modules/fixed/presence.h"
@@ -45,6 +46,34 @@ TEST_F(IspDefaultStyle, AnIndexWithoutAStyleIsNotCorrected)
             EXPECT_EQ(current(), "{'style':" + std::to_string(index) + "}");
         });
     }
+}
+
+// Without a style no member is present, and the file would lose all of them.
+TEST_F(IspDefaultStyle, WithTheGuardAnIndexWithoutAStyleIsNotSavedOver)
+{
+    const std::string saved = "{'isp0':{'style':4,'saturation':6,'sharpness':7}}";
+    for (const char *file :
+         {two_styles, "{'isp0_style_list':['a','b','c','d','gone'],'a':{'saturation':5}}"}) {
+        in_another_process([&] {
+            platformparam_set_guard(1);
+            load_odm("{'version':1,'isp0_style_def':4}");
+            write_data("isp_cur.json", saved);
+            start(file);
+            EXPECT_EQ(count_traces("isp is not loaded, and will not be saved"), 1);
+            EXPECT_EQ(para_save_isp("isp0"), EOF);
+            EXPECT_EQ(read_data("isp_cur.json"), swap_quotes(saved, '\'', '"'));
+        });
+    }
+}
+
+TEST_F(IspDefaultStyle, WithTheGuardASavedStyleIsEnough)
+{
+    platformparam_set_guard(1);
+    load_odm("{'version':1,'isp0_style_def':4}");
+    write_data("isp_cur.json", "{'isp0':{'style':1,'saturation':6}}");
+    start();
+    EXPECT_EQ(para_save_isp("isp0"), 0);
+    EXPECT_EQ(current(), "{'style':1,'antiflicker':2,'saturation':6,'sharpness':10}");
 }
 
 TEST_F(IspDefaultStyle, TheIndexAloneIsSetForThisRun)
