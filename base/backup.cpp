@@ -34,13 +34,6 @@ folder_of::folder_of(const char *path)
 // Two saves of one file would share the temporary file.
 static pthread_mutex_t temporary_mutex = PTHREAD_MUTEX_INITIALIZER;
 
-static int error_of(bool done)
-{
-    if (done)
-        return 0;
-    return errno != 0 ? errno : EIO;
-}
-
 static bool write_whole(int descriptor, const char *bytes, size_t length)
 {
     while (length > 0) {
@@ -93,7 +86,7 @@ static int sync_folder_of(const char *path)
 
 int write_backup(const char *path, const char *bytes, size_t length)
 {
-    if (path[0] == '\0')
+    if (path[0] == '\0' || strlen(path) >= PATH_MAX)
         return ENAMETOOLONG;
     const file_beside backup(path, ".bak");
     const file_beside temporary(path, ".bak.tmp");

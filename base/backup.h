@@ -1,6 +1,7 @@
 // What the guard does about files: a backup beside each current file, and its use at start-up.
 #pragma once
 
+#include <climits>
 #include <cstddef>
 
 #include "base/file.h"
@@ -11,7 +12,7 @@
 // A file beside another one: "<path>.bak".
 struct file_beside {
     file_beside(const char *path, const char *suffix);
-    char text[PARA_PATH_SIZE + 16];
+    char text[PATH_MAX + 16]; // update_conf() takes any path
 };
 
 // The folder of a file, "." for a path without one.

@@ -156,7 +156,7 @@ static FILE *open_to_write(const char *path, file_lock lock)
 
 static write_result failure(int returned, bool torn)
 {
-    return {.returned = returned, .error = errno != 0 ? errno : EIO, .torn = torn};
+    return {.returned = returned, .error = error_of(false), .torn = torn};
 }
 
 static write_result result_of(int flushed)

@@ -1,6 +1,7 @@
 // The files of the store: their paths, reading and writing them.
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 
@@ -34,6 +35,14 @@ enum class file_lock {
 // Whether there is no file. With the guard on, one that cannot be looked at is there. A link to a
 // missing file is missing, and is followed by the first save.
 bool is_missing(const char *path);
+
+// What errno says of a step that failed; 0 for one that is done.
+inline int error_of(bool done)
+{
+    if (done)
+        return 0;
+    return errno != 0 ? errno : EIO;
+}
 
 // What came of writing a file.
 struct write_result {

@@ -73,7 +73,8 @@ PARA_API int para_save_conf_2_buf(const char *module, char *buffer, int size);
 
 /**
  * Rewrite the lines of a file that begin with the key and then a blank or "="; a key that no line
- * has is not added. Lines and files may have any length. The file is locked (flock) meanwhile.
+ * has is not added. Lines and files may have any length. The file is locked (flock) meanwhile. With
+ * the guard on, the new text is first written to "<path>.bak", and a failure is traced.
  *
  * @param line    The whole new line, without line end.
  * @param format  Of the new line: "%s = \"%s\"" or "%s=%s" for a text, "%s = \"%d\"" or "%s=%d" for

@@ -1,10 +1,13 @@
 // Rewriting single lines of ".conf" files that other programs own.
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 
+#include "base/backup.h"
 #include "base/file.h"
+#include "base/guard.h"
 #include "base/text_buffer.h"
 #include "base/trace.h"
 #include "camparam/conf.h"
@@ -38,23 +41,43 @@ static bool replace_lines(FILE *from, const char *key, const char *new_line, FIL
     return feof(from) != 0 && ferror(from) == 0;
 }
 
+// Returns 0, or the error number. With the guard on, the new text is on disk before the old one is
+// gone.
+static int replace_text(FILE *file, const char *path, const text_buffer &text)
+{
+    const int backed_up = guard_is_on() ? write_backup(path, text.data(), text.length()) : 0;
+    if (backed_up != 0)
+        return backed_up;
+    errno = 0;
+    return error_of(replace_contents(file, text.data(), text.length()) == 0);
+}
+
+static int rewrite(FILE *file, const char *path, const char *key, const char *line)
+{
+    text_buffer text;
+    if (text.stream() == nullptr)
+        return ENOMEM;
+    // Lock before reading: another program's write between read and rewrite would be lost.
+    const int locked = lock_file(file);
+    if (locked != 0)
+        return locked;
+    errno = 0;
+    const bool complete = replace_lines(file, key, line, text.stream()) && text.finish();
+    const int error = complete ? replace_text(file, path, text) : error_of(false);
+    unlock_file(file);
+    return error;
+}
+
 int update_conf(const char *path, const char *key, const char *line)
 {
     if (path == nullptr || key == nullptr || line == nullptr)
         return -1;
+    errno = 0;
     const file_ptr file(fopen(path, "r+e"));
-    text_buffer text;
-    if (!file || text.stream() == nullptr)
-        return -1;
-
-    // Lock before reading: another program's write between read and rewrite would be lost.
-    if (lock_file(file.get()) != 0)
-        return -1;
-    const bool complete = replace_lines(file.get(), key, line, text.stream()) && text.finish();
-    const bool rewritten =
-        complete && replace_contents(file.get(), text.data(), text.length()) == 0;
-    unlock_file(file.get());
-    return rewritten ? 0 : -1;
+    const int error = file ? rewrite(file.get(), path, key, line) : error_of(false);
+    if (error != 0 && guard_is_on())
+        PARA_TRACE(PARA_ERROR, "%s is not written, errno:%d", path, error);
+    return error == 0 ? 0 : -1;
 }
 
 int update_line_conf(const char *path, const char *key, const char *line)

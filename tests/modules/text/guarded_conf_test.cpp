@@ -138,3 +138,37 @@ TEST_F(GuardedConfFile, OfAFileSystemWithoutLocksIsWritten)
     fail_locks(EINTR);
     EXPECT_EQ(para_save_conf("netport"), EOF) << "signals that never end";
 }
+
+TEST_F(GuardedConfFile, WhoseLineIsChangedHasABackup)
+{
+    write_data("other.conf", "a=1\nb=2\n");
+    const std::string file = data + "/other.conf";
+    EXPECT_EQ(update_conf(file.c_str(), "a", "a=3"), 0);
+    EXPECT_EQ(read_data("other.conf"), "a=3\nb=2\n");
+    EXPECT_EQ(read_data("other.conf.bak"), "a=3\nb=2\n");
+
+    platformparam_set_guard(0);
+    EXPECT_EQ(update_conf(file.c_str(), "a", "a=4"), 0);
+    EXPECT_EQ(read_data("other.conf.bak"), "a=3\nb=2\n") << "without the guard there is none";
+}
+
+TEST_F(GuardedConfFile, WithoutRoomForALineStaysAsItIs)
+{
+    write_data("other.conf", "a=1\nb=2\n");
+    const std::string file = data + "/other.conf";
+    limit_sizes(4);
+    EXPECT_EQ(update_conf(file.c_str(), "a", "a=3"), -1);
+    EXPECT_EQ(read_data("other.conf"), "a=1\nb=2\n");
+    EXPECT_THAT(traces_of("update_conf"),
+                ElementsAre(EndsWith("other.conf is not written, errno:27\n")));
+}
+
+TEST_F(GuardedConfFile, ThatIsLockedKeepsItsLineWithATrace)
+{
+    write_data("other.conf", "a=1\n");
+    const std::string file = data + "/other.conf";
+    const lock_holder other(file);
+    EXPECT_EQ(update_conf(file.c_str(), "a", "a=2"), -1);
+    EXPECT_THAT(traces_of("update_conf"),
+                ElementsAre(EndsWith("other.conf is not written, errno:11\n")));
+}
