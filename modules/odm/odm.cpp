@@ -229,16 +229,13 @@ int para_need_save_odm(const char *)
     return change_due(stamp, default_save_delay_ms) ? 1 : 0;
 }
 
-static write_result write_document(const char *path)
+// Returns whether there is a document; the text stays null when memory ran out.
+static bool print_document(printed_ptr &text)
 {
-    printed_ptr text;
-    {
-        const lock_guard guard(document_mutex);
-        if (json_odm_file == nullptr)
-            return {}; // nothing to write
+    const lock_guard guard(document_mutex);
+    if (json_odm_file != nullptr)
         text.reset(cJSON_Print(json_odm_file));
-    }
-    return write_text_file(path, text.get(), saves);
+    return json_odm_file != nullptr;
 }
 
 int para_save_odm(const char *)
@@ -248,7 +245,10 @@ int para_save_odm(const char *)
     make_persist_dir_if_missing();
     const unsigned changes = counted_changes(stamp);
     clear_change(stamp); // before the document is read: a change from now on is saved again
-    return end_save(stamp, changes, write_document(store_path().text));
+    printed_ptr text;
+    if (!print_document(text))
+        return 0;
+    return end_save(stamp, changes, write_text_file(store_path().text, text.get(), saves));
 }
 
 para_module_status odm_status(const char *)

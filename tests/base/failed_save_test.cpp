@@ -187,6 +187,17 @@ TEST_F(GuardedSave, OfVideoIsTriedAgainAsSoonAsThatOfOtherModules)
     EXPECT_TRUE(wait_until([] { return status_of("video0").error == 0; }));
 }
 
+TEST_F(GuardedSave, OfAnOdmStoreWithoutADocumentIsNone)
+{
+    start_store();
+    platformparam_save();
+    EXPECT_FALSE(read_data("persist/odm.json"));
+    EXPECT_EQ(status_of("odmInter").saved_at, 0);
+    para_set_odm_int("mine", 9);
+    platformparam_save();
+    EXPECT_GT(status_of("odmInter").saved_at, 1600000000000);
+}
+
 TEST_F(GuardedSave, WithoutTheGuardAFailureIsInTheStatusAndNotRetried)
 {
     platformparam_set_guard(0);
