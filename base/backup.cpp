@@ -84,6 +84,14 @@ static int sync_folder_of(const char *path)
     return synced;
 }
 
+// What the platform does not read, as for its size, would be of no use at the next start. Returns
+// 0, or the error number.
+static int read_back(const char *path)
+{
+    errno = 0;
+    return error_of(text_ptr(read_file_to_buf(path)) != nullptr);
+}
+
 int write_backup(const char *path, const char *bytes, size_t length)
 {
     if (path[0] == '\0' || strlen(path) >= PATH_MAX)
@@ -92,13 +100,15 @@ int write_backup(const char *path, const char *bytes, size_t length)
     const file_beside temporary(path, ".bak.tmp");
     const lock_guard guard(temporary_mutex);
     errno = 0;
-    const int written = write_to_disk(temporary.text, path, bytes, length);
-    const int renamed = written != 0 ? written : error_of(rename(temporary.text, backup.text) == 0);
-    if (renamed != 0) {
-        unlink(temporary.text);
-        return renamed;
-    }
-    return sync_folder_of(path);
+    int error = write_to_disk(temporary.text, path, bytes, length);
+    if (error == 0)
+        error = read_back(temporary.text);
+    if (error == 0)
+        error = error_of(rename(temporary.text, backup.text) == 0);
+    if (error == 0)
+        return sync_folder_of(path);
+    unlink(temporary.text);
+    return error;
 }
 
 // --- Recovery ---

@@ -198,6 +198,22 @@ TEST_F(GuardedSave, OfAnOdmStoreWithoutADocumentIsNone)
     EXPECT_GT(status_of("odmInter").saved_at, 1600000000000);
 }
 
+// The next start could not read it, and would take it for a bad one.
+TEST_F(GuardedSave, OfATextThatCannotBeReadAgainIsAFailure)
+{
+    start_store();
+    para_set_odm_int("mine", 9);
+    platformparam_save();
+    const std::string before = read_data("persist/odm.json").value_or("none");
+    const std::string long_text(5 * 1024 * 1024, 'x');
+    para_set_odm_string("long", long_text.c_str());
+    platformparam_save();
+    EXPECT_EQ(status_of("odmInter").error, EFBIG);
+    EXPECT_EQ(read_data("persist/odm.json"), before);
+    EXPECT_EQ(read_data("persist/odm.json.bak"), before);
+    EXPECT_FALSE(read_data("persist/odm.json.bak.tmp"));
+}
+
 TEST_F(GuardedSave, WithoutTheGuardAFailureIsInTheStatusAndNotRetried)
 {
     platformparam_set_guard(0);
