@@ -14,6 +14,10 @@
 // Guards all members of all states but the counts of changes. Never held while a file is written.
 static pthread_mutex_t states_mutex = PTHREAD_MUTEX_INITIALIZER;
 
+// A good sync ends a turn.
+static save_state syncs;
+static unsigned sync_turn = 1;
+
 static bool is_kept_from_saving(unsigned flags)
 {
     return (flags & PARA_STATUS_NOT_SAVED) != 0 ||
@@ -25,6 +29,8 @@ para_module_status status_of(const save_state &state)
     const lock_guard guard(states_mutex);
     para_module_status status = state.last;
     status.changes = __atomic_load_n(&state.changes, __ATOMIC_ACQUIRE);
+    if (status.error == 0 && state.unsynced == sync_turn)
+        status.error = syncs.last.error;
     if (is_kept_from_saving(status.flags))
         status.flags |= PARA_STATUS_NOT_SAVED;
     return status;
@@ -119,6 +125,7 @@ void note_saved(save_state &state, unsigned changes)
 {
     const lock_guard guard(states_mutex);
     state.failures = 0;
+    state.unsynced = sync_turn;
     state.last.saved = changes;
     state.last.saved_at = real_time_ms();
     state.last.error = 0;
@@ -132,4 +139,23 @@ void note_failure(save_state &state, int error)
         return; // forced, or of another row with the same state: no further try
     state.failures++;
     state.failed_at = monotonic_now();
+}
+
+// --- Flushing the file systems ---
+
+void note_sync(int error)
+{
+    if (error != 0) {
+        note_failure(syncs, error);
+        return;
+    }
+    const lock_guard guard(states_mutex);
+    sync_turn++;
+    syncs = {};
+}
+
+bool is_sync_due()
+{
+    const lock_guard guard(states_mutex);
+    return syncs.failures > 0 && !is_waiting(syncs);
 }

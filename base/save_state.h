@@ -21,6 +21,7 @@ struct save_state {
     timespec failed_at; // the last of them, CLOCK_MONOTONIC
     missed_file missed;
     bool torn;               // its file may hold the beginning of an earlier text
+    unsigned unsynced;       // the turn of syncs that it was last saved in; 0: not saved
     para_module_status last; // of the last save and of the start; its changes are not used
 };
 
@@ -49,3 +50,12 @@ int refuse_save(const char *module);
 
 void note_saved(save_state &state, unsigned changes);
 void note_failure(save_state &state, int error);
+
+// --- Flushing the file systems, with the guard on ---
+
+// Takes note of how it ended: 0, or an error number, which is then that of all that was saved since
+// the last good one.
+void note_sync(int error);
+
+// Whether one has failed and is to be tried again by now.
+bool is_sync_due();

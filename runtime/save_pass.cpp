@@ -1,5 +1,7 @@
 #include "runtime/save_pass.h"
 
+#include <cerrno>
+
 #include "base/file.h"
 #include "base/guard.h"
 #include "base/lock.h"
@@ -27,6 +29,17 @@ static void save_row(const para_module &row, const trace_site &site)
         PARA_TRACE_AT(site, PARA_ERROR, "%s save err", row.name);
 }
 
+static void sync_files(const trace_site &site)
+{
+    errno = 0;
+    const int error = error_of(lib_system("sync") == 0);
+    if (!guard_is_on())
+        return;
+    note_sync(error);
+    if (error != 0)
+        PARA_TRACE_AT(site, PARA_ERROR, "sync err, errno:%d", error);
+}
+
 int save_param(save_mode mode)
 {
     const lock_guard guard(save_mutex);
@@ -40,7 +53,7 @@ int save_param(save_mode mode)
         }
     });
     const bool written = guard_is_on() ? files_written() != written_before : saved;
-    if (written && lib_system("sync") != 0 && guard_is_on())
-        PARA_TRACE(PARA_ERROR, "sync err");
+    if (written || is_sync_due())
+        sync_files(site);
     return 0;
 }

@@ -23,12 +23,13 @@ PARA_BEGIN_DECLS
  *   save fails with EEXIST until the file is gone, or read by the next start or reload.
  * - A file that cannot be read, or is no JSON where it must be, is kept as "<file>.bad", and its
  *   backup used. A module whose range or defaults could not be loaded is not saved.
- * - A file that would be restored or kept but is locked by another program, or cannot be written,
- * stays as it is, and its backup is used. The module is saved later only if the file is torn and
- * nobody was writing it.
+ * - Of a file that another program keeps locked, or that cannot be written, the backup is used as
+ *   well, but the file stays. The module is saved later only if the file is torn, and nobody was
+ *   writing it.
  * - A save that fails is traced with file and errno, and tried again after 2, 4, 8 ... 60 s.
  * - Another program's lock on a file is waited for 2 s at most.
- * - "sync" runs only after a pass that wrote a file.
+ * - "sync" runs only after a pass that wrote a file. When it fails, its error is that of all that
+ *   was saved since the last good one, and it is tried again as saves are.
  *
  * The thread "Para_Process" goes on when the system fails to wait for datagrams; that turn lasts
  * its 100 ms.

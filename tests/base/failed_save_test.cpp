@@ -187,6 +187,55 @@ TEST_F(GuardedSave, OfVideoIsTriedAgainAsSoonAsThatOfOtherModules)
     EXPECT_TRUE(wait_until([] { return status_of("video0").error == 0; }));
 }
 
+TEST_F(GuardedSave, IsNotDoneBeforeTheFilesAreSynced)
+{
+    start_store();
+    stop_clock();
+    fail_shell_commands(EIO);
+    para_set_af_zoom_value_cur(9);
+    platformparam_save();
+    EXPECT_EQ(status_of("af").error, EIO);
+    EXPECT_EQ(status_of("video0").error, EIO);
+    EXPECT_EQ(status_of("odmInter").error, 0) << "nothing was written";
+    EXPECT_THAT(traces_of("save_param"), Contains("sync err, errno:5\n"));
+    EXPECT_THAT(shell_commands(), ElementsAre("sync"));
+
+    fail_shell_commands(0);
+    platformparam_save();
+    EXPECT_EQ(status_of("af").error, 0);
+}
+
+TEST_F(GuardedSave, SyncsAgainLikeItSavesAgain)
+{
+    start_store();
+    stop_clock();
+    fail_shell_commands(ENOSPC);
+    platformparam_save();
+    for (const int seconds : {2, 4}) {
+        const size_t before = shell_commands().size();
+        move_clock(seconds * 1000 - 1);
+        EXPECT_EQ(status_of("af").error, ENOSPC);
+        EXPECT_EQ(shell_commands().size(), before);
+        move_clock(1);
+        ASSERT_TRUE(wait_until(
+            [&] { return count_traces("sync err, errno:28") == static_cast<int>(before) + 1; }));
+    }
+    fail_shell_commands(0);
+    move_clock(8000);
+    ASSERT_TRUE(wait_until([] { return status_of("af").error == 0; }));
+    EXPECT_EQ(status_of("af").saved, status_of("af").changes);
+}
+
+TEST_F(GuardedSave, WithoutTheGuardAFailedSyncIsNotTold)
+{
+    platformparam_set_guard(0);
+    start_store();
+    fail_shell_commands(EIO);
+    platformparam_save();
+    EXPECT_EQ(status_of("af").error, 0);
+    EXPECT_EQ(count_traces("sync err, errno:5"), 0);
+}
+
 TEST_F(GuardedSave, OfAnOdmStoreWithoutADocumentIsNone)
 {
     start_store();

@@ -148,13 +148,13 @@ TEST_F(SaveThread, AFailedSyncIsTracedWithTheGuardOnAlone)
     start_store();
     platformparam_save();
     EXPECT_THAT(shell_commands(), ElementsAre("sync"));
-    EXPECT_EQ(count_traces("sync err", "save_param"), 1);
+    EXPECT_EQ(count_traces("sync err, errno:5", "save_param"), 1);
 
     stop_store();
     forget_traces();
     platformparam_set_guard(0);
     platformparam_save();
-    EXPECT_EQ(count_traces("sync err"), 0);
+    EXPECT_EQ(count_traces("sync err, errno:5"), 0);
 }
 
 TEST_F(SaveThread, AForcedPassSavesEveryModuleUnasked)

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -35,6 +36,7 @@ std::atomic<long> stopped_at_nanoseconds{0};
 std::atomic<bool> wall_clock_stopped{false};
 std::atomic<long long> wall_clock_seconds{0};
 std::atomic<void (*)()> clock_watcher{nullptr};
+std::atomic<int> shell_error{0};
 
 trace_line split(int level, const char *format, const std::string &message)
 {
@@ -87,7 +89,8 @@ PARA_API int lib_system(const char *command)
 {
     const std::lock_guard<std::mutex> guard(seen().lock);
     seen().shell_commands.emplace_back(command);
-    return seen().shell_status;
+    errno = shell_error;
+    return shell_error != 0 ? -1 : seen().shell_status;
 }
 
 PARA_API int add_fifo_work(const fifo_work *works, int count)
@@ -188,6 +191,11 @@ void set_shell_status(int status)
 {
     const std::lock_guard<std::mutex> guard(seen().lock);
     seen().shell_status = status;
+}
+
+void fail_shell_commands(int error)
+{
+    shell_error = error;
 }
 
 std::vector<std::vector<fifo_work>> registered_work()

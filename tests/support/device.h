@@ -46,6 +46,9 @@ std::vector<std::string> shell_commands();
 // From now on it returns this.
 void set_shell_status(int status);
 
+// From now on they fail with this errno; 0: they do not.
+void fail_shell_commands(int error);
+
 // Work items that were registered with add_fifo_work(), a list for each call.
 std::vector<std::vector<fifo_work>> registered_work();
 
