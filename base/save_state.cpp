@@ -157,5 +157,5 @@ void note_sync(int error)
 bool is_sync_due()
 {
     const lock_guard guard(states_mutex);
-    return syncs.failures > 0 && !is_waiting(syncs);
+    return guard_is_on() && syncs.failures > 0 && !is_waiting(syncs);
 }

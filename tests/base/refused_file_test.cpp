@@ -63,19 +63,6 @@ TEST_F(RefusedFile, ATornOneThatCannotBeRestoredLeavesTheBackupInForce)
     EXPECT_EQ(read_data("af_cur.json"), "");
 }
 
-TEST_F(RefusedFile, ATornOneThatAnotherProgramKeepsLockedIsNotRestored)
-{
-    tear_af();
-    const int other = open((data + "/af_cur.json").c_str(), O_RDONLY | O_CLOEXEC);
-    ASSERT_EQ(flock(other, LOCK_EX), 0);
-    start_store();
-
-    EXPECT_EQ(para_get_af_zoom_value_cur(), default_number);
-    EXPECT_EQ(status_of("af").flags & PARA_STATUS_RESTORED, 0U);
-    EXPECT_EQ(read_data("af_cur.json"), "");
-    close(other);
-}
-
 TEST_F(RefusedFile, AFolderWithATooLongPathIsAFailedSave)
 {
     start_store();
