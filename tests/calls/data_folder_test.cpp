@@ -122,6 +122,26 @@ protected:
         EXPECT_THAT(numbers_after_start(), Each(new_number));
     }
 
+    // The medium holds files of the old number, and is mounted between start and save.
+    void expect_kept_when_mounted_late(const std::string &medium)
+    {
+        in_child([&] {
+            platformparam_set_guard(guarded ? 1 : 0);
+            start();
+            EXPECT_EQ(mount(medium.c_str(), data.c_str(), nullptr, MS_BIND, nullptr), 0) << errno;
+            set_all(new_number);
+            platformparam_save();
+            if (guarded) {
+                expect_failed(EEXIST);
+            } else {
+                expect_saved();
+            }
+            platformparam_stop(1);
+        });
+        EXPECT_THAT(numbers_after_start(), Each(guarded ? old_number : new_number));
+        EXPECT_EQ(umount2(data.c_str(), MNT_DETACH), 0) << errno;
+    }
+
     // Which modules are told as saved, of the new number.
     std::vector<bool> saved_by_child()
     {
@@ -228,19 +248,18 @@ TEST_P(DataFolder, ThatIsMountedLateKeepsItsFilesWithTheGuard)
     const std::string medium = data + "-medium";
     std::filesystem::rename(data, medium);
     std::filesystem::create_directory(data);
-    in_child([&] {
-        platformparam_set_guard(guarded ? 1 : 0);
-        start();
-        EXPECT_EQ(mount(medium.c_str(), data.c_str(), nullptr, MS_BIND, nullptr), 0) << errno;
-        set_all(new_number);
-        platformparam_save();
-        if (guarded) {
-            expect_failed(EEXIST);
-        } else {
-            expect_saved();
-        }
-        platformparam_stop(1);
-    });
-    EXPECT_THAT(numbers_after_start(), Each(guarded ? old_number : new_number));
-    EXPECT_EQ(umount2(data.c_str(), MNT_DETACH), 0) << errno;
+    expect_kept_when_mounted_late(medium);
+}
+
+// The roots of both have the same number, as the first object of each.
+TEST_P(DataFolder, ThatIsMountedLateOverAnotherFileSystemKeepsItsFilesToo)
+{
+    leave(old_number);
+    const std::string medium = data + "-medium";
+    std::filesystem::create_directory(medium);
+    ASSERT_EQ(mount("tmpfs", medium.c_str(), "tmpfs", 0, "size=256k"), 0) << errno;
+    std::filesystem::copy(data, medium, std::filesystem::copy_options::recursive);
+    enter_folder();
+    expect_kept_when_mounted_late(medium);
+    EXPECT_EQ(umount2(medium.c_str(), MNT_DETACH), 0) << errno;
 }
