@@ -226,6 +226,19 @@ TEST_F(GuardedSave, SyncsAgainLikeItSavesAgain)
     EXPECT_EQ(status_of("af").saved, status_of("af").changes);
 }
 
+// What is on disk stays there.
+TEST_F(GuardedSave, OfAModuleThatIsSyncedIsNotTouchedByALaterSync)
+{
+    start_store();
+    stop_clock();
+    platformparam_save();
+    fail_shell_commands(EIO);
+    para_set_audio_audioInputVol_cur(9);
+    move_clock(2000);
+    ASSERT_TRUE(wait_until([] { return status_of("audio").error == EIO; }));
+    EXPECT_EQ(status_of("af").error, 0);
+}
+
 TEST_F(GuardedSave, WithoutTheGuardAFailedSyncIsNotTold)
 {
     platformparam_set_guard(0);
