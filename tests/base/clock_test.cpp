@@ -1,6 +1,9 @@
 // Clocks that stand, jump and run beyond what words hold.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 #include <climits>
 #include <cstdint>
@@ -207,4 +210,19 @@ TEST_F(ClockWithTheGuard, ThatJumpsALittleBackwardsIsWaitedFor)
     EXPECT_EQ(para_need_save_af("af"), 0);
     move_clock(1);
     EXPECT_EQ(para_need_save_af("af"), 1);
+}
+
+// Start-up would never end.
+TEST_F(ClockWithTheGuard, ThatStandsDoesNotKeepAStartWaitingForALockedFile)
+{
+    platformparam_set_guard(1);
+    stop_clock();
+    const int other = open((home + "/netport.conf").c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(flock(other, LOCK_EX), 0);
+    start_store();
+    para_module_status found = {};
+    EXPECT_EQ(platformparam_get_status("netport", &found), 0);
+    EXPECT_EQ(found.flags, unsigned{PARA_STATUS_LOAD_FAILED | PARA_STATUS_NOT_SAVED});
+    EXPECT_EQ(para_get_af_zoom_value_cur(), default_number);
+    close(other);
 }
