@@ -1,5 +1,8 @@
 // What this machine sends itself does not wait behind a flood from elsewhere.
+#include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -82,4 +85,44 @@ TEST_F(LoopbackServer, LeavesThePortTaken)
         EXPECT_EQ(errno, EADDRINUSE) << address;
     }
     close(other);
+}
+
+static bool has_server_port(int descriptor)
+{
+    sockaddr_in own = {};
+    socklen_t size = sizeof own;
+    return getsockname(descriptor, reinterpret_cast<sockaddr *>(&own), &size) == 0 &&
+           own.sin_family == AF_INET && own.sin_port == htons(PARA_SERVER_PORT);
+}
+
+TEST_F(LoopbackServer, IsClosedInProgramsThatTheHostStarts)
+{
+    platformparam_set_guard(1);
+    start_store();
+    int sockets = 0;
+    for (int descriptor = 0; descriptor < 1024; descriptor++) {
+        if (!has_server_port(descriptor))
+            continue;
+        EXPECT_EQ(fcntl(descriptor, F_GETFD), FD_CLOEXEC);
+        sockets++;
+    }
+    EXPECT_EQ(sockets, 2);
+}
+
+// The server's is the last one that select() can watch.
+TEST_F(LoopbackServer, IsNoneThatCannotBeWaitedOn)
+{
+    const rlimit many = {4096, 4096};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &many), 0);
+    while (dup(0) < 1022) {
+    }
+    platformparam_set_guard(1);
+    start_store();
+    ASSERT_TRUE(has_server_port(1023));
+    EXPECT_THAT(
+        traces_of("open_loopback_socket"),
+        testing::ElementsAre(testing::StartsWith("no socket of its own for this machine, errno:")));
+    EXPECT_EQ(fcntl(1024, F_GETFD), -1) << "given back";
+    Client client;
+    EXPECT_EQ(client.ask("{'msg_type':'get','msg_id':1}"), "{'msg_id':1}");
 }
