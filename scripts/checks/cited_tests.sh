@@ -1,7 +1,7 @@
 #!/bin/sh
 # To be sourced by scripts/lint. A comment or document that names a test, as in
 # (SaveFile.EndsWithOneZeroByte), or several, as in MiscWidening.* or IspStart.SavedStyle..., names
-# tests that exist.
+# tests that exist. So do the words for ctest -R in the tables of documents.
 
 # The names of all cases and of the tests that CMake adds.
 test_names()
@@ -41,6 +41,18 @@ citations()
     done
 }
 
+# "FILE:LINE WORD" for the words of tables' last cells "tests `WORD`, `WORD`", which ctest -R takes.
+filters()
+{
+    # shellcheck disable=SC2016
+    sources '*.md' | xargs -r -d '\n' awk '
+        match($0, /\| tests? `[A-Za-z0-9_]+`(, `[A-Za-z0-9_]+`)* \|$/) {
+            count = split(substr($0, RSTART, RLENGTH), part, "`")
+            for (i = 2; i < count; i += 2)
+                print FILENAME ":" FNR, part[i]
+        }'
+}
+
 cited_tests()
 {
     names=$(test_names | sort -u)
@@ -60,4 +72,14 @@ cited_tests()
             print $1 ": no test begins with " start
         }')
     [ -z "$unknown" ] || { printf '%s\n' "$unknown"; return 1; }
+    filters | {
+        idle=0
+        while read -r place word; do
+            printf '%s\n' "$names" | grep -q -e "$word" || {
+                echo "$place: no test has $word in its name"
+                idle=1
+            }
+        done
+        return "$idle"
+    }
 }
