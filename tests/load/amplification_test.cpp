@@ -34,24 +34,26 @@ std::string repeated(const std::string &text, int times)
     return all;
 }
 
+// The shortest requests of their kind.
 std::vector<request_kind> request_kinds()
 {
     return {
         {"an empty datagram", ""},
         {"a text that is no JSON", std::string(100, 'x')},
         {"a share datagram", std::string(76, '\0')},
-        {"set a member", "{'msg_type':'set','af':{'zoom_value':5}}"},
-        {"get a member", "{'msg_type':'get','af':['zoom_value']}"},
-        {"get a module", "{'msg_type':'get','isp0':['all']}"},
+        {"set a member", "{'msg_type':'s','af':{'zoom_value':5}}"},
+        {"get a member", "{'msg_type':'','af':['zoom_value']}"},
+        {"get a module", "{'msg_type':'','isp0':['all']}"},
         {"get four modules",
-         "{'msg_type':'get','isp0':['all'],'video0':['all'],'audio':['all'],'misc':['all']}"},
-        {"get a module 40 times", "{'msg_type':'get'" + repeated(",'isp0':['all']", 40) + "}"},
-        {"get a web page", "{'msg_type':'get','msg_from':'www','msg_name':'image'}"},
-        {"the command \"style\"", "{'msg_type':'api_get','msg_name':'style'}", true},
-        {"the command \"lens\"", "{'msg_type':'api_get','msg_name':'lens'}", true},
-        {"the command \"save\"", "{'msg_type':'api_set','msg_name':'save'}", true},
-        {"the command \"describe\"", "{'msg_type':'api_get','msg_name':'describe'}", true},
-        {"an unknown command", "{'msg_type':'api_get','msg_name':'nonsense'}", true},
+         "{'msg_type':'','isp0':['all'],'video0':['all'],'audio':['all'],'misc':['all']}"},
+        {"get a module 40 times", "{'msg_type':''" + repeated(",'isp0':['all']", 40) + "}"},
+        {"get a web page", "{'msg_type':'get','msg_from':'www','msg_name':'system'}"},
+        {"the command \"style\"", "{'msg_type':'sget','msg_name':''}", true},
+        {"the command \"lens\"", "{'msg_type':'sget','msg_name':'l'}", true},
+        {"the command \"save\"", "{'msg_type':'sset','msg_name':'sa'}", true},
+        {"the command \"describe\"", "{'msg_type':'sget','msg_name':'d'}", true},
+        {"an unknown command", "{'msg_type':'sget','msg_name':'x'}", true},
+        {"a command without a name", "{'msg_type':'sget'}"},
     };
 }
 
@@ -158,7 +160,7 @@ TEST_F(Amplification, OfAFloodIsLimitedByTheHost)
     ASSERT_NE(address, "");
     start_host({"--trace", "0", "--port", std::to_string(host_port)});
     const distant_client client(address);
-    const std::string request = "{'msg_type':'api_get','msg_name':'describe'}";
+    const std::string request = "{'msg_type':'sget','msg_name':'d'}";
     measured_kind measured = {"describe, as fast as it can", 0, 0};
     const auto begin = clock::now();
     while (clock::now() < begin + std::chrono::seconds(2)) {
