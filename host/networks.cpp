@@ -55,25 +55,28 @@ std::vector<network> interface_networks()
     return networks;
 }
 
-allowed_networks::allowed_networks(std::vector<network> given, source interfaces_now)
-    : networks(std::move(given)), interfaces(networks.empty() ? interfaces_now : nullptr),
+allowed_networks::allowed_networks(std::vector<network> networks, source interfaces)
+    : given(std::move(networks)), interfaces_now(interfaces),
       next_refresh_ms(std::numeric_limits<long long>::min())
 {
 }
 
 bool allowed_networks::is_listed(uint32_t address) const
 {
-    return std::any_of(networks.begin(), networks.end(),
-                       [&](const network &each) { return each.has(address); });
+    return std::any_of(given.begin(), given.end(),
+                       [&](const network &each) { return each.has(address); }) ||
+           std::any_of(interfaces.begin(), interfaces.end(), [&](const network &each) {
+               return given.empty() ? each.has(address) : each.address == address;
+           });
 }
 
 bool allowed_networks::has(uint32_t address, long long now_ms)
 {
     if (loopback_network.has(address) || is_listed(address))
         return true;
-    if (interfaces == nullptr || now_ms < next_refresh_ms)
+    if (now_ms < next_refresh_ms)
         return false;
     next_refresh_ms = now_ms + 1000;
-    networks = interfaces();
+    interfaces = interfaces_now();
     return is_listed(address);
 }

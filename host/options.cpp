@@ -28,19 +28,47 @@ static void add_filter_options(CLI::App &app, options &chosen)
                        throw CLI::ValidationError("--allow", mistake);
                }
            },
-           "Serve these networks and this machine, such as 192.168.1.0/24; by default\n"
-           "those of the machine's interfaces. 0.0.0.0/0: everybody")
+           "Serve these networks, such as 192.168.1.0/24; by default those of the machine's\n"
+           "interfaces. 0.0.0.0/0: everybody. 127.0.0.0/8 and the addresses of the interfaces\n"
+           "are always served")
         ->type_name("NETWORK");
-    app.add_option("--requests-per-second", chosen.per_source.requests_per_second,
-                   "Requests that are served of each source but this machine")
+    app.add_option(
+           "--requests-per-second", chosen.per_source.requests_per_second,
+           "Requests that are served of each address outside 127.0.0.0/8, after a burst of\n"
+           "as many")
         ->type_name("N")
         ->check(CLI::Range(1, most))
         ->capture_default_str();
-    app.add_option("--reply-bytes-per-second", chosen.per_source.reply_bytes_per_second,
-                   "Bytes that each source but this machine is answered")
+    app.add_option(
+           "--reply-bytes-per-second", chosen.per_source.reply_bytes_per_second,
+           "Bytes that each address outside 127.0.0.0/8 is answered, after a burst of as many")
         ->type_name("N")
         ->check(CLI::Range(1, most))
         ->capture_default_str();
+}
+
+// An inverted flag of the parser would show as "--no-guard{false}".
+static void add_switch_off(CLI::App &app, const char *name, bool &value, const char *help)
+{
+    app.add_flag_callback(
+        name, [&value] { value = false; }, help);
+}
+
+static void add_switches(CLI::App &app, options &chosen)
+{
+    app.add_flag("--client", chosen.client, "Run in the client role: no settings, no server");
+    add_switch_off(app, "--no-guard", chosen.guard,
+                   "Keep no backups of the saved files, and do not try again what cannot be saved");
+    add_switch_off(
+        app, "--no-write-conf", chosen.write_conf,
+        "Do not write changed conf modules, such as netport, into the data folder: for\n"
+        "devices where other programs own these files. Their changes are lost at the end,\n"
+        "with exit status 0");
+    app.add_flag("--read-only-data", chosen.read_only_data,
+                 "Start although the data folder cannot be written; changes will be lost, and the\n"
+                 "exit status is 0 all the same");
+    add_switch_off(app, "--no-share", chosen.share,
+                   "Publish no shared memory, and drop the datagrams of client processes");
 }
 
 bool read_options(int argc, char **argv, options &chosen, int &exit_status)
@@ -50,9 +78,11 @@ bool read_options(int argc, char **argv, options &chosen, int &exit_status)
     chosen.home = para_profile.home_dir;
     chosen.data = para_profile.data_dir;
 
-    CLI::App app("The camera's parameter store: serves settings by UDP and saves them.\n"
-                 "SIGTERM, SIGINT and SIGQUIT save every setting and end it.",
-                 "camparamd");
+    CLI::App app(
+        "The camera's parameter store: serves settings by UDP and saves them.\n"
+        "SIGTERM, SIGINT and SIGQUIT save every setting and end it, with exit status 1 when\n"
+        "changes could not be saved.",
+        "camparamd");
     app.set_version_flag("--version", "camparamd " CAMPARAM_VERSION);
     app.add_option("--home", chosen.home, "Folder of the read-only files: ranges, defaults")
         ->type_name("DIR")
@@ -73,17 +103,7 @@ bool read_options(int argc, char **argv, options &chosen, int &exit_status)
         ->check(CLI::Range(1, 65535))
         ->capture_default_str();
     add_filter_options(app, chosen);
-    app.add_flag("--client", chosen.client, "Run in the client role: no settings, no server");
-
-    app.add_flag("!--no-guard", chosen.guard,
-                 "Keep no backups of the saved files, and do not try again what cannot be saved");
-    app.add_flag("!--no-write-conf", chosen.write_conf,
-                 "Do not write changed conf modules, such as netport, into the data folder: for\n"
-                 "devices where other programs own these files");
-    app.add_flag("--read-only-data", chosen.read_only_data,
-                 "Start although the data folder cannot be written; changes will be lost");
-    app.add_flag("!--no-share", chosen.share,
-                 "Publish no shared memory, and drop the datagrams of client processes");
+    add_switches(app, chosen);
 
     try {
         app.parse(argc, argv);

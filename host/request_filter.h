@@ -11,7 +11,7 @@
 #include "rate_limit.h"
 
 struct filter_rules {
-    std::vector<network> allowed; // empty: the networks of the machine's interfaces
+    std::vector<network> allowed; // beside this machine; empty: the networks of its interfaces
     rate per_source;              // of each source but the loopback network
     int port;                     // of the server
 };

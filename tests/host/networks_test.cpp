@@ -74,14 +74,31 @@ TEST(AllowedNetworks, ThisMachineIsAlwaysAmongThem)
     EXPECT_FALSE(given.has(address(128, 0, 0, 0), 0));
 }
 
-TEST(AllowedNetworks, GivenOnesTakeThePlaceOfTheInterfaces)
+TEST(AllowedNetworks, GivenOnesTakeThePlaceOfTheInterfacesNetworks)
 {
-    present = {{.address = address(192, 168, 1, 0), .mask = 0xffffff00}};
+    present = {{.address = address(192, 168, 1, 5), .mask = 0xffffff00}};
     allowed_networks given({{.address = address(10, 0, 0, 0), .mask = 0xff000000}},
                            ask_for_present);
     EXPECT_TRUE(given.has(address(10, 9, 9, 9), 0));
-    EXPECT_FALSE(given.has(address(192, 168, 1, 1), 0));
     EXPECT_EQ(times_asked, 0);
+    EXPECT_FALSE(given.has(address(192, 168, 1, 1), 0));
+    EXPECT_FALSE(given.has(address(192, 168, 1, 0), 0));
+}
+
+TEST(AllowedNetworks, AddressesOfTheInterfacesAreAmongThemWhateverIsGiven)
+{
+    const uint32_t own = address(192, 168, 1, 5);
+    present = {{.address = own, .mask = 0xffffff00}};
+    allowed_networks given({{.address = address(10, 0, 0, 0), .mask = 0xff000000}},
+                           ask_for_present);
+    EXPECT_TRUE(given.has(own, 5000));
+    EXPECT_TRUE(given.has(own, 5000));
+    EXPECT_EQ(times_asked, 1) << "a known one needs no question";
+
+    present = {{.address = address(192, 168, 1, 6), .mask = 0xffffff00}};
+    EXPECT_FALSE(given.has(address(192, 168, 1, 6), 5999));
+    EXPECT_TRUE(given.has(address(192, 168, 1, 6), 6000)) << "it has another address since";
+    EXPECT_FALSE(given.has(own, 6000));
 }
 
 TEST(AllowedNetworks, InterfacesAreAskedForAnewOnceASecond)

@@ -15,6 +15,7 @@ TEST_F(HostOptions, HelpNamesEachOptionAndTheDefaultFolders)
           "--requests-per-second N", "=500", "--reply-bytes-per-second N", "=131072", "--client",
           "--no-guard", "--no-write-conf", "--read-only-data", "--no-share", "--version"})
         EXPECT_NE(host->output().find(text), std::string::npos) << text;
+    EXPECT_EQ(host->output().find("{false}"), std::string::npos) << host->output();
 }
 
 TEST_F(HostOptions, HelpTellsWhenNotToWriteConfFiles)

@@ -115,23 +115,23 @@ TEST_F(HostFilter, ServesTheNetworksOfItsInterfaces)
     EXPECT_GT(client.receive(20000), 0U);
 }
 
-TEST_F(HostFilter, ServesNobodyElseThanToldAndThisMachine)
+// Whom it does not serve then, Install.AllowedNetworksAloneAreServed tells by a neighbour.
+TEST_F(HostFilter, ServesTheAddressesOfThisMachineWhateverIsAllowed)
 {
     start_host({"--allow", "192.0.2.0/24", "198.51.100.1"});
     const distant_client client(address);
     client.send(small_request);
-
-    EXPECT_TRUE(wait_until([&] {
-        return host_has_logged("camparamd: datagrams dropped: 1 from other networks (last " +
-                               address + ")\n");
-    })) << host->errors();
-    EXPECT_EQ(client.receive(0), 0U);
-    EXPECT_TRUE(is_answered_here());
-    EXPECT_EQ(end_host(SIGTERM), 0);
-
-    start_host({"--allow", "192.0.2.0/24", address});
-    client.send(small_request);
     EXPECT_GT(client.receive(20000), 0U);
+    EXPECT_TRUE(is_answered_here());
+    EXPECT_FALSE(host_has_logged("datagrams dropped"));
+}
+
+TEST_F(HostFilter, HasARateForAddressesOfThisMachineOutsideTheLoopbackNetwork)
+{
+    start_host({"--allow", "192.0.2.0/24", "--requests-per-second", "1"});
+    flood(distant_client(address), small_request, 50);
+    EXPECT_TRUE(
+        wait_until([&] { return host_has_logged(" over the rate (last " + address + ")"); }));
 }
 
 TEST_F(HostFilter, AnswersAFloodWithinItsRate)
@@ -182,7 +182,7 @@ TEST_F(HostFilter, DropsWhatComesFromAnotherServer)
 
 TEST_F(HostFilter, TellsOfAFloodOnceASecondAndNotLineByLine)
 {
-    start_host({"--allow", "192.0.2.1"});
+    start_host({"--requests-per-second", "1"});
     const distant_client client(address);
     flood(client, "rubbish", 2000);
     EXPECT_TRUE(is_answered_here());
@@ -193,7 +193,10 @@ TEST_F(HostFilter, TellsOfAFloodOnceASecondAndNotLineByLine)
     for (size_t at = 0; (at = log.find("datagrams dropped: ", at)) != std::string::npos; at++)
         lines++;
     EXPECT_LT(lines, 20U) << log;
-    EXPECT_FALSE(host_has_logged("cJSON_Parse err"));
+    size_t parsed = 0;
+    for (size_t at = 0; (at = log.find("cJSON_Parse err", at)) != std::string::npos; at++)
+        parsed++;
+    EXPECT_LT(parsed, 20U) << log;
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #!/bin/sh
 # usage: packet_filter.sh CAMPARAMD CAMPARAM SAMPLE_HOME SECURITY_PAGE
-# Loads the rule that the page on security gives, in a network of its own with a neighbour: clients
-# of the allowed network and of the machine itself are answered, others are not. Without the rule
-# all of them are.
+# In a network of its own with a neighbour. Without anything all clients are answered; with --allow,
+# and with the rule that the page on security gives, those of the allowed network and of the machine
+# itself, and no others.
 set -eu
 if [ "${1-}" != inside ]; then
     exec unshare --map-root-user --net --mount --pid --fork --kill-child -- sh "$0" inside "$@"
@@ -53,8 +53,13 @@ there ip link set eth0 up
 there ip address add 192.168.10.2/24 dev eth0
 there ip address add 10.9.9.2/24 dev eth0
 
-"$host" --home "$home" --data "$folder/data" 2>"$folder/log" &
-wait_for grep -q ready "$folder/log"
+# start_host OPTION...
+start_host()
+{
+    "$host" --home "$home" --data "$folder/data" "$@" 2>"$folder/log" &
+    host_process=$!
+    wait_for grep -q ready "$folder/log"
+}
 
 here()
 {
@@ -76,6 +81,15 @@ expect()
     done
 }
 
+start_host --allow 192.168.10.0/24
+expect answered 192.168.10.1 there '--allow, the allowed network'
+expect silent 10.9.9.1 there '--allow, another network'
+wait_for grep -q 'datagrams dropped: .* from other networks (last 10.9.9.2)' "$folder/log"
+expect answered '127.0.0.1 10.9.9.1' here '--allow, the machine itself'
+kill "$host_process"
+wait "$host_process"
+
+start_host
 expect answered '192.168.10.1 10.9.9.1' there 'without the rule'
 awk '$0 == "```" { inside = 0 } inside; $0 == "```nft" { inside = 1 }' "$page" >"$folder/rule"
 grep -q 'table inet camparam' "$folder/rule"
