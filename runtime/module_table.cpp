@@ -23,7 +23,7 @@ static constexpr para_module video_row(const char *name)
 
 // Row order is start-up order, save order and request-matching order.
 para_module module_para_handle[PARA_MODULES_MAX] = {
-    {.name = "odmInter",
+    {.name = PARA_ODM_ROW,
      .init = para_init_odm,
      .init_stage2 = para_init_stage2_odm,
      .need_save = para_need_save_odm,

@@ -4,7 +4,8 @@
  *
  * A flat JSON document, "odm.json" in the folder "persist" of the data directory. Hosts may keep
  * keys of their own; "version", "isp0_style_def" and "isp0_antiflicker_def" are the library's.
- * Keys are matched without regard to case. Any thread, once the store has started.
+ * Keys are matched without regard to case. The module's row, by which platformparam_get_status()
+ * and the change observer name it, is PARA_ODM_ROW. Any thread, once the store has started.
  */
 #ifndef CAMPARAM_ODM_H
 #define CAMPARAM_ODM_H
@@ -19,6 +20,9 @@ struct timespec; /* strict C99 hides it in <time.h> */
 
 /** Bytes that para_get_odm_string() may store, the final zero included. */
 #define PARA_ODM_TEXT_MAX 256
+
+/** Name of the store's row in the module table. */
+#define PARA_ODM_ROW "odmInter"
 
 /** Time (CLOCK_MONOTONIC) of the last change. */
 PARA_API extern struct timespec odm_item_start_time;

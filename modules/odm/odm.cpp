@@ -30,7 +30,7 @@ static save_state saves;
 static constexpr change_stamp stamp = {
     .time = &odm_item_start_time, .changed = &odm_item_changed, .saves = &saves};
 
-constexpr char row[] = "odmInter";
+constexpr char row[] = PARA_ODM_ROW;
 
 static int odm_persist_dir_missing;
 

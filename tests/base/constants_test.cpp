@@ -33,6 +33,7 @@ TEST(Constants, OfTheArrays)
     EXPECT_EQ(PARA_ISP_SLOTS, 39);
     EXPECT_EQ(PARA_ISP_INSTANCES, 2);
     EXPECT_EQ(PARA_ODM_TEXT_MAX, 256);
+    EXPECT_STREQ(PARA_ODM_ROW, "odmInter");
 }
 
 TEST(Constants, OfShareModules)
