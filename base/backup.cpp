@@ -11,6 +11,7 @@
 #include <cstring>
 #include <utility>
 
+#include "base/bad_file.h"
 #include "base/guard.h"
 #include "base/late_file.h"
 #include "base/lock.h"
@@ -199,8 +200,8 @@ static bool make_way_in_torn_file(const char *path, const held_file &held, save_
 
 static bool keep_bad_file(const char *path, const held_file &held, save_state &state)
 {
-    const file_beside bad(path, ".bad");
-    const int error = held.is_busy() ? held.error() : error_of(rename(path, bad.text) == 0);
+    file_beside bad(path, ".bad");
+    const int error = held.is_busy() ? held.error() : set_aside(path, bad);
     if (error != 0) {
         PARA_TRACE(PARA_ERROR, "%s cannot be used and stays as it is, errno:%d", path, error);
         add_flags(state, PARA_STATUS_NOT_SAVED);
@@ -233,6 +234,16 @@ static bool restore(FILE *torn, const char *path, const char *backup, file_form 
     return error == 0;
 }
 
+// A start that can read the backup restores it, so both files are left for that.
+static recovered_file leave_both(const char *path, const char *backup, int error, save_state &state)
+{
+    PARA_TRACE(PARA_ERROR, "%s cannot be read, errno:%d, and %s is not saved", backup, error, path);
+    add_flags(state, PARA_STATUS_LOAD_FAILED | PARA_STATUS_NOT_SAVED);
+    recovered_file nothing(path);
+    nothing.unknown = true;
+    return nothing;
+}
+
 recovered_file recover_file(const char *path, file_form form, save_state &state)
 {
     recovered_file current(path);
@@ -247,11 +258,16 @@ recovered_file recover_file(const char *path, file_form form, save_state &state)
 
     recovered_file backup(path, ".bak");
     backup.text = read_text(backup.path.text, current.starved);
+    const int unread = error_of(backup.text != nullptr);
+    const bool unknown = !backup.text && !is_missing(backup.path.text);
     const bool restorable = is_usable(form, backup.text.get(), current.starved);
     const bool torn = restorable && is_beginning(current.text.get(), backup.text.get());
-    const bool fit = !torn && is_usable(form, current.text.get(), current.starved);
+    const bool emptied = unknown && current.text && current.text.get()[0] == '\0';
+    const bool fit = !torn && !emptied && is_usable(form, current.text.get(), current.starved);
     if (fit || current.starved)
         return current;
+    if (unknown)
+        return leave_both(path, backup.path.text, unread, state);
     const bool replaceable =
         torn ? make_way_in_torn_file(path, held, state) : keep_bad_file(path, held, state);
     if (!restorable) {

@@ -35,11 +35,13 @@ struct recovered_file {
     bool starved = false; // memory ran out: nothing is recovered, and the text may be missing
     bool missing = false; // there is no file
     bool written = false; // another program keeps it locked, and may be writing it
+    bool unknown = false; // it is of no use, and its backup is there but cannot be read
 };
 
 // With the guard on, a current file that is torn is restored from its backup, and one that is of no
-// use is renamed to "<path>.bad" first; the state tells what was done. A file that is missing stays
-// missing, and one that was edited is left alone.
+// use is renamed to "<path>.bad" first (base/bad_file.h); the state tells what was done. A file
+// that is missing stays missing, and one that was edited is left alone. Where the backup that is
+// needed is there but cannot be read, both stay, and the module is not saved.
 recovered_file recover_file(const char *path, file_form form, save_state &state);
 
 // Reads a current file that has to be JSON, recovered. It is read once: what was judged is loaded.

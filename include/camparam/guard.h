@@ -22,7 +22,13 @@ PARA_BEGIN_DECLS
  *   folder that came after it was looked for, as one that is mounted late, is not overwritten: the
  *   save fails with EEXIST until the file is gone, or read by the next start or reload.
  * - A file that cannot be read, or is no JSON where it must be, is kept as "<file>.bad", and its
- *   backup used. A module whose range or defaults could not be loaded is not saved.
+ *   backup used. Where a rename cannot replace what has that name, as a directory and a regular
+ *   file each other, a free one of "<file>.bad.1" to "<file>.bad.9" is taken.
+ * - A module whose range or defaults could not be loaded is not saved.
+ * - Where such a file has a backup that is there but cannot be read, both stay as they are, and the
+ *   module is not saved. That holds for an empty file, too, which may be torn.
+ * - A ".conf" file that the platform alone refuses stays, and the module is not saved; its
+ *   backup is used if the platform takes that.
  * - Of a file that another program keeps locked, or that cannot be written, the backup is used as
  *   well, but the file stays. The module is saved later only if the file is torn, and nobody was
  *   writing it.
@@ -47,7 +53,7 @@ PARA_API int platformparam_set_guard(int on);
 enum {
     PARA_STATUS_LOAD_FAILED = 1, /**< its range, defaults or file could not be loaded */
     PARA_STATUS_RESTORED = 2,    /**< its file was lost or torn, and its backup used */
-    PARA_STATUS_KEPT_BAD = 4,    /**< its file could not be used and was renamed "<file>.bad" */
+    PARA_STATUS_KEPT_BAD = 4,    /**< its file could not be used and was renamed "<file>.bad" ... */
     PARA_STATUS_NOT_SAVED = 8    /**< its values cannot be saved */
 };
 
@@ -66,7 +72,7 @@ typedef struct {
  * status; a row that holds no values of the store's ("msg_id", the host's own) has no changes and
  * PARA_STATUS_NOT_SAVED.
  *
- * @param module       Name of a row of the module table.
+ * @param module       Name of a row of the module table; that of the ODM store is PARA_ODM_ROW.
  * @param[out] status  Untouched on failure.
  * @return 0; -1 for an unknown module or a null argument.
  */
@@ -79,8 +85,9 @@ PARA_API int platformparam_get_status(const char *module, para_module_status *st
  * It is called after the change is in force, on the thread that made it, holding no lock. It may
  * read values and status, and set values, which calls it again.
  *
- * @param observer  module: name of the row that holds the value, borrowed for the call. sender: the
- *                  client whose request changed it, borrowed for the call; NULL: the host did.
+ * @param observer  module: name of the row that holds the value, PARA_ODM_ROW for the ODM store;
+ *                  borrowed for the call. sender: the client whose request changed it, borrowed
+ *                  for the call; NULL: the host did.
  */
 PARA_API void platformparam_set_change_observer(void (*observer)(const char *module,
                                                                  const struct sockaddr_in *sender));

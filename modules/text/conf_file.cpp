@@ -4,10 +4,12 @@
 #include <cstring>
 
 #include "base/backup.h"
+#include "base/file.h"
 #include "base/guard.h"
 #include "base/late_file.h"
 #include "base/memory.h"
 #include "base/text_buffer.h"
+#include "base/trace.h"
 #include "camparam/control.h"
 #include "modules/text/text_module.h"
 
@@ -46,10 +48,28 @@ static reading read_conf_file(configure *conf, const char *path)
 // The platform reads the file anew, and may fail where recovering did not.
 static reading read_recovered(configure *cur, const recovered_file &saved)
 {
-    if (saved.written)
-        return reading::failed; // the platform would wait for its lock as well
+    if (saved.written || saved.unknown) {
+        errno = EWOULDBLOCK; // the platform would wait for the writer's lock as well
+        return reading::failed;
+    }
     const reading result = read_conf_file(cur, saved.path.text);
     return result != reading::done && saved.text ? read_conf_file(cur, saved.path.text) : result;
+}
+
+// The file stays, as it is the platform that refuses it.
+static reading load_backup(configure *cur, const char *path, int error, save_state &state)
+{
+    PARA_TRACE(PARA_ERROR, "%s is refused, errno:%d", path, error);
+    note_load_failure(state, path);
+    const file_beside backup(path, ".bak");
+    const reading result = read_conf_file(cur, backup.text);
+    if (result == reading::starved)
+        return result;
+    if (result == reading::done) {
+        PARA_TRACE(PARA_ERROR, "%s is used in its place", backup.text);
+        add_flags(state, PARA_STATUS_RESTORED);
+    }
+    return reading::done;
 }
 
 // A file that is missing has been read. Start-up goes on without one that cannot be.
@@ -57,11 +77,12 @@ static reading load_saved(configure *cur, const char *path, loading when, save_s
 {
     const recovered_file saved = recover_file(path, file_form::conf, state);
     const reading result = read_recovered(cur, saved);
+    const int error = error_of(false);
     if (result != reading::failed || saved.missing)
         return result == reading::starved ? result : reading::done;
-    if (when == loading::start && saved.text)
-        note_load_failure(state, path);
-    return when == loading::start ? reading::done : result;
+    if (when == loading::again)
+        return result;
+    return saved.text ? load_backup(cur, path, error, state) : reading::done;
 }
 
 static reading load_both(const char *name, configure *def, configure *cur, loading when,

@@ -49,6 +49,12 @@ protected:
         return WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
     }
 
+    void take_names_of_bad_files() const
+    {
+        for (const char *end : {"", ".1", ".2", ".3", ".4", ".5", ".6", ".7", ".8", ".9"})
+            std::filesystem::create_directories(path_of(kind, ".bad") + end + "/in the way");
+    }
+
     bool has_traced(const std::string &file, const std::string &text)
     {
         const std::vector<trace_line> all = traces();
@@ -239,11 +245,40 @@ TEST_P(GuardedConf, AFileWithoutEntriesWasEdited)
     EXPECT_EQ(status().flags, 0U);
 }
 
+TEST_P(GuardedKind, ABadFileTakesAFreeNameBesideAnOldOneOfAnotherKind)
+{
+    write_file_with(7, ".bak");
+    write_data(kind.file + std::string(".bad"), "old");
+    std::filesystem::create_symlink("nowhere", path_of(kind, ".bad.1"));
+    std::filesystem::create_directory(path_of(kind));
+    start_store();
+    EXPECT_EQ(kind.get(), 7);
+    EXPECT_EQ(read(".bad"), "old");
+    EXPECT_TRUE(std::filesystem::is_symlink(path_of(kind, ".bad.1")));
+    EXPECT_TRUE(std::filesystem::is_directory(path_of(kind, ".bad.2")));
+    EXPECT_TRUE(has_traced(kind.file, ".bad.2")) << "the trace names it";
+    EXPECT_EQ(status().flags, unsigned{PARA_STATUS_RESTORED | PARA_STATUS_KEPT_BAD});
+    kind.set(9);
+    platformparam_save();
+    EXPECT_THAT(*read(), HasSubstr("9"));
+}
+
+TEST_P(GuardedJson, AFileThatIsNoJsonIsKeptBesideADirectory)
+{
+    write_file_with(7, ".bak");
+    write_data(kind.file, "#rubbish");
+    std::filesystem::create_directory(path_of(kind, ".bad"));
+    start_store();
+    EXPECT_EQ(kind.get(), 7);
+    EXPECT_EQ(read(".bad.1"), "#rubbish");
+    EXPECT_STREQ(read()->c_str(), read(".bak")->c_str());
+}
+
 TEST_P(GuardedKind, WhatCannotBeMovedAwayIsNotOverwritten)
 {
     write_file_with(7, ".bak");
     std::filesystem::create_directory(path_of(kind));
-    std::filesystem::create_directories(path_of(kind, ".bad") + "/in the way");
+    take_names_of_bad_files();
     start_store();
     EXPECT_EQ(kind.get(), 7) << "the backup is used";
     EXPECT_EQ(status().flags, unsigned{PARA_STATUS_RESTORED | PARA_STATUS_NOT_SAVED});

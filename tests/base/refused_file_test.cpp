@@ -34,6 +34,16 @@ protected:
         write_data("af_cur.json.bak", "{'zoom_value':7}");
     }
 
+    // More than an object of the reference platform takes.
+    void write_too_many_keys()
+    {
+        std::string lines;
+        for (int i = 0; i < 5000; i++)
+            lines += "key" + std::to_string(i) + " = '1'\n";
+        for (const char *file : {"netport.conf", "panel.conf"})
+            write_data(file, lines);
+    }
+
     // Rewrites a line of a file of its own, as programs other than the store's host do.
     int update_line(const char *value)
     {
@@ -81,11 +91,7 @@ TEST_F(RefusedFile, AFolderWithATooLongPathIsAFailedSave)
 // sees nothing wrong.
 TEST_F(RefusedFile, AConfFileThatOnlyThePlatformRefusesIsNotOverwritten)
 {
-    std::string lines;
-    for (int i = 0; i < 5000; i++)
-        lines += "key" + std::to_string(i) + " = '1'\n";
-    for (const char *file : {"netport.conf", "panel.conf"})
-        write_data(file, lines);
+    write_too_many_keys();
     const std::optional<std::string> before = read_data("netport.conf");
     start_store();
     para_conf_need_update("netport");
@@ -96,6 +102,28 @@ TEST_F(RefusedFile, AConfFileThatOnlyThePlatformRefusesIsNotOverwritten)
     for (const std::string module : {"netport", "panel"}) {
         EXPECT_EQ(status_of(module.c_str()).flags,
                   unsigned{PARA_STATUS_LOAD_FAILED | PARA_STATUS_NOT_SAVED})
+            << module;
+        EXPECT_TRUE(read_data(module + ".conf") == before) << module;
+    }
+}
+
+TEST_F(RefusedFile, TheBackupOfAConfFileThatOnlyThePlatformRefusesIsUsed)
+{
+    write_too_many_keys();
+    write_data("netport.conf.bak", "port = '7'\n");
+    write_data("panel.conf.bak", "brightness = '7'\n");
+    const std::optional<std::string> before = read_data("netport.conf");
+    start_store();
+
+    EXPECT_EQ(kind_named("Conf").get(), 7);
+    EXPECT_EQ(kind_named("Pattern").get(), 7);
+    EXPECT_THAT(traces_of("load_backup"),
+                Contains(EndsWith("netport.conf is refused, errno:27\n")));
+    EXPECT_THAT(traces_of("load_backup"),
+                Contains(EndsWith("panel.conf.bak is used in its place\n")));
+    for (const std::string module : {"netport", "panel"}) {
+        EXPECT_EQ(status_of(module.c_str()).flags,
+                  unsigned{PARA_STATUS_LOAD_FAILED | PARA_STATUS_RESTORED | PARA_STATUS_NOT_SAVED})
             << module;
         EXPECT_TRUE(read_data(module + ".conf") == before) << module;
     }

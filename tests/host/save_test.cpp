@@ -102,7 +102,8 @@ TEST_F(SaveCommand, TellsOfAFileThatCannotBeSetAside)
 {
     write_data("af_cur.json", "broken");
     write_data("af_cur.json.bak", "{'focus_mode':1,'zoom_value':5}");
-    std::filesystem::create_directories(data + "/af_cur.json.bad/full");
+    for (const char *end : {"", ".1", ".2", ".3", ".4", ".5", ".6", ".7", ".8", ".9"})
+        std::filesystem::create_directories(data + "/af_cur.json.bad" + end);
     start_host();
     EXPECT_EQ(save(), all_saved) << "nothing is lost yet";
     EXPECT_EQ(set_zoom(7), lens_taken);

@@ -47,7 +47,8 @@ TEST_P(TraceLevel, HoldsForAStartOnBrokenFiles)
                              "audio_range.json", "misc_range.json", "panel_range.json"})
         write_home(name, "{");
     write_data("persist/odm.json", "{");
-    std::filesystem::create_directories(data + "/persist/odm.json.bad/in the way");
+    for (const char *end : {"", ".1", ".2", ".3", ".4", ".5", ".6", ".7", ".8", ".9"})
+        std::filesystem::create_directories(data + "/persist/odm.json.bad" + end);
     const int taken = socket(AF_INET, SOCK_DGRAM, 0);
     sockaddr_in address = {};
     address.sin_family = AF_INET;
