@@ -221,12 +221,13 @@ static write_result write_in_free_place(const char *path, const char *bytes, siz
 }
 
 // Writes into the torn file, or into a new one in the place of a bad one.
-static bool restore(FILE *torn, const char *path, const char *backup, file_form form)
+static bool restore(bool torn, const held_file &held, const char *path, const char *backup,
+                    file_form form)
 {
     // JSON files end with a zero byte.
     const size_t length = strlen(backup) + (form != file_form::conf ? 1 : 0);
-    const int error = torn != nullptr ? error_of(replace_contents(torn, backup, length) == 0)
-                                      : write_in_free_place(path, backup, length).error;
+    const int error = torn ? error_of(replace_contents(held.stream(), backup, length) == 0)
+                           : write_in_free_place(path, backup, length).error;
     if (error != 0)
         PARA_TRACE(PARA_ERROR, "%s cannot be restored, errno:%d", path, error);
     else
@@ -277,11 +278,11 @@ recovered_file recover_file(const char *path, file_form form, save_state &state)
     }
 
     add_flags(state, PARA_STATUS_RESTORED);
-    FILE *const torn_file = torn ? held.stream() : nullptr;
-    const bool restored = replaceable && restore(torn_file, path, backup.text.get(), form);
-    note_torn(state, torn && !restored);
-    if (restored)
+    note_torn(state, torn);
+    if (replaceable && restore(torn, held, path, backup.text.get(), form)) {
+        note_torn(state, false);
         backup.path = current.path;
+    }
     return backup;
 }
 
