@@ -9,9 +9,9 @@
 #include "camparam/misc.h"
 #include "camparam/odm.h"
 #include "camparam/video.h"
-#include "modules/fixed/status.h"
-#include "modules/odm/status.h"
-#include "modules/text/status.h"
+#include "modules/fixed/rows.h"
+#include "modules/odm/rows.h"
+#include "modules/text/rows.h"
 #include "runtime/module_table.h"
 
 struct status_source {

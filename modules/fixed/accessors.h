@@ -3,7 +3,7 @@
 
 #include "camparam/control.h"
 #include "modules/fixed/fixed_module.h"
-#include "modules/fixed/status.h"
+#include "modules/fixed/rows.h"
 
 // The tables of values.
 #define DEFINE_TABLES(module, slots)                                                               \

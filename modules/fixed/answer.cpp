@@ -1,7 +1,7 @@
 // Answering queries about a module with fixed members.
 #include <cstring>
 
-#include "base/memory.h"
+#include "base/answer_tree.h"
 #include "base/query.h"
 #include "base/text.h"
 #include "modules/fixed/fixed_module.h"
@@ -42,45 +42,54 @@ int get_member(const fixed_module &module, const int *values, int instance, cons
 }
 
 // A value without a name is written as a number, so that it survives a restart.
-static bool add_member(const fixed_member &member, int value, cJSON *object)
+static void answer_member(const fixed_member &member, int value, answer_sink &sink)
 {
     const char *const text = is_named(member) ? name_of_number(*member.names, value) : nullptr;
-    return text != nullptr ? add_text(object, member.key, text)
-                           : add_number(object, member.key, value);
+    if (text != nullptr)
+        sink.text(member.key, text);
+    else
+        sink.number(member.key, value);
 }
 
-cJSON *answer_all(const fixed_module &module, const int *values, int instance)
+void answer_all(const fixed_module &module, const int *values, int instance, const char *key,
+                answer_sink &sink)
 {
-    json_ptr object(cJSON_CreateObject());
-    bool complete = object != nullptr;
+    sink.open(key);
     const int first = first_slot(module, instance);
     const fixed_member *const members = module.members.first;
     for (const file_slot &row : module.file_order) {
         if (load_word(module.values.exist[first + row.if_present]) == 0)
             continue;
         const fixed_member &member = members[row.slot - members[0].slot];
-        const int value = load_word(values[first + row.slot]);
-        complete = complete && add_member(member, value, object.get());
+        answer_member(member, load_word(values[first + row.slot]), sink);
     }
-    return complete ? object.release() : nullptr;
+    sink.close();
 }
 
-// Adds a member in the form in which it is exchanged. A module without named values has one form,
-// and a value without a name is left out.
-static bool add_listed(const fixed_module &module, int presence, const char *name, int value,
-                       const char *text, cJSON *object)
+cJSON *tree_of_all(const fixed_module &module, const int *values, int instance)
 {
-    if (!module.rules.named_values)
-        return presence == 0 || add_number(object, name, value);
-    if ((presence & PARA_PRESENT_AS_NAME) != 0)
-        return text == nullptr || add_text(object, name, text);
-    return (presence & PARA_PRESENT_AS_NUMBER) == 0 || add_number(object, name, value);
+    answer_tree tree;
+    answer_all(module, values, instance, nullptr, tree);
+    return tree.release().release();
 }
 
-cJSON *answer_listed(const fixed_module &module, const int *values, int instance, const cJSON *item)
+// In the form in which the member is exchanged. A module without named values has one form, and a
+// value without a name is left out.
+static void answer_as_exchanged(const fixed_module &module, int presence, const char *name,
+                                int value, const char *text, answer_sink &sink)
 {
-    json_ptr object(cJSON_CreateObject());
-    bool complete = object != nullptr;
+    const bool as_name = module.rules.named_values && (presence & PARA_PRESENT_AS_NAME) != 0;
+    const int as_number = module.rules.named_values ? PARA_PRESENT_AS_NUMBER : ~0;
+    if (as_name && text != nullptr)
+        sink.text(name, text);
+    else if (!as_name && (presence & as_number) != 0)
+        sink.number(name, value);
+}
+
+void answer_listed(const fixed_module &module, const int *values, int instance, const cJSON *item,
+                   const char *key, answer_sink &sink)
+{
+    sink.open(key);
     const cJSON *element = nullptr;
     cJSON_ArrayForEach(element, item)
     {
@@ -90,18 +99,19 @@ cJSON *answer_listed(const fixed_module &module, const int *values, int instance
         int value = 0;
         const char *text = nullptr;
         const int presence = get_member(module, values, instance, name, &value, &text);
-        complete = complete && add_listed(module, presence, name, value, text, object.get());
+        answer_as_exchanged(module, presence, name, value, text, sink);
     }
-    return complete ? object.release() : nullptr;
+    sink.close();
 }
 
 int answer_query(const fixed_module &module, const int *values, int instance, const cJSON *item,
-                 cJSON **answer, const trace_site &site)
+                 const char *key, answer_sink &sink, const trace_site &site)
 {
-    const bool all = asks_for_all(item);
-    *answer =
-        all ? answer_all(module, values, instance) : answer_listed(module, values, instance, item);
-    if (!all)
-        PARA_TRACE_AT(site, PARA_INFO, "leave");
-    return *answer != nullptr ? 0 : no_memory;
+    if (asks_for_all(item)) {
+        answer_all(module, values, instance, key, sink);
+        return 0;
+    }
+    answer_listed(module, values, instance, item, key, sink);
+    PARA_TRACE_AT(site, PARA_INFO, "leave");
+    return 0;
 }

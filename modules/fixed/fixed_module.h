@@ -7,8 +7,8 @@
 
 #include <cjson/cJSON.h>
 
+#include "base/answer.h"
 #include "base/change.h"
-#include "base/json.h"
 #include "base/trace.h"
 #include "base/word.h"
 #include "camparam/presence.h"
@@ -208,16 +208,20 @@ const fixed_member *find_member_by_prefix(const fixed_module &module, const char
 int get_member(const fixed_module &module, const int *values, int instance, const char *name,
                int *value, const char **text);
 
-// The answers to a query, new objects: every present member, or those among the item's names, with
-// their values in one of the tables. Null when memory ran out: never half an answer.
-cJSON *answer_all(const fixed_module &module, const int *values, int instance);
-cJSON *answer_listed(const fixed_module &module, const int *values, int instance,
-                     const cJSON *item);
+// Answers with an object of an instance's values in one of the tables: every present member, or
+// those among the item's names.
+void answer_all(const fixed_module &module, const int *values, int instance, const char *key,
+                answer_sink &sink);
+void answer_listed(const fixed_module &module, const int *values, int instance, const cJSON *item,
+                   const char *key, answer_sink &sink);
+
+// The first as a new tree; null when memory ran out.
+cJSON *tree_of_all(const fixed_module &module, const int *values, int instance);
 
 // A query's work: answers with all members or with the listed ones. The latter is traced as
-// "leave". Returns 0, or no_memory.
+// "leave". Returns 0.
 int answer_query(const fixed_module &module, const int *values, int instance, const cJSON *item,
-                 cJSON **answer, const trace_site &site);
+                 const char *key, answer_sink &sink, const trace_site &site);
 
 // --- Saving ---
 

@@ -18,7 +18,7 @@
 #include "base/trace.h"
 #include "base/word.h"
 #include "camparam/control.h"
-#include "modules/odm/status.h"
+#include "modules/odm/rows.h"
 
 // Never held while a hook runs: hooks may call the getters and setters.
 static pthread_mutex_t document_mutex = PTHREAD_MUTEX_INITIALIZER;

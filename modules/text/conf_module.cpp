@@ -7,7 +7,7 @@
 #include "base/query.h"
 #include "camparam/conf.h"
 #include "camparam/control.h"
-#include "modules/text/status.h"
+#include "modules/text/rows.h"
 
 static text_module records[64];
 text_registry conf_modules = {.records = records, .capacity = sizeof records / sizeof records[0]};

@@ -6,7 +6,7 @@
 #include "camparam/control.h"
 #include "camparam/json_util.h"
 #include "modules/text/pattern_module.h"
-#include "modules/text/status.h"
+#include "modules/text/rows.h"
 
 static text_module records[16];
 text_registry patterns = {.records = records, .capacity = sizeof records / sizeof records[0]};
