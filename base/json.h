@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <memory>
 
+#include "base/text.h"
+
 struct json_delete {
     void operator()(cJSON *node) const { cJSON_Delete(node); }
 };
@@ -21,6 +23,21 @@ struct text_delete {
     void operator()(char *text) const { free(text); }
 };
 using text_ptr = std::unique_ptr<char, text_delete>;
+
+// --- Reading trees ---
+
+// cJSON_GetObjectItem() for a key in small letters. Also the first member whose key is the same but
+// for the case of its letters; without a call for each letter of the members before it.
+inline const cJSON *find_item(const cJSON *object, const char *key)
+{
+    const cJSON *member = nullptr;
+    cJSON_ArrayForEach(member, object)
+    {
+        if (member->string != nullptr && is_same_but_for_case(member->string, key))
+            return member;
+    }
+    return nullptr;
+}
 
 // --- Building trees ---
 

@@ -12,6 +12,7 @@ struct trace_site {
     int line;
 };
 #define PARA_HERE (trace_site{__func__, __LINE__})
+#define PARA_IN(function) (trace_site{#function, __LINE__})
 
 // Emits a message, with prefix and line break, when the trace level admits it. The format is a
 // literal; ## drops the comma before an empty argument list.

@@ -8,7 +8,7 @@
 #include "fuzz/support/endpoint.h"
 #include "fuzz/support/json.h"
 #include "fuzz/support/target.h"
-#include "server/socket.h"
+#include "server/reply.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ void check_tree(const cJSON *tree)
     para_message message = {};
     message.socket = client->server();
     message.sender = client->address();
-    reply_tree(message, tree);
+    send_tree(message, tree);
     const std::string expected = print_json(tree);
     const std::optional<std::string> reply = client->receive();
     const bool fits = !expected.empty() && expected.size() <= largest_datagram;

@@ -3,6 +3,7 @@
 #include "base/trace.h"
 #include "camparam/command.h"
 #include "camparam/control.h"
+#include "runtime/direct_answers.h"
 #include "runtime/module_table.h"
 #include "runtime/thread.h"
 #include "server/protocol.h"
@@ -62,6 +63,7 @@ int platformparam_init()
     append_modules();
     PARA_TRACE(PARA_INFO, "module_para_handle_num:%d", module_para_handle_num);
 
+    offer_direct_answers();
     init_modules(PARA_HERE);
     init_first_protocol(PARA_HERE);
     return start_thread(para_server_init());

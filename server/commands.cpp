@@ -10,7 +10,7 @@
 #include "base/trace.h"
 #include "camparam/command.h"
 #include "camparam/json_util.h"
-#include "server/socket.h"
+#include "server/reply.h"
 
 struct registration {
     char name[64];
@@ -91,7 +91,7 @@ static const param_command *find_command(const char *text)
 int param_base_json_dispose(para_message *message, cJSON *request, cJSON **reply, int mode)
 {
     PARA_TRACE(PARA_INFO, "enter");
-    const char *const name = json_object_get_string(cJSON_GetObjectItem(request, "msg_name"));
+    const char *const name = json_object_get_string(find_item(request, "msg_name"));
     const param_command *const command = name != nullptr ? find_command(name) : nullptr;
     if (command == nullptr) {
         PARA_TRACE(PARA_INFO, "leave");
@@ -112,10 +112,10 @@ static const char invalid_command[] = "{\"err\":\"Invalid API command\"}";
 int Recive_message_Process_api(para_message *message, cJSON *request, int mode)
 {
     const json_ptr tree(request);
-    const char *const name = json_object_get_string(cJSON_GetObjectItem(request, "msg_name"));
+    const char *const name = json_object_get_string(find_item(request, "msg_name"));
     if (name == nullptr) {
         PARA_TRACE(PARA_ERROR, "msg_name is NULL");
-        reply_text(*message, invalid_command);
+        send_text(*message, invalid_command);
         return -1;
     }
 
@@ -124,10 +124,10 @@ int Recive_message_Process_api(para_message *message, cJSON *request, int mode)
     const json_ptr reply(stored);
     if (result == -1) {
         PARA_TRACE(PARA_ERROR, "not found api command: %s", name);
-        reply_text(*message, invalid_command);
+        send_text(*message, invalid_command);
         return 0;
     }
     if (reply)
-        reply_tree(*message, reply.get());
+        send_tree(*message, reply.get());
     return 0;
 }

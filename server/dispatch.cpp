@@ -24,7 +24,7 @@ int para_server_message_Process(para_message *message)
         return 0;
     }
 
-    const char *const type = json_object_get_string(cJSON_GetObjectItem(request.get(), "msg_type"));
+    const char *const type = json_object_get_string(find_item(request.get(), "msg_type"));
     if (type == nullptr) {
         PARA_TRACE(PARA_ERROR, "get msg_type err");
         return 0;

@@ -2,15 +2,16 @@
 #include <cstring>
 #include <utility>
 
-#include "base/json.h"
+#include "base/answer_tree.h"
 #include "base/memory.h"
 #include "base/text.h"
 #include "base/trace.h"
 #include "camparam/command.h"
 #include "camparam/json_util.h"
 #include "camparam/module.h"
+#include "server/direct_answer.h"
 #include "server/protocol.h"
-#include "server/socket.h"
+#include "server/reply.h"
 
 // The converter for a "msg_from", or null.
 static const para_protocol *find_protocol(const char *msg_from)
@@ -28,33 +29,30 @@ static const para_protocol *find_protocol(const char *msg_from)
 // request needs still ends the search (Requests.FirstPrefixMatchDecides).
 static const para_module *find_module(const char *key)
 {
-    for (int i = 0; key != nullptr && i < module_para_handle_num; i++) {
-        const char *const name = module_para_handle[i].name;
-        if (name != nullptr && begins_with(key, name))
-            return &module_para_handle[i];
+    const para_module *const end = module_para_handle + module_para_handle_num;
+    for (const para_module *row = module_para_handle; key != nullptr && row != end; row++) {
+        if (row->name != nullptr && begins_with(key, row->name))
+            return row;
     }
     return nullptr;
 }
 
-// The complete reply, or null when memory ran out.
-static json_ptr get_members(const cJSON *request)
+// These write the reply, and return whether it is complete: false when memory ran out.
+
+static bool get_members(const cJSON *request, answer_sink &reply)
 {
-    json_ptr reply(cJSON_CreateObject());
+    reply.open(nullptr);
     const cJSON *item = nullptr;
     cJSON_ArrayForEach(item, request)
     {
         const para_module *const module = find_module(item->string);
         if (module == nullptr || module->get_opt == nullptr)
             continue;
-        cJSON *stored = nullptr;
-        const int result = module->get_opt(item->string, item, &stored, module->name);
-        json_ptr answer(stored);
-        if (!answer && result != no_memory)
-            continue;
-        if (!add_to_object(reply.get(), item->string, std::move(answer)))
-            return nullptr;
+        if (!answer_member(*module, item, reply))
+            return false;
     }
-    return reply;
+    reply.close();
+    return reply.complete();
 }
 
 // Returns whether no module was short of memory.
@@ -71,22 +69,32 @@ static bool set_each_member(const cJSON *request)
     return complete;
 }
 
-static bool echo_identifiers(const cJSON *request, cJSON *reply)
+static void echo_identifiers(const cJSON *request, answer_sink &reply)
 {
-    const cJSON *const name = cJSON_GetObjectItem(request, "msg_name");
-    if (cJSON_IsString(name) && !add_text(reply, "msg_name", name->valuestring))
-        return false;
-    const cJSON *const id = cJSON_GetObjectItem(request, "msg_id");
-    return !cJSON_IsNumber(id) || add_number(reply, "msg_id", id->valueint);
+    const cJSON *const name = find_item(request, "msg_name");
+    if (cJSON_IsString(name))
+        reply.text("msg_name", name->valuestring);
+    const cJSON *const id = find_item(request, "msg_id");
+    if (cJSON_IsNumber(id))
+        reply.number("msg_id", id->valueint);
 }
 
-// The same, made before anything is set.
-static json_ptr set_members(const cJSON *request)
+// The reply is complete before anything is set.
+static bool set_members(const cJSON *request, answer_sink &reply)
 {
-    json_ptr reply(cJSON_CreateObject());
-    if (!reply || !echo_identifiers(request, reply.get()))
-        return nullptr;
-    return set_each_member(request) ? std::move(reply) : nullptr;
+    reply.open(nullptr);
+    echo_identifiers(request, reply);
+    reply.close();
+    return reply.complete() && set_each_member(request);
+}
+
+static bool carry_out(const cJSON *request, int mode, answer_sink &reply)
+{
+    const bool complete =
+        mode == PARA_GET ? get_members(request, reply) : set_members(request, reply);
+    if (!complete)
+        PARA_TRACE_AT(PARA_IN(Recive_message_Process_gset), PARA_ERROR, "no memory for the reply");
+    return complete;
 }
 
 // The converted request. On failure sends the converter's error text, if any, and returns null.
@@ -95,7 +103,7 @@ static json_ptr converted(const para_message *message, const para_protocol &prot
     char error[1024] = "";
     json_ptr request(protocol.convert(message->text, error, sizeof error));
     if (!request)
-        reply_text(*message, error);
+        send_text(*message, error);
     return request;
 }
 
@@ -104,28 +112,40 @@ static bool dumps_requests()
     return para_traces(PARA_DUMP) && !para_traces(PARA_DUMP + 1);
 }
 
-static void send_reply(const para_message &message, const para_protocol *protocol, cJSON *reply,
-                       const trace_site &site)
-{
-    if (protocol == nullptr) {
-        reply_tree(message, reply);
-        return;
-    }
+// Both return 0, or -1 when memory ran out and nothing is sent.
 
+static int reply_plainly(const para_message &message, const cJSON *request, int mode)
+{
+    reply_writer reply;
+    if (!carry_out(request, mode, reply.text()))
+        return -1;
+    reply.send_to(message);
+    return 0;
+}
+
+static int reply_converted(const para_message &message, const cJSON *request, int mode,
+                           const para_protocol &protocol)
+{
+    answer_tree answer;
+    if (!carry_out(request, mode, answer))
+        return -1;
+    const json_ptr reply = answer.release();
     if (dumps_requests()) {
-        const printed_ptr text(cJSON_Print(reply));
-        PARA_TRACE_AT(site, PARA_DUMP, "reverse_convert:%s", text ? text.get() : "");
+        const printed_ptr text(cJSON_Print(reply.get()));
+        PARA_TRACE_AT(PARA_IN(Recive_message_Process_gset), PARA_DUMP, "reverse_convert:%s",
+                      text ? text.get() : "");
     }
-    const text_ptr text(protocol->reverse_convert(reply));
+    const text_ptr text(protocol.reverse_convert(reply.get()));
     if (text)
-        reply_text(message, text.get());
+        send_text(message, text.get());
+    return 0;
 }
 
 int Recive_message_Process_gset(para_message *message, cJSON *request, int mode)
 {
     json_ptr tree(request);
     const para_protocol *const protocol =
-        find_protocol(json_object_get_string(cJSON_GetObjectItem(request, "msg_from")));
+        find_protocol(json_object_get_string(find_item(request, "msg_from")));
     if (protocol != nullptr)
         tree = converted(message, *protocol);
     if (!tree) {
@@ -135,11 +155,6 @@ int Recive_message_Process_gset(para_message *message, cJSON *request, int mode)
     if (dumps_requests())
         cJSON_Print_safe(tree.get());
 
-    const json_ptr reply = mode == PARA_GET ? get_members(tree.get()) : set_members(tree.get());
-    if (!reply) {
-        PARA_TRACE(PARA_ERROR, "no memory for the reply");
-        return -1;
-    }
-    send_reply(*message, protocol, reply.get(), PARA_HERE);
-    return 0;
+    return protocol == nullptr ? reply_plainly(*message, tree.get(), mode)
+                               : reply_converted(*message, tree.get(), mode, *protocol);
 }

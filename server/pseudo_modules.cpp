@@ -1,8 +1,9 @@
 // The rows "msg_name" and "msg_id", which echo a request's identifiers into its reply.
-#include "base/memory.h"
+#include "base/answer_tree.h"
 #include "base/text.h"
 #include "base/trace.h"
 #include "camparam/module.h"
+#include "server/direct_answer.h"
 
 // Whether the row name and the member's key agree over the length of the key.
 static bool is_asked_for(const cJSON *item, const char *name)
@@ -10,23 +11,23 @@ static bool is_asked_for(const cJSON *item, const char *name)
     return item->string != nullptr && begins_with(name, item->string);
 }
 
-int para_get_msg_name_opt(const char *, const cJSON *item, cJSON **answer, const char *name)
+int answer_msg_name(const char *key, const cJSON *item, const char *name, answer_sink &sink)
 {
-    PARA_TRACE(PARA_INFO, "inter");
-    if (!is_asked_for(item, name) || item->valuestring == nullptr)
-        return 0;
-    *answer = cJSON_CreateString(item->valuestring);
-    return *answer != nullptr ? 0 : no_memory;
+    PARA_TRACE_AT(PARA_IN(para_get_msg_name_opt), PARA_INFO, "inter");
+    if (is_asked_for(item, name) && item->valuestring != nullptr)
+        sink.text(key, item->valuestring);
+    return 0;
 }
+DEFINE_GET_OPT(msg_name)
 
-int para_get_msg_id_opt(const char *, const cJSON *item, cJSON **answer, const char *name)
+int answer_msg_id(const char *key, const cJSON *item, const char *name, answer_sink &sink)
 {
-    PARA_TRACE(PARA_INFO, "inter");
-    if (!is_asked_for(item, name))
-        return 0;
-    *answer = cJSON_CreateNumber(item->valueint);
-    return *answer != nullptr ? 0 : no_memory;
+    PARA_TRACE_AT(PARA_IN(para_get_msg_id_opt), PARA_INFO, "inter");
+    if (is_asked_for(item, name))
+        sink.number(key, item->valueint);
+    return 0;
 }
+DEFINE_GET_OPT(msg_id)
 
 int para_free_msg_name_opt(void *)
 {

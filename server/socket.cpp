@@ -149,15 +149,3 @@ int SendBuf2Client(int socket, struct sockaddr_in client, const char *text, int 
         tell_reply_observer(client, length);
     return 0;
 }
-
-void reply_text(const para_message &message, const char *text)
-{
-    SendBuf2Client(message.socket, message.sender, text, static_cast<int>(strlen(text)));
-}
-
-void reply_tree(const para_message &message, const cJSON *tree)
-{
-    const printed_ptr text(cJSON_Print(tree));
-    if (text)
-        reply_text(message, text.get());
-}

@@ -1,10 +1,9 @@
-// Receiving requests and sending replies.
+// The server's socket.
 #pragma once
 
 #include <sys/socket.h>
 #include <sys/types.h>
 
-#include "base/json.h"
 #include "camparam/command.h"
 
 struct reception {
@@ -20,8 +19,3 @@ int open_loopback_socket(int server);
 
 // Receives one datagram without waiting, and ends its text.
 reception receive_datagram(int socket, para_message &message, socklen_t &sender_size);
-
-void reply_text(const para_message &message, const char *text);
-
-// Sends the text that cJSON_Print makes of the tree.
-void reply_tree(const para_message &message, const cJSON *tree);

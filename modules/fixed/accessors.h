@@ -1,6 +1,7 @@
 // Definitions that modules with fixed members share. Each function is one call.
 #pragma once
 
+#include "base/answer_tree.h"
 #include "camparam/control.h"
 #include "modules/fixed/fixed_module.h"
 #include "modules/fixed/rows.h"

@@ -49,13 +49,15 @@ static bool is_addressed(const cJSON *item)
     return item->string == nullptr || begins_with("af", item->string);
 }
 
-int para_get_af_opt(const char *, const cJSON *item, cJSON **answer, const char *)
+int answer_af(const char *key, const cJSON *item, const char *, answer_sink &sink)
 {
-    PARA_TRACE(PARA_INFO, "inter");
+    const trace_site site = PARA_IN(para_get_af_opt);
+    PARA_TRACE_AT(site, PARA_INFO, "inter");
     if (is_addressed(item))
-        return answer_query(af, para_af_cur, 0, item, answer, PARA_HERE);
-    PARA_TRACE(PARA_INFO, "leave");
+        return answer_query(af, para_af_cur, 0, item, key, sink, site);
+    PARA_TRACE_AT(site, PARA_INFO, "leave");
     return 0;
 }
+DEFINE_GET_OPT(af)
 
 DEFINE_ROW(af)

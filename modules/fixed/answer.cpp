@@ -1,6 +1,4 @@
 // Answering queries about a module with fixed members.
-#include <cstring>
-
 #include "base/answer_tree.h"
 #include "base/query.h"
 #include "base/text.h"
@@ -9,7 +7,7 @@
 const fixed_member *find_member(const fixed_module &module, const char *name)
 {
     for (const fixed_member &member : module.members) {
-        if (strcmp(member.key, name) == 0)
+        if (is_same(member.key, name))
             return &member;
     }
     return nullptr;

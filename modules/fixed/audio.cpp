@@ -70,11 +70,13 @@ int para_set_audio_member_json(const char *name, int value, const char *text)
     return set_member(audio, name, value, text);
 }
 
-int para_get_audio_opt(const char *, const cJSON *item, cJSON **answer, const char *)
+int answer_audio(const char *key, const cJSON *item, const char *, answer_sink &sink)
 {
-    PARA_TRACE(PARA_INFO, "inter");
-    return answer_query(audio, para_audio_cur, 0, item, answer, PARA_HERE);
+    const trace_site site = PARA_IN(para_get_audio_opt);
+    PARA_TRACE_AT(site, PARA_INFO, "inter");
+    return answer_query(audio, para_audio_cur, 0, item, key, sink, site);
 }
+DEFINE_GET_OPT(audio)
 
 int para_set_audio_opt(const char *, const cJSON *item, const char *)
 {

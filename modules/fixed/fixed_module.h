@@ -27,7 +27,7 @@ struct value_tables {
 
 // For modules whose members exist once for each instance; files hold an object for each instance.
 struct module_instances {
-    int capacity;
+    int capacity; // at most 10: the keys tell them by one digit
     int *count; // in use; fixed after start-up
     int stride; // slots from one instance to the next
     int (*count_in)(const cJSON *range_root);

@@ -1,9 +1,10 @@
 // Requests to the ISP module.
-#include <cstdio>
 #include <cstring>
 
+#include "base/answer_tree.h"
 #include "base/text.h"
 #include "modules/fixed/isp.h"
+#include "modules/fixed/rows.h"
 
 static int get_isp_member(const int *values, const char *name, int instance, int *value)
 {
@@ -24,7 +25,7 @@ cJSON *isp_param_to_json(int instance, int use_defaults)
 {
     if (!is_isp_instance(instance))
         return cJSON_CreateObject();
-    return answer_all(isp, use_defaults != 0 ? isp.values.def : isp.values.cur, instance);
+    return tree_of_all(isp, use_defaults != 0 ? isp.values.def : isp.values.cur, instance);
 }
 
 // In slot order, so that "rgain_tuning" is taken by "rgain"
@@ -52,24 +53,28 @@ static isp_query query_of(const char *key)
                        {.suffix = "_def", .values = isp.values.def},
                        {.suffix = "_cur_all", .values = isp.values.cur}};
     for (int instance = 0; instance < isp_num; instance++) {
+        const instance_key name(isp, instance);
+        if (!begins_with(key, name.text))
+            continue;
+        const char *const suffix = key + strlen(name.text);
         for (const auto &form : forms) {
-            char name[32];
-            snprintf(name, sizeof name, "isp%d%s", instance, form.suffix);
-            if (strcmp(key, name) == 0)
+            if (is_same(suffix, form.suffix))
                 return {.instance = instance, .values = form.values};
         }
     }
     return {.instance = 0, .values = nullptr};
 }
 
-int para_get_isp_opt(const char *key, const cJSON *item, cJSON **answer, const char *)
+int answer_isp(const char *key, const cJSON *item, const char *, answer_sink &sink)
 {
-    PARA_TRACE(PARA_DUMP, "inter %s", key);
+    const trace_site site = PARA_IN(para_get_isp_opt);
+    PARA_TRACE_AT(site, PARA_DUMP, "inter %s", key);
     const isp_query query = query_of(key);
     if (query.values == nullptr)
         return 0;
-    return answer_query(isp, query.values, query.instance, item, answer, PARA_HERE);
+    return answer_query(isp, query.values, query.instance, item, key, sink, site);
 }
+DEFINE_GET_OPT(isp)
 
 constexpr int settable_keys = 6; // "isp0" to "isp5", of which two have a record
 
@@ -77,7 +82,7 @@ constexpr int settable_keys = 6; // "isp0" to "isp5", of which two have a record
 static int instance_to_set(const cJSON *item)
 {
     for (int instance = 0; item->string != nullptr && instance < settable_keys; instance++) {
-        if (strcmp(item->string, instance_key(isp, instance).text) == 0)
+        if (is_same(item->string, instance_key(isp, instance).text))
             return instance;
     }
     return -1;

@@ -1,6 +1,7 @@
 #include "modules/fixed/module_file.h"
 
 #include <cstdio>
+#include <cstring>
 
 #include "camparam/control.h"
 
@@ -33,5 +34,8 @@ row_name::row_name(const fixed_module &module, int slot)
 
 instance_key::instance_key(const fixed_module &module, int instance)
 {
-    snprintf(text, sizeof text, "%s%d", module.name, instance);
+    const size_t length = strlen(module.name);
+    memcpy(text, module.name, length);
+    text[length] = static_cast<char>('0' + instance);
+    text[length + 1] = '\0';
 }

@@ -1,7 +1,6 @@
 // Saving the current values of a module with fixed members.
-#include <utility>
-
 #include "base/file.h"
+#include "base/json_writer.h"
 #include "modules/fixed/fixed_module.h"
 #include "modules/fixed/module_file.h"
 
@@ -19,19 +18,18 @@ int save_after(const fixed_module &module, int delay_ms)
     return 0;
 }
 
-static json_ptr current_document(const fixed_module &module)
+static void write_current_values(const fixed_module &module, json_writer &text)
 {
-    if (module.instances == nullptr)
-        return json_ptr(answer_all(module, module.values.cur, 0));
-
-    json_ptr root(cJSON_CreateObject());
+    if (module.instances == nullptr) {
+        answer_all(module, module.values.cur, 0, nullptr, text);
+        return;
+    }
+    text.open(nullptr);
     for (int instance = 0; instance < instance_count(module); instance++) {
         const instance_key key(module, instance);
-        json_ptr values(answer_all(module, module.values.cur, instance));
-        if (!add_to_object(root.get(), key.text, std::move(values)))
-            return nullptr;
+        answer_all(module, module.values.cur, instance, key.text, text);
     }
-    return root;
+    text.close();
 }
 
 int save_module(const fixed_module &module)
@@ -39,9 +37,10 @@ int save_module(const fixed_module &module)
     if (!may_be_saved(*module.stamp.saves))
         return refuse_save(module.name);
     const unsigned changes = counted_changes(module.stamp);
-    const printed_ptr text(cJSON_Print(current_document(module).get()));
+    json_writer text;
+    write_current_values(module, text);
     const write_result written =
-        write_text_file(current_file(module).text, text.get(), *module.stamp.saves);
+        write_text_file(current_file(module).text, text.written(), *module.stamp.saves);
     // After formatting, and also when nothing was written (VideoSave.AFailedSaveIsNotRetried).
     clear_change(module.stamp);
     return end_save(module.stamp, changes, written);

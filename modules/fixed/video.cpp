@@ -1,7 +1,6 @@
 // The encoded streams: every member exists once for each.
 #include "camparam/video.h"
 
-#include "base/memory.h"
 #include "base/query.h"
 #include "base/text.h"
 #include "camparam/platform.h"
@@ -185,7 +184,7 @@ cJSON *Create_Json_Video_Object(int stream)
 {
     if (!is_stream(stream))
         return cJSON_CreateObject();
-    return answer_all(video, para_video_cur, stream);
+    return tree_of_all(video, para_video_cur, stream);
 }
 
 // The presence is the slot's for every stream that the tables hold; a value is that of a stream in
@@ -223,19 +222,19 @@ static int stream_of_key(const cJSON *item, int limit)
 }
 
 // Traced at level 7; other modules trace queries at level 6.
-int para_get_video_opt(const char *, const cJSON *item, cJSON **answer, const char *)
+int answer_video(const char *key, const cJSON *item, const char *, answer_sink &sink)
 {
-    PARA_TRACE(PARA_DUMP, "inter");
-    int result = 0;
+    const trace_site site = PARA_IN(para_get_video_opt);
+    PARA_TRACE_AT(site, PARA_DUMP, "inter");
     const int stream = stream_of_key(item, g_num_stream);
-    if (stream >= 0) {
-        *answer = asks_for_all(item) ? Create_Json_Video_Object(stream)
-                                     : answer_listed(video, para_video_cur, stream, item);
-        result = *answer != nullptr ? 0 : no_memory;
-    }
-    PARA_TRACE(PARA_DUMP, "leave");
-    return result;
+    if (stream >= 0 && asks_for_all(item))
+        answer_all(video, para_video_cur, stream, key, sink);
+    else if (stream >= 0)
+        answer_listed(video, para_video_cur, stream, item, key, sink);
+    PARA_TRACE_AT(site, PARA_DUMP, "leave");
+    return 0;
 }
+DEFINE_GET_OPT(video)
 
 // Calls no hook (VideoSetRequest.NeverCallsTheRequestHook).
 int para_set_video_opt(const char *, const cJSON *item, const char *)

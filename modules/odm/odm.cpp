@@ -13,6 +13,7 @@
 #include "base/change.h"
 #include "base/file.h"
 #include "base/guard.h"
+#include "base/json_writer.h"
 #include "base/lock.h"
 #include "base/observer.h"
 #include "base/trace.h"
@@ -229,12 +230,12 @@ int para_need_save_odm(const char *)
     return change_due(stamp, default_save_delay_ms) ? 1 : 0;
 }
 
-// Returns whether there is a document; the text stays null when memory ran out.
-static bool print_document(printed_ptr &text)
+// Returns whether there is a document.
+static bool print_document(json_writer &text)
 {
     const lock_guard guard(document_mutex);
     if (json_odm_file != nullptr)
-        text.reset(cJSON_Print(json_odm_file));
+        text.document(json_odm_file);
     return json_odm_file != nullptr;
 }
 
@@ -245,10 +246,10 @@ int para_save_odm(const char *)
     make_persist_dir_if_missing();
     const unsigned changes = counted_changes(stamp);
     clear_change(stamp); // before the document is read: a change from now on is saved again
-    printed_ptr text;
+    json_writer text;
     if (!print_document(text))
         return 0;
-    return end_save(stamp, changes, write_text_file(store_path().text, text.get(), saves));
+    return end_save(stamp, changes, write_text_file(store_path().text, text.written(), saves));
 }
 
 para_module_status odm_status(const char *)

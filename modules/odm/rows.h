@@ -1,4 +1,4 @@
-// What is known of the ODM store.
+// What the row of the ODM store does besides its exported functions.
 #pragma once
 
 #include "camparam/guard.h"

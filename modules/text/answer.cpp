@@ -1,5 +1,4 @@
 // Answering queries about modules whose values are texts.
-#include "base/json.h"
 #include "base/memory.h"
 #include "base/number.h"
 #include "modules/text/pattern_module.h"
@@ -11,41 +10,40 @@ static int kind_in(const text_module &module, answer_form form, const char *memb
     return form == answer_form::by_range ? kind_of(module, member) : PARA_KIND_ENUM;
 }
 
-static bool add_value(cJSON *answer, int kind, const char *member, const char *text)
+static void answer_value(answer_sink &sink, int kind, const char *member, const char *text)
 {
-    return kind == PARA_KIND_ENUM ? add_text(answer, member, text)
-                                  : add_number(answer, member, leading_number(text));
+    if (kind == PARA_KIND_ENUM)
+        sink.text(member, text);
+    else
+        sink.number(member, leading_number(text));
 }
 
 struct answer_state {
     const text_module *module;
     answer_form form;
-    cJSON *answer;
-    bool complete;
+    answer_sink *sink;
 };
 
-static int add_entry(void *argument, const char *member, const char *text)
+static int answer_entry(void *argument, const char *member, const char *text)
 {
-    auto &state = *static_cast<answer_state *>(argument);
-    const int kind = kind_in(*state.module, state.form, member);
-    state.complete = state.complete && add_value(state.answer, kind, member, text);
+    const auto &state = *static_cast<answer_state *>(argument);
+    answer_value(*state.sink, kind_in(*state.module, state.form, member), member, text);
     return 0;
 }
 
-int add_all(const text_module &module, configure *values, answer_form form, cJSON *answer)
+int answer_all(const text_module &module, configure *values, answer_form form, answer_sink &sink)
 {
     if (values == nullptr)
         return -1;
-    answer_state state = {.module = &module, .form = form, .answer = answer, .complete = true};
+    answer_state state = {.module = &module, .form = form, .sink = &sink};
     const memory_watch memory; // a host's object may need some to loop
-    const int result = values->conf_loop(values, add_entry, &state);
-    return state.complete && !memory.ran_out() ? result : no_memory;
+    const int result = values->conf_loop(values, answer_entry, &state);
+    return sink.complete() && !memory.ran_out() ? result : no_memory;
 }
 
-bool add_listed(const text_module &module, configure *values, answer_form form, const cJSON *item,
-                cJSON *answer)
+void answer_listed(const text_module &module, configure *values, answer_form form,
+                   const cJSON *item, answer_sink &sink)
 {
-    bool complete = true;
     const cJSON *element = nullptr;
     cJSON_ArrayForEach(element, item)
     {
@@ -55,7 +53,6 @@ bool add_listed(const text_module &module, configure *values, answer_form form, 
         const int kind = kind_in(module, form, member);
         char text[value_size];
         if (read_value(values, member, text) && kind != 0)
-            complete = complete && add_value(answer, kind, member, text);
+            answer_value(sink, kind, member, text);
     }
-    return complete;
 }

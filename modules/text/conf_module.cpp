@@ -1,6 +1,7 @@
 // Modules whose settings are kept in ".conf" files of other programs.
 #include "modules/text/conf_module.h"
 
+#include "base/answer_tree.h"
 #include "base/guard.h"
 #include "base/lock.h"
 #include "base/memory.h"
@@ -147,36 +148,41 @@ int para_set_conf_opt(const char *, const cJSON *item, const char *name)
     return result;
 }
 
-// These two return whether the answer is complete. A module without values has none to add.
-static bool add_all_values(const char *name, bool defaults, cJSON *answer)
+// Returns 0, or no_memory. A module without values answers with none.
+static int answer_all_values(const char *name, bool defaults, answer_sink &sink)
 {
     const loaded_conf module(name);
-    return !module || add_all(*module, defaults ? module->def : module->cur, answer_form::texts,
-                              answer) != no_memory;
+    if (!module)
+        return 0;
+    configure *const values = defaults ? module->def : module->cur;
+    const int result = answer_all(*module, values, answer_form::texts, sink);
+    return result == no_memory ? no_memory : 0;
 }
 
 // Current values, also when the key asks for defaults (ConfQuery.OnlyAllGivesDefaults).
-static bool add_listed_values(const char *name, const cJSON *item, cJSON *answer)
+static void answer_listed_values(const char *name, const cJSON *item, answer_sink &sink)
 {
     const loaded_conf module(name);
-    return !module || add_listed(*module, module->cur, answer_form::texts, item, answer);
+    if (module)
+        answer_listed(*module, module->cur, answer_form::texts, item, sink);
 }
 
-int para_get_conf_opt(const char *, const cJSON *item, cJSON **answer, const char *name)
+int answer_conf(const char *key, const cJSON *item, const char *name, answer_sink &sink)
 {
-    PARA_TRACE(PARA_DUMP, "inter");
-    const bool all = asks_for_all(item);
-    json_ptr object(cJSON_CreateObject());
-    const bool complete =
-        object != nullptr && (all ? add_all_values(name, asks_for_defaults(item), object.get())
-                                  : add_listed_values(name, item, object.get()));
-    if (!all)
-        PARA_TRACE(PARA_DUMP, "leave");
-    if (!complete)
-        return no_memory;
-    *answer = object.release();
-    return 0;
+    const trace_site site = PARA_IN(para_get_conf_opt);
+    PARA_TRACE_AT(site, PARA_DUMP, "inter");
+    int result = 0;
+    sink.open(key);
+    if (asks_for_all(item)) {
+        result = answer_all_values(name, asks_for_defaults(item), sink);
+    } else {
+        answer_listed_values(name, item, sink);
+        PARA_TRACE_AT(site, PARA_DUMP, "leave");
+    }
+    sink.close();
+    return result;
 }
+DEFINE_GET_OPT(conf)
 
 // --- Saving ---
 

@@ -4,6 +4,7 @@
 
 #include "base/backup.h"
 #include "base/file.h"
+#include "base/json_writer.h"
 #include "base/memory.h"
 #include "camparam/control.h"
 #include "camparam/json_util.h"
@@ -128,12 +129,15 @@ bool load_misc(text_module &module, const char *name, const trace_site &)
 
 static write_result save_legacy_set(const char *name)
 {
-    json_ptr root(cJSON_CreateObject());
-    if (Create_Json_Misc_Object(name, root.get(), 0) == no_memory)
-        root.reset(); // and so no text
-    const printed_ptr text(cJSON_Print(root.get()));
+    json_writer text;
+    text.open(nullptr);
+    const text_module *const module = find_module(patterns, name);
+    const bool complete =
+        module == nullptr ||
+        answer_all(*module, module->cur, answer_form::by_range, text) != no_memory;
+    text.close();
     const file_path path(para_profile.data_dir, "misc_cur.json");
-    return write_text_file(path.text, text.get(), state_of_misc());
+    return write_text_file(path.text, complete ? text.written() : nullptr, state_of_misc());
 }
 
 static write_result save_files(const char *name, configure *cur)

@@ -1,6 +1,7 @@
 // Modules whose members come from a range file.
 #include <cstring>
 
+#include "base/answer_tree.h"
 #include "base/memory.h"
 #include "base/query.h"
 #include "camparam/control.h"
@@ -132,28 +133,28 @@ int para_set_misc_opt(const char *, const cJSON *item, const char *name)
     return result;
 }
 
-int para_get_misc_opt(const char *key, const cJSON *item, cJSON **answer, const char *name)
+int answer_misc(const char *key, const cJSON *item, const char *name, answer_sink &sink)
 {
+    const trace_site site = PARA_IN(para_get_misc_opt);
     const bool defaults = asks_for_defaults(item);
-    PARA_TRACE(PARA_DUMP, "inter %s def:%d", key, defaults ? 1 : 0);
+    PARA_TRACE_AT(site, PARA_DUMP, "inter %s def:%d", key, defaults ? 1 : 0);
     const text_module *const module = find_module(patterns, name);
     if (module == nullptr)
         return -1;
 
     configure *const values = defaults ? module->def : module->cur;
-    const bool all = asks_for_all(item);
-    json_ptr object(cJSON_CreateObject());
-    const bool complete =
-        object != nullptr &&
-        (all ? add_all(*module, values, answer_form::by_range, object.get()) != no_memory
-             : add_listed(*module, values, answer_form::by_range, item, object.get()));
-    if (!all)
-        PARA_TRACE(PARA_DUMP, "leave");
-    if (!complete)
-        return no_memory;
-    *answer = object.release();
+    sink.open(key);
+    if (asks_for_all(item)) {
+        if (answer_all(*module, values, answer_form::by_range, sink) == no_memory)
+            return no_memory;
+    } else {
+        answer_listed(*module, values, answer_form::by_range, item, sink);
+        PARA_TRACE_AT(site, PARA_DUMP, "leave");
+    }
+    sink.close();
     return 0;
 }
+DEFINE_GET_OPT(misc)
 
 // --- Saving ---
 

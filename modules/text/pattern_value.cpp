@@ -1,6 +1,7 @@
 // The values of pattern modules.
 #include <cstring>
 
+#include "base/answer_tree.h"
 #include "base/number.h"
 #include "base/observer.h"
 #include "camparam/control.h"
@@ -93,7 +94,8 @@ int Create_Json_Misc_Object(const char *module, cJSON *object, int defaults)
     const text_module *const found = find_module(patterns, module);
     if (found == nullptr)
         return -1;
-    return add_all(*found, defaults != 0 ? found->def : found->cur, answer_form::by_range, object);
+    answer_tree tree(object);
+    return answer_all(*found, defaults != 0 ? found->def : found->cur, answer_form::by_range, tree);
 }
 
 int para_save_misc_conf_2_buf(const char *module, char *buffer, int size)

@@ -9,6 +9,7 @@
 
 #include <ctime>
 
+#include "base/answer.h"
 #include "base/change.h"
 #include "base/file.h"
 #include "base/trace.h"
@@ -101,11 +102,10 @@ int write_conf_to_buffer(const char *module, configure *conf, char *buffer, int 
 // The form of answers: all values as texts, or as texts and numbers by the range file.
 enum class answer_form { texts, by_range };
 
-// Adds every entry of a configure object. Returns what its loop returned; -1 when there is no
-// object; no_memory when the answer is not complete.
-int add_all(const text_module &module, configure *values, answer_form form, cJSON *answer);
+// Answers with every entry of a configure object. Returns what its loop returned; -1 when there is
+// no object; no_memory when the answer is not complete.
+int answer_all(const text_module &module, configure *values, answer_form form, answer_sink &sink);
 
-// Adds the listed members that the object has; by_range leaves out members without a range. False
-// when memory ran out, and the answer is not complete.
-bool add_listed(const text_module &module, configure *values, answer_form form, const cJSON *item,
-                cJSON *answer);
+// Answers with the listed members that the object has; by_range leaves out members without a range.
+void answer_listed(const text_module &module, configure *values, answer_form form,
+                   const cJSON *item, answer_sink &sink);

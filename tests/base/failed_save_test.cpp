@@ -14,6 +14,7 @@
 
 #include "camparam/camparam.h"
 #include "support/every_kind.h"
+#include "support/reallocation.h"
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -377,20 +378,19 @@ TEST_F(GuardedSave, ARequestAddsNoKeys)
     EXPECT_STREQ(para_conf_get_member("netport", "new"), "2");
 }
 
-// Called by cJSON while it prints the file: a change that comes in just then.
-static void *change_zoom_and_allocate(size_t size)
+// While the text of the file is made.
+static bool change_zoom()
 {
     para_set_af_zoom_value_cur(11);
-    return malloc(size);
+    return true;
 }
 
 TEST_F(GuardedSave, AChangeWhileTheValuesAreReadIsSavedAgain)
 {
     change_af(9);
-    cJSON_Hooks hooks = {change_zoom_and_allocate, free};
-    cJSON_InitHooks(&hooks);
+    on_reallocation(change_zoom);
     EXPECT_EQ(para_save_af("af"), 0);
-    cJSON_InitHooks(nullptr);
+    on_reallocation(nullptr);
     ASSERT_EQ(para_get_af_zoom_value_cur(), 11);
     move_clock(2000);
     EXPECT_TRUE(af_is_due());
@@ -399,20 +399,14 @@ TEST_F(GuardedSave, AChangeWhileTheValuesAreReadIsSavedAgain)
     EXPECT_THAT(read_data("af_cur.json").value_or(""), HasSubstr("11"));
 }
 
-static void *allocate_nothing(size_t)
-{
-    return nullptr;
-}
-
 TEST_F(GuardedSave, ATextThatMemoryDoesNotSufficeForIsAFailure)
 {
     change_af(9);
     ASSERT_EQ(para_save_af("af"), 0);
     para_set_af_zoom_value_cur(10);
-    cJSON_Hooks hooks = {allocate_nothing, free};
-    cJSON_InitHooks(&hooks);
+    on_reallocation([] { return false; });
     EXPECT_EQ(para_save_af("af"), EOF);
-    cJSON_InitHooks(nullptr);
+    on_reallocation(nullptr);
     EXPECT_THAT(traces_of("write_guarded"),
                 ElementsAre(EndsWith("af_cur.json is not written, errno:12\n")));
     EXPECT_THAT(read_data("af_cur.json").value_or(""), HasSubstr("9"));

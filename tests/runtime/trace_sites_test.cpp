@@ -23,7 +23,8 @@ struct line_range {
 };
 
 // Where the sources define a function. One that a macro defines stands where the macro is used:
-// af_page in DEFINE_ROW(af), para_init_af in DEFINE_START(af).
+// af_page in DEFINE_ROW(af), para_init_af in DEFINE_START(af). PARA_IN() names the function whose
+// work the code does.
 class source_index {
 public:
     source_index()
@@ -49,6 +50,7 @@ private:
     void read(const std::filesystem::path &path)
     {
         static const std::regex definition(R"(^[a-z].*?([A-Za-z0-9_]+)\(.*$)");
+        static const std::regex in_name_of(R"(PARA_IN\(([A-Za-z0-9_]+)\))");
         static const std::regex row(R"(^DEFINE_(ROW|START)\(([a-z]+)\)$)");
         std::ifstream file(path);
         std::string text, name;
@@ -61,6 +63,8 @@ private:
                 const std::string module = parts[2];
                 functions.insert({parts[1] == "ROW" ? module + "_page" : "para_init_" + module,
                                   {number, number}});
+            } else if (std::regex_search(text, parts, in_name_of)) {
+                functions.insert({parts[1], {number, number}});
             } else if (std::regex_match(text, parts, definition)) {
                 name = parts[1];
                 first = number;

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "modules/fixed/af_fixture.h"
+#include "support/reallocation.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -117,21 +118,20 @@ TEST_F(SavedFile, OfAModuleWithoutMembersIsTheEmptyObject)
     EXPECT_EQ(read_data("af_cur.json"), std::string("{\n}\0", 4));
 }
 
-// Called by cJSON while it prints the file: a change that comes in just then.
-static void *change_and_allocate(size_t size)
+// While the text of the file is made.
+static bool change_zoom()
 {
     para_set_af_zoom_value_cur(4321);
-    return malloc(size);
+    return true;
 }
 
 TEST_F(SavedFile, AChangeDuringTheSaveMayMissIt)
 {
     init();
     para_set_af_focus_mode_cur(2);
-    cJSON_Hooks hooks = {change_and_allocate, free};
-    cJSON_InitHooks(&hooks);
+    on_reallocation(change_zoom);
     para_save_af("af");
-    cJSON_InitHooks(nullptr);
+    on_reallocation(nullptr);
     EXPECT_EQ(para_get_af_zoom_value_cur(), 4321);
     EXPECT_FALSE(change_pending()) << "the mark is cleared when all is written";
     para_set_af_focus_mode_cur(1);

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "modules/fixed/audio_fixture.h"
+#include "support/reallocation.h"
 
 using testing::HasSubstr;
 
@@ -150,12 +151,12 @@ TEST_F(AudioSave, HostDrivenSaveGoesByTheModulesDelay)
     EXPECT_FALSE(due());
 }
 
-// Called by cJSON while it prints the file.
-static int mark_during_print = -1;
-static void *note_mark_and_allocate(size_t size)
+// While the text of the file is made.
+static int mark_during_save = -1;
+static bool note_mark()
 {
-    mark_during_print = audio_item_changed;
-    return malloc(size);
+    mark_during_save = audio_item_changed;
+    return true;
 }
 
 // Else the store's thread might find the module due, and write the same file meanwhile.
@@ -164,11 +165,10 @@ TEST_F(AudioSave, HostDrivenSaveClearsTheMarkBeforeItWrites)
     init();
     para_set_audio_save_param_time(0);
     para_set_audio_mute_cur(1);
-    cJSON_Hooks hooks = {note_mark_and_allocate, free};
-    cJSON_InitHooks(&hooks);
+    on_reallocation(note_mark);
     save_cur_audio_param_delay(0);
-    cJSON_InitHooks(nullptr);
-    EXPECT_EQ(mark_during_print, 0);
+    on_reallocation(nullptr);
+    EXPECT_EQ(mark_during_save, 0);
 }
 
 TEST_F(AudioSave, HostDrivenSaveDoesNothingWithoutAChange)

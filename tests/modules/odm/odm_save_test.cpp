@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "modules/odm/odm_fixture.h"
+#include "support/reallocation.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -131,23 +132,22 @@ TEST_F(OdmSave, WhatIsSavedIsLoadedAgain)
     EXPECT_EQ(saved(), bytes);
 }
 
-// The store's printing as cJSON shows it, by the first memory that it asks for.
+// The store's printing, as the first memory that it asks for shows it.
 static std::atomic<bool> watched{false}, printing{false}, print_may_go_on{false};
 
-static void *allocate(size_t size)
+static bool wait_in_print()
 {
     if (watched.exchange(false)) {
         printing = true;
         wait_until([] { return print_may_go_on.load(); });
     }
-    return malloc(size);
+    return true;
 }
 
 static void watch_printing()
 {
-    cJSON_Hooks hooks = {allocate, free};
-    cJSON_InitHooks(&hooks);
     watched = true;
+    on_reallocation(wait_in_print);
 }
 
 TEST_F(OdmSave, AChangeThatIsStampedDuringThePrintStaysMarked)
@@ -166,7 +166,7 @@ TEST_F(OdmSave, AChangeThatIsStampedDuringThePrintStaysMarked)
     watch_printing();
     para_save_odm("odmInter");
     host.join();
-    cJSON_InitHooks(nullptr);
+    on_reallocation(nullptr);
     EXPECT_TRUE(printing);
     EXPECT_TRUE(change_pending());
 }
@@ -186,7 +186,7 @@ TEST_F(OdmSave, AChangeDuringTheWriteStaysMarked)
 
     const std::string written = read_file(path).value_or("none");
     saver.join();
-    cJSON_InitHooks(nullptr);
+    on_reallocation(nullptr);
     EXPECT_THAT(written, testing::HasSubstr("\"mine\":\t5"));
     EXPECT_TRUE(change_pending());
 }
