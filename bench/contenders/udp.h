@@ -1,0 +1,48 @@
+// Servers and clients that exchange datagrams on the loopback interface.
+#pragma once
+
+#include <netinet/in.h>
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <thread>
+
+#include "contenders/contender.h"
+
+class udp_client {
+public:
+    explicit udp_client(int port);
+    ~udp_client();
+    udp_client(const udp_client &) = delete;
+    udp_client &operator=(const udp_client &) = delete;
+
+    void exchange(const std::string &request);
+    const std::string &reply() const { return received; }
+
+private:
+    int descriptor;
+    std::string received;
+};
+
+// A thread that waits as the store does, 100 ms at most, and replies to each datagram what the
+// function makes of it.
+class udp_server {
+public:
+    using reply_function = std::function<void(const char *request, std::string &reply)>;
+    explicit udp_server(reply_function reply);
+    ~udp_server();
+    udp_server(const udp_server &) = delete;
+    udp_server &operator=(const udp_server &) = delete;
+
+    int port() const { return own_port; }
+
+private:
+    void serve();
+
+    reply_function make_reply;
+    int descriptor;
+    int own_port;
+    std::atomic<bool> stopping{false};
+    std::thread thread;
+};
