@@ -26,17 +26,23 @@ using text_ptr = std::unique_ptr<char, text_delete>;
 
 // --- Reading trees ---
 
-// cJSON_GetObjectItem() for a key in small letters. Also the first member whose key is the same but
-// for the case of its letters; without a call for each letter of the members before it.
-inline const cJSON *find_item(const cJSON *object, const char *key)
+// The first member of that key, but for the case of its letters, or null: cJSON_GetObjectItem()
+// without a call for each letter of the members before it.
+inline cJSON *find_item(cJSON *object, const char *key)
 {
-    const cJSON *member = nullptr;
+    cJSON *member = nullptr;
     cJSON_ArrayForEach(member, object)
     {
-        if (member->string != nullptr && is_same_but_for_case(member->string, key))
+        if (key != nullptr && member->string != nullptr &&
+            is_same_but_for_case(member->string, key))
             return member;
     }
     return nullptr;
+}
+
+inline const cJSON *find_item(const cJSON *object, const char *key)
+{
+    return find_item(const_cast<cJSON *>(object), key);
 }
 
 // --- Building trees ---

@@ -16,7 +16,8 @@ static void trace_tree(const trace_site &site, const cJSON *node, const char *ta
         return;
     }
 
-    // At every level, so that a tree that cannot be printed is noticed early.
+    if (!para_traces(PARA_INFO))
+        return;
     const printed_ptr text(cJSON_Print(node));
     const auto type = static_cast<unsigned>(node->type);
     if (!text)

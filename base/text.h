@@ -14,17 +14,21 @@ inline bool begins_with(const char *text, const char *start)
     return true;
 }
 
-// Other letters than those of ASCII are the same in one case only.
-inline bool is_same_but_for_case(const char *text, const char *in_small_letters)
+// In ASCII one bit tells them apart; letters beyond it are the same in one case only.
+inline bool differ_in_case(char letter, char other)
 {
-    for (; *in_small_letters != '\0'; text++, in_small_letters++) {
-        if (*text == *in_small_letters)
-            continue;
-        const bool is_capital = *text >= 'A' && *text <= 'Z';
-        if (!is_capital || *text - 'A' + 'a' != *in_small_letters)
+    constexpr int case_bit = 'a' ^ 'A';
+    const int small = letter | case_bit;
+    return (letter ^ other) == case_bit && small >= 'a' && small <= 'z';
+}
+
+inline bool is_same_but_for_case(const char *text, const char *other)
+{
+    for (; *text != '\0'; text++, other++) {
+        if (*text != *other && !differ_in_case(*text, *other))
             return false;
     }
-    return *text == '\0';
+    return *other == '\0';
 }
 
 inline bool is_same(const char *text, const char *other)

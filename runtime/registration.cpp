@@ -79,14 +79,14 @@ static int append_listed_modules(const module_pattern &pattern, const cJSON *lis
 
 static int append_pattern_modules(const module_pattern &pattern, const trace_site &site)
 {
-    const cJSON *const list = cJSON_GetObjectItem(para_config, pattern.list);
+    const cJSON *const list = find_item(para_config, pattern.list);
     if (list != nullptr)
         return append_listed_modules(pattern, list, site);
 
     const json_ptr built_in(cJSON_Parse(pattern.default_list));
     if (!built_in)
         PARA_TRACE_AT(site, PARA_ERROR, "%s error", pattern.list);
-    return append_listed_modules(pattern, cJSON_GetObjectItem(built_in.get(), pattern.list), site);
+    return append_listed_modules(pattern, find_item(built_in.get(), pattern.list), site);
 }
 
 int register_para_handle_json_pattern()

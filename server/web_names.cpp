@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "base/json.h"
 #include "base/trace.h"
 
 cJSON *para_config = nullptr;
@@ -22,7 +23,7 @@ static void take_text(const cJSON *entry, int place, const char **text)
 const char *get_http_name(const char *module, const char *member, const char **type,
                           const char **modifier)
 {
-    const cJSON *const object = if_object(cJSON_GetObjectItem(para_config, module));
+    const cJSON *const object = if_object(find_item(para_config, module));
     const cJSON *entry = nullptr;
     cJSON_ArrayForEach(entry, object)
     {

@@ -19,7 +19,7 @@ void para_exit_www() {}
 
 static const char *text_of(const cJSON *object, const char *key)
 {
-    return json_object_get_string(cJSON_GetObjectItem(object, key));
+    return json_object_get_string(find_item(object, key));
 }
 
 // A new request with the identifiers that every converted request has; null when memory ran out, as
@@ -54,7 +54,7 @@ static json_ptr members_of(const cJSON *module)
 // The list of a page's modules; null when the file has no such page.
 static const cJSON *page_list(const char *page)
 {
-    const cJSON *const list = page != nullptr ? cJSON_GetObjectItem(para_config, page) : nullptr;
+    const cJSON *const list = page != nullptr ? find_item(para_config, page) : nullptr;
     return cJSON_IsArray(list) ? list : nullptr;
 }
 
@@ -74,7 +74,7 @@ cJSON *get_http2json(const cJSON *web_request)
     cJSON_ArrayForEach(name, list)
     {
         const cJSON *const module =
-            cJSON_IsString(name) ? cJSON_GetObjectItem(para_config, name->valuestring) : nullptr;
+            cJSON_IsString(name) ? find_item(para_config, name->valuestring) : nullptr;
         if (cJSON_IsObject(module) &&
             !add_to_object(request.get(), name->valuestring, members_of(module)))
             return nullptr;
@@ -96,7 +96,7 @@ struct pair_text {
 static bool add_member(cJSON *request, const www_json_name &name, const web_modifier &modifier,
                        const char *value)
 {
-    cJSON *module = cJSON_GetObjectItem(request, name.module);
+    cJSON *module = find_item(request, name.module);
     if (module == nullptr)
         module = cJSON_AddObjectToObject(request, name.module);
     return name.type != nullptr && strcmp(name.type, "S") == 0
@@ -143,7 +143,7 @@ static bool add_pairs(cJSON *request, const char *query)
 
 cJSON *set_http2json(const cJSON *web_request)
 {
-    const cJSON *const data = cJSON_GetObjectItem(web_request, "data");
+    const cJSON *const data = find_item(web_request, "data");
     const char *const name = text_of(web_request, "msg_name");
     if (data == nullptr || name == nullptr)
         return nullptr;

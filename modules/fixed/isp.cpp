@@ -87,15 +87,14 @@ static int read_current(int instance, const isp_record *records, int slot)
     return read(instance, records, slot); // of an absent member too
 }
 
-[[gnu::always_inline]] static inline int change(int instance, int slot, int value)
+[[gnu::noinline]] static int change(int instance, int slot, int value)
 {
     if (!is_isp_instance(instance))
         return 0;
     return set_value(isp, instance * PARA_ISP_SLOTS + slot, value);
 }
 
-[[gnu::always_inline]] static inline int set(int instance, int slot, int value,
-                                             int (*setter)(int, int))
+[[gnu::noinline]] static int set(int instance, int slot, int value, int (*setter)(int, int))
 {
     if (!is_isp_instance(instance))
         return 0;
@@ -140,7 +139,7 @@ static int load_range(const trace_site &site)
     if (!root)
         return -1;
     isp_num = check_isp_num(root.get());
-    read_ranges(isp, 0, cJSON_GetObjectItem(root.get(), "isp0"));
+    read_ranges(isp, 0, find_item(root.get(), "isp0"));
     return 0;
 }
 
@@ -167,8 +166,8 @@ static bool load_current(const trace_site &site)
     const json_ptr root = load_current_file(isp, site);
     if (!root)
         return false;
-    const cJSON *const saved = cJSON_GetObjectItem(root.get(), "isp0");
-    const cJSON *const style = cJSON_GetObjectItem(saved, "style");
+    const cJSON *const saved = find_item(root.get(), "isp0");
+    const cJSON *const style = find_item(saved, "style");
     if (style != nullptr)
         para_set_isp_style_cur(0, style->valueint);
     load_style(get_isp_style_json(para_get_isp_style_cur(0)));

@@ -21,10 +21,10 @@ static int isp_style_def_index;
 // The settings of the style file that concern all styles.
 static void read_settings()
 {
-    const cJSON *const def = cJSON_GetObjectItem(json_style_file, "isp0_style_def");
+    const cJSON *const def = find_item(json_style_file, "isp0_style_def");
     if (def != nullptr)
         store_word(isp_style_def_index, def->valueint);
-    const cJSON *const by_arm = cJSON_GetObjectItem(json_style_file, "style_excute_by_arm");
+    const cJSON *const by_arm = find_item(json_style_file, "style_excute_by_arm");
     if (by_arm != nullptr)
         isp_style_excute_by_arm = by_arm->valueint;
 }
@@ -44,14 +44,14 @@ static void add_style(const trace_site &site, int index, const char *name)
     isp_record &record = isp_para_in_style[index];
     record.size = static_cast<int>(sizeof record);
 
-    cJSON *const style = cJSON_GetObjectItem(json_style_file, name);
+    cJSON *const style = find_item(json_style_file, name);
     style_list[index] = style;
     if (style == nullptr) {
         PARA_TRACE_AT(site, PARA_INFO, "error can not find style %s", name != nullptr ? name : "");
         return;
     }
     PARA_TRACE_AT(site, PARA_INFO, "find style[%d]:%s", index, name);
-    cJSON *const number = cJSON_GetObjectItem(style, "style");
+    cJSON *const number = find_item(style, "style");
     if (number != nullptr)
         cJSON_SetNumberValue(number, index); // the list position overrides the file's value
     read_values(isp, &record.size, style);
@@ -84,7 +84,7 @@ int para_init_isp_style()
     }
 
     read_settings();
-    const cJSON *const list = cJSON_GetObjectItem(json_style_file, "isp0_style_list");
+    const cJSON *const list = find_item(json_style_file, "isp0_style_list");
     if (list == nullptr) {
         PARA_TRACE(PARA_INFO, "error");
         return -1;

@@ -44,7 +44,7 @@ struct file_range {
 static file_range get_range_param(const fixed_module &module, const fixed_member &member,
                                   const cJSON *object)
 {
-    const cJSON *const range = cJSON_GetObjectItem(object, member.key);
+    const cJSON *const range = find_item(object, member.key);
     if (cJSON_GetArraySize(range) <= 1 || (module.rules.range_is_array && !cJSON_IsArray(range)))
         return {};
     return {.min = value_of(module, member, cJSON_GetArrayItem(range, 0)),
@@ -54,7 +54,7 @@ static file_range get_range_param(const fixed_module &module, const fixed_member
 static file_value get_value_param(const fixed_module &module, const fixed_member &member,
                                   const cJSON *object)
 {
-    return value_of(module, member, cJSON_GetObjectItem(object, member.key));
+    return value_of(module, member, find_item(object, member.key));
 }
 
 void read_ranges(const fixed_module &module, int instance, const cJSON *object)
@@ -105,7 +105,7 @@ static void read_instances(const fixed_module &module, const cJSON *root, object
     }
     for (int instance = 0; instance < instance_count(module); instance++) {
         const instance_key key(module, instance);
-        reader(module, instance, cJSON_GetObjectItem(root, key.text));
+        reader(module, instance, find_item(root, key.text));
     }
 }
 
@@ -115,7 +115,7 @@ int count_instances(const fixed_module &module, const cJSON *root, const trace_s
 {
     int count = 0;
     for (int instance = 0; instance < module.instances->capacity; instance++) {
-        if (cJSON_GetObjectItem(root, instance_key(module, instance).text) != nullptr)
+        if (find_item(root, instance_key(module, instance).text) != nullptr)
             count++; // gaps are not tracked
     }
     PARA_TRACE_AT(site, PARA_INFO, "check %s num = %d", module.name, count);

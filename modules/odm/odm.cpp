@@ -110,7 +110,7 @@ static int find_item(const char *key, const cJSON *&item)
 {
     if (json_odm_file == nullptr)
         return -1;
-    item = cJSON_GetObjectItem(json_odm_file, key);
+    item = find_item(json_odm_file, key);
     return item != nullptr ? 0 : -2;
 }
 
@@ -139,7 +139,7 @@ enum class outcome { same, changed, starved };
 
 static outcome set_number(cJSON *document, const char *key, int value)
 {
-    cJSON *const item = cJSON_GetObjectItem(document, key);
+    cJSON *const item = find_item(document, key);
     if (item == nullptr)
         return add_number(document, key, value) ? outcome::changed : outcome::starved;
     if (item->valueint == value)
@@ -153,7 +153,7 @@ static outcome set_text(cJSON *document, const char *key, const char *text)
 {
     if (text == nullptr)
         return outcome::changed;
-    cJSON *const item = cJSON_GetObjectItem(document, key);
+    cJSON *const item = find_item(document, key);
     if (item == nullptr)
         return add_text(document, key, text) ? outcome::changed : outcome::starved;
     if (item->valuestring != nullptr && strcmp(item->valuestring, text) == 0)

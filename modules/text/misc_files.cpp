@@ -58,7 +58,7 @@ static json_ptr load_range(const trace_site &site)
     if (!file.root)
         return nullptr;
 
-    const cJSON *const version = cJSON_GetObjectItem(file.root.get(), "version");
+    const cJSON *const version = find_item(file.root.get(), "version");
     const bool current_set = version != nullptr && version->valueint != 0;
     json_ptr range =
         current_set ? std::move(file.root) : json_ptr(fix_old_misc_range_conf(file.root.get()));
@@ -108,7 +108,7 @@ int para_init_misc_legacy(const char *, configure **cur, configure **def, cJSON 
     *range = loaded.release();
 
     PARA_TRACE(PARA_INFO, "enter misc version:%d",
-               cJSON_GetObjectItem(*range, "version")->valueint);
+               find_item(*range, "version")->valueint);
     save_state &starting = state_of_misc();
     const bool has_values = loaded_set == misc_set::current
                                 ? load_conf_files("misc", *def, *cur, starting)

@@ -25,7 +25,7 @@ int peek_array_enum_type(const cJSON *array)
 
 const cJSON *range_of(const text_module &module, const char *member)
 {
-    return cJSON_GetObjectItem(module.range, member);
+    return find_item(module.range, member);
 }
 
 int kind_of(const text_module &module, const char *member)

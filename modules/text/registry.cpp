@@ -1,7 +1,7 @@
 // The records of the modules whose values are texts.
 #include <cstdio>
-#include <cstring>
 
+#include "base/text.h"
 #include "modules/text/text_module.h"
 
 void free_objects(configure *&def, configure *&cur)
@@ -37,7 +37,7 @@ text_module *find_module(const text_registry &registry, const char *name)
 {
     for (int i = 0; name != nullptr && i < registry.capacity; i++) {
         text_module &module = registry.records[i];
-        if (module.listed && strcmp(module.name, name) == 0)
+        if (module.listed && is_same(module.name, name))
             return &module;
     }
     return nullptr;
