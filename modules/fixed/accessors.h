@@ -59,17 +59,28 @@
         return current_value(module, para_##module##_cur, slot);                                   \
     }
 
+// The work of a module's setters, not inlined into each of them.
+#define DEFINE_CHANGE(module)                                                                      \
+    [[gnu::noinline]] static int change(int slot, int value)                                       \
+    {                                                                                              \
+        return set_value(module, slot, value);                                                     \
+    }
+#define DEFINE_SET(module)                                                                         \
+    [[gnu::noinline]] static int set(int slot, int value, int (*setter)(int))                      \
+    {                                                                                              \
+        return set_and_notify(module, slot, value, para_profile.module##_set_notify_hook, setter); \
+    }
+
 #define DEFINE_SETTER(module, name, slot)                                                          \
     int para_set_##module##_##name##_cur(int value)                                                \
     {                                                                                              \
-        return set_and_notify(module, slot, value, para_profile.module##_set_notify_hook,          \
-                              para_set_##module##_##name##_cur);                                   \
+        return set(slot, value, para_set_##module##_##name##_cur);                                 \
     }
 
 #define DEFINE_INTERNAL_SETTER(module, name, slot)                                                 \
     int _para_set_##module##_##name##_cur(int value)                                               \
     {                                                                                              \
-        return set_value(module, slot, value);                                                     \
+        return change(slot, value);                                                                \
     }
 
 #define DEFINE_NUM(module, name, names)                                                            \

@@ -32,6 +32,7 @@ static constexpr fixed_module af = {
               .presence_of_number = PARA_PRESENT},
 };
 
+DEFINE_SET(af)
 #define AF_MEMBER(slot, name)                                                                      \
     DEFINE_GETTERS(af, name, PARA_AF_##name) DEFINE_SETTER(af, name, PARA_AF_##name)
 #include "camparam/af_members.def"

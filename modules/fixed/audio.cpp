@@ -44,6 +44,8 @@ static constexpr fixed_module audio = {
     .save_delay_ms = &audio_save_param_time,
 };
 
+DEFINE_CHANGE(audio)
+DEFINE_SET(audio)
 #define AUDIO_MEMBER(slot, name)                                                                   \
     DEFINE_GETTERS(audio, name, PARA_AUDIO_##name)                                                 \
     DEFINE_SETTER(audio, name, PARA_AUDIO_##name)                                                  \

@@ -28,8 +28,8 @@ struct value_tables {
 // For modules whose members exist once for each instance; files hold an object for each instance.
 struct module_instances {
     int capacity; // at most 10: the keys tell them by one digit
-    int *count; // in use; fixed after start-up
-    int stride; // slots from one instance to the next
+    int *count;   // in use; fixed after start-up
+    int stride;   // slots from one instance to the next
     int (*count_in)(const cJSON *range_root);
     void (*page_title)(int instance, const trace_site &site);
     bool share_a_row = false; // that of the first; else each has its own
@@ -121,8 +121,8 @@ int count_instances(const fixed_module &module, const cJSON *root, const trace_s
 // --- Changes ---
 
 // Whether a setter takes the value: it is within the slot's range and differs from the current one.
-// Inlined into every setter, where the module is a constant: most calls change nothing, and cost
-// little more than the comparisons (bench/accessors).
+// Inlined where the module is a constant: most calls change nothing, and cost little more than the
+// comparisons (bench/accessors).
 [[gnu::always_inline]] inline bool accepts(const fixed_module &module, int slot, int value)
 {
     if (value < load_word(module.values.min[slot]) || value > load_word(module.values.max[slot]))

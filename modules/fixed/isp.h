@@ -12,5 +12,5 @@ constexpr char odm_antiflicker_def[] = "isp0_antiflicker_def";
 
 inline bool is_isp_instance(int instance)
 {
-    return instance >= 0 && instance < PARA_ISP_INSTANCES;
+    return __builtin_expect(instance >= 0 && instance < PARA_ISP_INSTANCES, true);
 }

@@ -85,7 +85,7 @@ static bool is_in_use(int stream)
     return stream >= 0 && stream < g_num_stream;
 }
 
-[[gnu::always_inline]] static inline int change(int stream, int slot, int value)
+[[gnu::noinline]] static int change(int stream, int slot, int value)
 {
     if (!is_in_use(stream))
         return 0;
@@ -94,7 +94,7 @@ static bool is_in_use(int stream)
 
 using stream_setter = int (*)(int, int);
 
-[[gnu::always_inline]] static inline int set(int stream, int slot, int value, stream_setter setter)
+[[gnu::noinline]] static int set(int stream, int slot, int value, stream_setter setter)
 {
     if (!is_in_use(stream))
         return 0;
