@@ -53,14 +53,20 @@ udp_client::~udp_client()
     close(descriptor);
 }
 
-void udp_client::exchange(const std::string &request)
+bool udp_client::tries_to_exchange(const std::string &request)
 {
     char text[4096];
     send(descriptor, request.data(), request.size(), 0);
     const ssize_t length = recv(descriptor, text, sizeof text, 0);
-    if (length < 0)
+    if (length >= 0)
+        received.assign(text, static_cast<size_t>(length));
+    return length >= 0;
+}
+
+void udp_client::exchange(const std::string &request)
+{
+    if (!tries_to_exchange(request))
         give_up("no reply");
-    received.assign(text, static_cast<size_t>(length));
 }
 
 udp_server::udp_server(reply_function reply)

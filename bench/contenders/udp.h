@@ -18,6 +18,7 @@ public:
     udp_client &operator=(const udp_client &) = delete;
 
     void exchange(const std::string &request);
+    bool tries_to_exchange(const std::string &request); // false: there is no reply
     const std::string &reply() const { return received; }
 
 private:
