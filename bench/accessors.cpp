@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "bare/bare.h"
-#include "support/device.h"
-#include "support/median.h"
+#include "bench/bare/bare.h"
+#include "bench/support/device.h"
+#include "bench/support/median.h"
 
 namespace {
 

@@ -14,10 +14,10 @@
 #include <string>
 #include <thread>
 
-#include "contenders/udp.h"
-#include "support/device.h"
-#include "support/process.h"
-#include "support/requests.h"
+#include "bench/contenders/udp.h"
+#include "bench/support/device.h"
+#include "bench/support/process.h"
+#include "bench/support/requests.h"
 
 namespace {
 
@@ -99,8 +99,7 @@ void print_system_calls(const device &files)
     const std::string calls = folder.path() + "/calls";
     const process host(host_command(files));
     wait_until_it_answers();
-    const process tracer(
-        {"strace", "-f", "-qq", "-o", calls, "-p", std::to_string(host.id())});
+    const process tracer({"strace", "-f", "-qq", "-o", calls, "-p", std::to_string(host.id())});
     if (!succeeds_soon([&] { return lines_of(calls) > 0; }))
         give_up("strace");
 

@@ -19,10 +19,10 @@
 #include <map>
 #include <string>
 
+#include "bench/support/device.h"
+#include "bench/support/floor.h"
+#include "bench/support/requests.h"
 #include "camparam/camparam.h"
-#include "support/device.h"
-#include "support/floor.h"
-#include "support/requests.h"
 
 namespace {
 

@@ -15,11 +15,11 @@
 #include <map>
 #include <string>
 
+#include "bench/contenders/contender.h"
+#include "bench/contenders/udp.h"
+#include "bench/support/device.h"
+#include "bench/support/median.h"
 #include "camparam/camparam.h"
-#include "contenders/contender.h"
-#include "contenders/udp.h"
-#include "support/device.h"
-#include "support/median.h"
 
 namespace {
 

@@ -11,11 +11,11 @@
 #include <string>
 #include <vector>
 
+#include "bench/contenders/udp.h"
+#include "bench/support/device.h"
+#include "bench/support/median.h"
+#include "bench/support/requests.h"
 #include "camparam/camparam.h"
-#include "contenders/udp.h"
-#include "support/device.h"
-#include "support/median.h"
-#include "support/requests.h"
 
 namespace {
 

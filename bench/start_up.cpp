@@ -15,9 +15,9 @@
 #include <filesystem>
 #include <string>
 
+#include "bench/support/device.h"
+#include "bench/support/median.h"
 #include "camparam/camparam.h"
-#include "support/device.h"
-#include "support/median.h"
 
 namespace {
 

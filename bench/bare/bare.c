@@ -1,7 +1,7 @@
 /* clock_gettime() */
 #define _POSIX_C_SOURCE 200809L
 
-#include "bare/bare.h"
+#include "bench/bare/bare.h"
 
 enum { slot = 5 };
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "support/requests.h"
+#include "bench/support/requests.h"
 
 class contender {
 public:

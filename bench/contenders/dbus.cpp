@@ -6,9 +6,9 @@
 #include <map>
 #include <thread>
 
-#include "contenders/contender.h"
-#include "support/device.h"
-#include "support/process.h"
+#include "bench/contenders/contender.h"
+#include "bench/support/device.h"
+#include "bench/support/process.h"
 
 namespace {
 

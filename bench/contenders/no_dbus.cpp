@@ -1,7 +1,7 @@
 // Where the library for the message bus is not installed.
 #include <cstdio>
 
-#include "contenders/contender.h"
+#include "bench/contenders/contender.h"
 
 std::unique_ptr<contender> dbus_properties()
 {

@@ -10,9 +10,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include "contenders/contender.h"
-#include "support/device.h"
-#include "support/process.h"
+#include "bench/contenders/contender.h"
+#include "bench/support/device.h"
+#include "bench/support/process.h"
 
 namespace {
 

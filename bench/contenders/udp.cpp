@@ -1,4 +1,4 @@
-#include "contenders/udp.h"
+#include "bench/contenders/udp.h"
 
 #include <arpa/inet.h>
 #include <sys/select.h>
@@ -9,9 +9,9 @@
 
 #include <utility>
 
+#include "bench/support/device.h"
+#include "bench/support/floor.h"
 #include "camparam/command.h"
-#include "support/device.h"
-#include "support/floor.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-#include "contenders/contender.h"
+#include "bench/contenders/contender.h"
 
 class udp_client {
 public:

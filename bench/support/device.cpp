@@ -1,4 +1,4 @@
-#include "support/device.h"
+#include "bench/support/device.h"
 
 #include <cerrno>
 #include <cstdio>

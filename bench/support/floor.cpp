@@ -1,8 +1,8 @@
-#include "support/floor.h"
+#include "bench/support/floor.h"
 
 #include <cstring>
 
-#include "support/device.h"
+#include "bench/support/device.h"
 
 json_floor::json_floor(const std::string &reply)
 {

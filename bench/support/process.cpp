@@ -1,4 +1,4 @@
-#include "support/process.h"
+#include "bench/support/process.h"
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <thread>
 
-#include "support/device.h"
+#include "bench/support/device.h"
 
 process::process(const std::vector<std::string> &command) : child(fork())
 {

@@ -1,4 +1,4 @@
-#include "support/requests.h"
+#include "bench/support/requests.h"
 
 namespace {
 
