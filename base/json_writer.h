@@ -11,6 +11,8 @@ struct text_space {
     size_t size;
 };
 
+constexpr size_t longest_number = 32; // with room for what cJSON demands beyond the digits
+
 class json_writer final : public answer_sink {
 public:
     json_writer() = default;

@@ -107,8 +107,7 @@ int para_init_misc_legacy(const char *, configure **cur, configure **def, cJSON 
         return -1;
     *range = loaded.release();
 
-    PARA_TRACE(PARA_INFO, "enter misc version:%d",
-               find_item(*range, "version")->valueint);
+    PARA_TRACE(PARA_INFO, "enter misc version:%d", find_item(*range, "version")->valueint);
     save_state &starting = state_of_misc();
     const bool has_values = loaded_set == misc_set::current
                                 ? load_conf_files("misc", *def, *cur, starting)
@@ -132,9 +131,8 @@ static write_result save_legacy_set(const char *name)
     json_writer text;
     text.open(nullptr);
     const text_module *const module = find_module(patterns, name);
-    const bool complete =
-        module == nullptr ||
-        answer_all(*module, module->cur, answer_form::by_range, text) != no_memory;
+    const bool complete = module == nullptr || answer_all(*module, module->cur,
+                                                          answer_form::by_range, text) != no_memory;
     text.close();
     const file_path path(para_profile.data_dir, "misc_cur.json");
     return write_text_file(path.text, complete ? text.written() : nullptr, state_of_misc());
