@@ -9,6 +9,7 @@
 #include "camparam/command.h"
 #include "camparam/guard.h"
 #include "log.h"
+#include "signals.h"
 
 request_filter::request_filter(const filter_rules &rules, allowed_networks::source interfaces)
     : server_port(rules.port), allowed(rules.allowed, interfaces), limit(rules.per_source),
@@ -85,6 +86,7 @@ static long long now_ms()
 
 static int admit(const sockaddr_in *sender, const char *, int)
 {
+    note_datagram();
     return installed->judge(*sender, now_ms()) == verdict::admitted ? 1 : 0;
 }
 

@@ -6,9 +6,12 @@
 // these signals. One that interrupted a wait of the store's thread would end that thread.
 void block_handled_signals();
 
-// Waits for one of them, 100 ms at the most. Returns its number, or -1. Signals that are pending
-// together come one by one.
+// Waits for one of them: 100 ms at the most, 10 s when no datagram has come for 2 s. Returns its
+// number, or -1. Signals that are pending together come one by one.
 int wait_for_signal();
+
+// Ends a wait that would last longer. Any thread.
+void note_datagram();
 
 bool is_ending_signal(int number);
 
