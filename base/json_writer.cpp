@@ -52,10 +52,12 @@ static char *write_escaped(char *to, char byte)
         *to++ = letter;
         return to;
     }
-    memcpy(to, "u00", 3);
-    to[3] = digits[byte >> 4];
-    to[4] = digits[byte & 15];
-    return to + 5;
+    *to++ = 'u';
+    *to++ = '0';
+    *to++ = '0';
+    *to++ = digits[byte >> 4];
+    *to++ = digits[byte & 15];
+    return to;
 }
 
 static char *write_quoted(char *to, const char *text)

@@ -17,10 +17,9 @@ static text_space take_kept()
 // After a large reply, so much of it is kept as a usual one needs.
 static void keep(const text_space &space)
 {
-    char *bytes = space.bytes;
-    if (space.size > kept_size)
-        bytes = static_cast<char *>(realloc(space.bytes, kept_size));
-    free(__atomic_exchange_n(&kept, bytes != nullptr ? bytes : space.bytes, __ATOMIC_ACQ_REL));
+    void *const shrunk = space.size > kept_size ? realloc(space.bytes, kept_size) : nullptr;
+    char *const bytes = shrunk != nullptr ? static_cast<char *>(shrunk) : space.bytes;
+    free(__atomic_exchange_n(&kept, bytes, __ATOMIC_ACQ_REL));
 }
 
 reply_writer::reply_writer() : writer(take_kept())
