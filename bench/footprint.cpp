@@ -103,6 +103,7 @@ void print_system_calls(const device &files)
     if (!succeeds_soon([&] { return lines_of(calls) > 0; }))
         give_up("strace");
 
+    std::this_thread::sleep_for(std::chrono::seconds(3)); // until it rests
     const long before_idling = lines_of(calls);
     std::this_thread::sleep_for(std::chrono::seconds(idle_seconds));
     const long before_requests = lines_of(calls);
