@@ -50,12 +50,12 @@ static bool is_addressed(const cJSON *item)
     return item->string == nullptr || begins_with("af", item->string);
 }
 
-int answer_af(const char *key, const cJSON *item, const char *, answer_sink &sink)
+int answer_af(const char *, const cJSON *item, const char *, answer_sink &sink)
 {
     const trace_site site = PARA_IN(para_get_af_opt);
     PARA_TRACE_AT(site, PARA_INFO, "inter");
     if (is_addressed(item))
-        return answer_query(af, para_af_cur, 0, item, key, sink, site);
+        return answer_query(af, para_af_cur, 0, item, sink, site);
     PARA_TRACE_AT(site, PARA_INFO, "leave");
     return 0;
 }

@@ -85,9 +85,9 @@ static void answer_as_exchanged(const fixed_module &module, int presence, const 
 }
 
 void answer_listed(const fixed_module &module, const int *values, int instance, const cJSON *item,
-                   const char *key, answer_sink &sink)
+                   answer_sink &sink)
 {
-    sink.open(key);
+    sink.open(item->string);
     const cJSON *element = nullptr;
     cJSON_ArrayForEach(element, item)
     {
@@ -103,13 +103,13 @@ void answer_listed(const fixed_module &module, const int *values, int instance, 
 }
 
 int answer_query(const fixed_module &module, const int *values, int instance, const cJSON *item,
-                 const char *key, answer_sink &sink, const trace_site &site)
+                 answer_sink &sink, const trace_site &site)
 {
     if (asks_for_all(item)) {
-        answer_all(module, values, instance, key, sink);
+        answer_all(module, values, instance, item->string, sink);
         return 0;
     }
-    answer_listed(module, values, instance, item, key, sink);
+    answer_listed(module, values, instance, item, sink);
     PARA_TRACE_AT(site, PARA_INFO, "leave");
     return 0;
 }

@@ -72,11 +72,11 @@ int para_set_audio_member_json(const char *name, int value, const char *text)
     return set_member(audio, name, value, text);
 }
 
-int answer_audio(const char *key, const cJSON *item, const char *, answer_sink &sink)
+int answer_audio(const char *, const cJSON *item, const char *, answer_sink &sink)
 {
     const trace_site site = PARA_IN(para_get_audio_opt);
     PARA_TRACE_AT(site, PARA_INFO, "inter");
-    return answer_query(audio, para_audio_cur, 0, item, key, sink, site);
+    return answer_query(audio, para_audio_cur, 0, item, sink, site);
 }
 DEFINE_GET_OPT(audio)
 

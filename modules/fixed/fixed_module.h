@@ -209,11 +209,11 @@ int get_member(const fixed_module &module, const int *values, int instance, cons
                int *value, const char **text);
 
 // Answers with an object of an instance's values in one of the tables: every present member, or
-// those among the item's names.
+// those among the names of the item of a query, under its key.
 void answer_all(const fixed_module &module, const int *values, int instance, const char *key,
                 answer_sink &sink);
 void answer_listed(const fixed_module &module, const int *values, int instance, const cJSON *item,
-                   const char *key, answer_sink &sink);
+                   answer_sink &sink);
 
 // The first as a new tree; null when memory ran out.
 cJSON *tree_of_all(const fixed_module &module, const int *values, int instance);
@@ -221,7 +221,7 @@ cJSON *tree_of_all(const fixed_module &module, const int *values, int instance);
 // A query's work: answers with all members or with the listed ones. The latter is traced as
 // "leave". Returns 0.
 int answer_query(const fixed_module &module, const int *values, int instance, const cJSON *item,
-                 const char *key, answer_sink &sink, const trace_site &site);
+                 answer_sink &sink, const trace_site &site);
 
 // --- Saving ---
 

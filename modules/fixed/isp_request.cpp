@@ -72,7 +72,7 @@ int answer_isp(const char *key, const cJSON *item, const char *, answer_sink &si
     const isp_query query = query_of(key);
     if (query.values == nullptr)
         return 0;
-    return answer_query(isp, query.values, query.instance, item, key, sink, site);
+    return answer_query(isp, query.values, query.instance, item, sink, site);
 }
 DEFINE_GET_OPT(isp)
 

@@ -230,7 +230,7 @@ int answer_video(const char *key, const cJSON *item, const char *, answer_sink &
     if (stream >= 0 && asks_for_all(item))
         answer_all(video, para_video_cur, stream, key, sink);
     else if (stream >= 0)
-        answer_listed(video, para_video_cur, stream, item, key, sink);
+        answer_listed(video, para_video_cur, stream, item, sink);
     PARA_TRACE_AT(site, PARA_DUMP, "leave");
     return 0;
 }

@@ -146,10 +146,14 @@ protected:
         register_para_handle_extern(&row);
         static const param_command command = {"answer", command_answer, nullptr};
         register_param_command("test", &command, 1);
-        start_store();
         answer_of_host = GetParam().make();
+        start_store();
     }
-    ~ReplyText() override { cJSON_Delete(answer_of_host); }
+    ~ReplyText() override
+    {
+        stop_store();
+        cJSON_Delete(answer_of_host);
+    }
 
     Client client;
 };
@@ -181,14 +185,18 @@ protected:
         register_para_handle_extern(&row);
         static const param_command command = {"answer", command_answer, nullptr};
         register_param_command("test", &command, 1);
-        start_store();
     }
-    ~ReplyOfNoValue() override { cJSON_Delete(answer_of_host); }
+    ~ReplyOfNoValue() override
+    {
+        stop_store();
+        cJSON_Delete(answer_of_host);
+    }
 
-    void answer_with_a_node_of_type(int type)
+    void start_with_an_answer_of_type(int type)
     {
         answer_of_host = list_of({cJSON_CreateTrue()});
         answer_of_host->child->type = type;
+        start_store();
     }
 
     Client client;
@@ -197,7 +205,7 @@ protected:
 // cJSON_Print makes no text of it.
 TEST_F(ReplyOfNoValue, IsNotSent)
 {
-    answer_with_a_node_of_type(cJSON_Invalid);
+    start_with_an_answer_of_type(cJSON_Invalid);
     client.send(R"({"msg_type":"do_get","msg_name":"answer"})");
     client.send(R"({"msg_type":"get","msg_name":"n","host":1})");
     EXPECT_TRUE(client.stays_silent());
@@ -205,7 +213,7 @@ TEST_F(ReplyOfNoValue, IsNotSent)
 
 TEST_F(ReplyOfNoValue, RawTextThatIsMissingIsNone)
 {
-    answer_with_a_node_of_type(cJSON_Raw);
+    start_with_an_answer_of_type(cJSON_Raw);
     client.send(R"({"msg_type":"do_get","msg_name":"answer"})");
     EXPECT_TRUE(client.stays_silent());
 }
