@@ -152,6 +152,7 @@ TEST(Sync, OfTheParentIsNotWaitedForByAChild)
 {
     hold_syncs();
     EXPECT_EQ(lib_system("sync"), 0);
+    ASSERT_TRUE(eventually([] { return syncs_begun == 1; }));
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(status_of_child([] { exit(6); }), 6);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));

@@ -301,11 +301,15 @@ TEST_F(Guarded, ThisMachineIsServedWithoutASocketOfItsOwn)
     rlimit one_more = usual;
     one_more.rlim_cur = static_cast<rlim_t>(next) + 1;
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &one_more), 0);
-    start();
-    EXPECT_EQ(dup(STDERR_FILENO), -1) << "there is room for another socket";
+    // Nothing of the fixture: a sanitizer's look at an object may take descriptors.
+    const int started = platformparam_init();
+    const int another = dup(STDERR_FILENO);
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
 
+    EXPECT_EQ(started, 0);
+    EXPECT_EQ(another, -1) << "there is room for another socket";
     EXPECT_EQ(client.ask("{'msg_type':'get','msg_id':4}"), "{'msg_id':4}");
+    platformparam_stop(1);
 }
 
 TEST_F(Unguarded, TextBehindTheDocumentIsNotRead)
