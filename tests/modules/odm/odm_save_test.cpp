@@ -179,8 +179,10 @@ TEST_F(OdmSave, AChangeDuringTheWriteStaysMarked)
     const std::string path = data + "/persist/odm.json";
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     print_may_go_on = true;
-    watch_printing();
-    std::thread saver([] { para_save_odm("odmInter"); }); // waits for a reader
+    std::thread saver([] {
+        watch_printing();          // here, as a thread that starts may allocate, too
+        para_save_odm("odmInter"); // waits for a reader
+    });
     EXPECT_TRUE(wait_until([] { return printing.load(); }));
     para_set_odm_int("mine", 6); // once the document is printed
 
