@@ -188,7 +188,7 @@ void json_writer::text(const char *key, const char *value)
 
 const char *json_writer::written()
 {
-    if (!reserve(1))
+    if (!reserve(1) || !is_printable)
         return nullptr;
     space.bytes[used] = '\0';
     return space.bytes;

@@ -31,10 +31,10 @@ public:
     // Makes room for so many bytes more. Returns whether the text is complete so far.
     bool reserve(size_t more) { return more <= space.size - used ? is_complete : grow(more); }
 
-    // A whole document. A tree that cJSON_Print would not print is not complete.
+    // A whole document.
     void document(const cJSON *value);
 
-    // The text so far; null when it is not complete.
+    // The text so far; null when it is not complete, or holds what cJSON_Print would not print.
     const char *written();
     size_t length() const { return used; }
 
@@ -51,6 +51,7 @@ private:
     bool add_quoted(const char *text);
     bool add_number(int value);
     bool add_printed(const cJSON *number);
+    bool add_nothing();
     bool add_value(const cJSON *value);
     bool add_array(const cJSON *array);
     bool add_object(const cJSON *object);
@@ -61,4 +62,5 @@ private:
     size_t depth = 0;  // of objects and arrays that are open
     bool first = true; // nothing stands yet in the object that is open
     bool is_complete = true;
+    bool is_printable = true;
 };

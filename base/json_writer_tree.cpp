@@ -12,7 +12,7 @@ bool json_writer::add_printed(const cJSON *number)
     // Printed without its place in a tree, and not changed by it.
     auto *const item = const_cast<cJSON *>(number);
     if (cJSON_PrintPreallocated(item, space.bytes + used, longest_number, 0) == 0)
-        return false;
+        return add_nothing();
     used += strlen(space.bytes + used);
     return true;
 }
@@ -69,7 +69,13 @@ bool json_writer::add_bytes(const char *bytes)
     return true;
 }
 
-// False also for what is no value.
+// For what is no value. The rest is written all the same, and the text not given.
+bool json_writer::add_nothing()
+{
+    is_printable = false;
+    return is_complete;
+}
+
 bool json_writer::add_value(const cJSON *value)
 {
     constexpr int type_bits = 0xff;
@@ -83,7 +89,7 @@ bool json_writer::add_value(const cJSON *value)
     case cJSON_Number:
         return is_integer(value) ? add_number(value->valueint) : add_printed(value);
     case cJSON_Raw:
-        return value->valuestring != nullptr && add_bytes(value->valuestring);
+        return value->valuestring != nullptr ? add_bytes(value->valuestring) : add_nothing();
     case cJSON_String:
         return add_quoted(value->valuestring);
     case cJSON_Array:
@@ -91,7 +97,7 @@ bool json_writer::add_value(const cJSON *value)
     case cJSON_Object:
         return add_object(value);
     default:
-        return false;
+        return add_nothing();
     }
 }
 

@@ -209,6 +209,7 @@ TEST_F(ReplyOfNoValue, IsNotSent)
     client.send(R"({"msg_type":"do_get","msg_name":"answer"})");
     client.send(R"({"msg_type":"get","msg_name":"n","host":1})");
     EXPECT_TRUE(client.stays_silent());
+    EXPECT_EQ(count_traces("no memory for the reply"), 0);
 }
 
 TEST_F(ReplyOfNoValue, RawTextThatIsMissingIsNone)
