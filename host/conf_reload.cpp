@@ -83,11 +83,12 @@ std::string reread_conf(const char *module)
     return "";
 }
 
-void reload_requested_conf()
+bool reload_requested_conf()
 {
     const auto has_to_wait = [](const char *module) {
         return reread_conf(module) == changes_to_save;
     };
     const auto done = std::stable_partition(requested.begin(), requested.end(), has_to_wait);
     requested.erase(done, requested.end());
+    return !requested.empty();
 }

@@ -14,5 +14,6 @@ void request_conf_reload();
 std::string reread_conf(const char *module);
 
 // Main thread only. Rereads the files that were asked for. A module with a change that is still to
-// be saved is left for a later call: its values would be replaced with those of the file.
-void reload_requested_conf();
+// be saved is left for a later call: its values would be replaced with those of the file. Returns
+// whether one is left.
+bool reload_requested_conf();

@@ -67,22 +67,25 @@ bool start_client()
     return true;
 }
 
-// What the main thread does a few times a second.
-void take_turn()
+// What the main thread does a few times a second, while there is something to do. Returns whether
+// work waits for a later turn.
+bool take_turn()
 {
     refresh_share_maps();
-    reload_requested_conf();
+    const bool reload_waits = reload_requested_conf();
     answer_waiting_reloads();
     answer_waiting_saves();
     tell_dropped_datagrams();
     tell_unlisted_changes(false);
+    return reload_waits;
 }
 
 // Returns the signal that ends the host.
 int serve_signals()
 {
+    bool work_waits = false;
     while (true) {
-        const int received = wait_for_signal();
+        const int received = wait_for_signal(work_waits);
         if (is_ending_signal(received))
             return received;
         if (received == SIGHUP) {
@@ -93,7 +96,7 @@ int serve_signals()
             platformparam_save();
             tell_unsaved();
         }
-        take_turn();
+        work_waits = take_turn();
     }
 }
 

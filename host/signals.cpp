@@ -25,7 +25,7 @@ pthread_t main_thread;
 
 // Each side stores its own word before it reads the other's.
 constexpr int turns_until_rest = 20;
-std::atomic<int> turns_without_datagram{0};
+std::atomic<int> quiet_turns{0};
 std::atomic<bool> resting{false};
 
 int wake_signal()
@@ -33,15 +33,17 @@ int wake_signal()
     return SIGRTMIN;
 }
 
-bool may_rest()
+bool may_rest(bool work_waits)
 {
-    int turns = turns_without_datagram;
+    if (work_waits)
+        return false;
+    int turns = quiet_turns;
     if (turns < turns_until_rest) {
-        turns_without_datagram.compare_exchange_strong(turns, turns + 1);
+        quiet_turns.compare_exchange_strong(turns, turns + 1);
         return false;
     }
     resting = true;
-    return turns_without_datagram >= turns_until_rest;
+    return quiet_turns >= turns_until_rest;
 }
 
 sigset_t handled_set()
@@ -72,19 +74,21 @@ void block_handled_signals()
     main_thread = pthread_self();
 }
 
-int wait_for_signal()
+int wait_for_signal(bool work_waits)
 {
     const sigset_t set = handled_set();
     constexpr timespec turn = {.tv_sec = 0, .tv_nsec = 100000000};
     constexpr timespec rest = {.tv_sec = 10, .tv_nsec = 0};
-    const int received = sigtimedwait(&set, nullptr, may_rest() ? &rest : &turn);
+    const int received = sigtimedwait(&set, nullptr, may_rest(work_waits) ? &rest : &turn);
     resting = false;
+    if (received > 0)
+        quiet_turns = 0;
     return received == wake_signal() ? -1 : received;
 }
 
 void note_datagram()
 {
-    turns_without_datagram = 0;
+    quiet_turns = 0;
     if (resting && resting.exchange(false))
         pthread_kill(main_thread, wake_signal());
 }

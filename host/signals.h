@@ -6,9 +6,10 @@
 // these signals. One that interrupted a wait of the store's thread would end that thread.
 void block_handled_signals();
 
-// Waits for one of them: 100 ms at the most, 10 s when no datagram has come for 2 s. Returns its
-// number, or -1. Signals that are pending together come one by one.
-int wait_for_signal();
+// Waits for one of them: 100 ms at the most; 10 s when nothing has come for 2 s, neither datagram
+// nor signal, and no work waits. Returns its number, or -1. Signals that are pending together come
+// one by one.
+int wait_for_signal(bool work_waits);
 
 // Ends a wait that would last longer. Any thread.
 void note_datagram();

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 
@@ -37,6 +38,24 @@ protected:
                 return true;
         }
         return false;
+    }
+
+    // An empty file that every save has to wait for.
+    int lock_saved_file() const
+    {
+        const int file = open((data + "/netport.conf").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+        EXPECT_EQ(flock(file, LOCK_EX), 0);
+        return file;
+    }
+    std::string saved_file() { return read_data("netport.conf").value_or(""); }
+    int failed_saves() const
+    {
+        const std::string told = "netport.conf is not written";
+        int found = 0;
+        const std::string log = host->errors();
+        for (size_t at = log.find(told); at != log.npos; at = log.find(told, at + 1))
+            found++;
+        return found;
     }
 
     Client client;
@@ -95,6 +114,25 @@ TEST_F(HostSignals, HupLosesNoChangeThatIsStillToBeSaved)
         [&] { return host->errors().find("conf_update: netport", told) != std::string::npos; }));
     EXPECT_EQ(port(), "{'netport':{'http_port':'8080'}}");
     EXPECT_EQ(read_data("netport.conf"), "http_port = \"8080\"\nrtsp_port = \"554\"\n");
+}
+
+// The host rests when nothing has come for 2 s, for 10 s at the most.
+TEST_F(HostSignals, HupThatWaitsForASaveIsServedWithoutARest)
+{
+    start_host();
+    EXPECT_EQ(set_port("8080"), "{}");
+    const int file = lock_saved_file();
+    ASSERT_TRUE(wait_until([&] { return failed_saves() == 2; })) << host->errors();
+    const size_t told = host->errors().size();
+    host->send_signal(SIGHUP);
+    close(file);
+    ASSERT_TRUE(wait_until([&] { return !saved_file().empty(); })); // 4 s after the failed one
+
+    const auto saved_at = std::chrono::steady_clock::now();
+    EXPECT_TRUE(wait_until(
+        [&] { return host->errors().find("conf_update: netport", told) != std::string::npos; }));
+    EXPECT_LT(std::chrono::steady_clock::now() - saved_at, std::chrono::seconds(4));
+    EXPECT_EQ(port(), "{'netport':{'http_port':'8080'}}");
 }
 
 TEST_F(HostSignals, HupLosesNoChangeThatComesWhileItWaitsForAFile)
