@@ -56,36 +56,35 @@ static const char *name_of(const fixed_traits &traits, int value)
 
 // --- Files ---
 
-std::string model_fixed::range_file() const
+std::string model_fixed::file_of(void (*add_member)(cJSON *, const fixed_traits &)) const
 {
     const tree_ptr root(cJSON_CreateObject());
     for (int i = 0; i < instances(); i++) {
         const std::string key = rules.name + std::to_string(i);
         cJSON *const object =
             rules.numbered ? cJSON_AddObjectToObject(root.get(), key.c_str()) : root.get();
-        for (const fixed_traits &traits : all_traits[at(i)]) {
-            const int range[] = {traits.min, traits.max};
-            cJSON_AddItemToObject(object, traits.name, cJSON_CreateIntArray(range, 2));
-        }
+        for (const fixed_traits &traits : all_traits[at(i)])
+            add_member(object, traits);
     }
     return print_json(root.get());
 }
 
+std::string model_fixed::range_file() const
+{
+    return file_of([](cJSON *object, const fixed_traits &traits) {
+        const int range[] = {traits.min, traits.max};
+        cJSON_AddItemToObject(object, traits.name, cJSON_CreateIntArray(range, 2));
+    });
+}
+
 std::string model_fixed::defaults_file() const
 {
-    const tree_ptr root(cJSON_CreateObject());
-    for (int i = 0; i < instances(); i++) {
-        const std::string key = rules.name + std::to_string(i);
-        cJSON *const object =
-            rules.numbered ? cJSON_AddObjectToObject(root.get(), key.c_str()) : root.get();
-        for (const fixed_traits &traits : all_traits[at(i)]) {
-            if (traits.def && traits.default_as_name)
-                cJSON_AddStringToObject(object, traits.name, name_of(traits, *traits.def));
-            else if (traits.def)
-                cJSON_AddNumberToObject(object, traits.name, *traits.def);
-        }
-    }
-    return print_json(root.get());
+    return file_of([](cJSON *object, const fixed_traits &traits) {
+        if (traits.def && traits.default_as_name)
+            cJSON_AddStringToObject(object, traits.name, name_of(traits, *traits.def));
+        else if (traits.def)
+            cJSON_AddNumberToObject(object, traits.name, *traits.def);
+    });
 }
 
 void model_fixed::load_instance(int instance, const cJSON *object)

@@ -71,6 +71,7 @@ public:
     cJSON *answer_listed(int instance, const std::vector<std::string> &names) const;
 
 private:
+    std::string file_of(void (*add_member)(cJSON *, const fixed_traits &)) const;
     static size_t at(int index) { return static_cast<size_t>(index); }
     std::vector<int> file_order() const;
     int index_of(const char *name) const;
