@@ -1,10 +1,7 @@
 // Current files of which a byte is changed, or the end lost.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -24,7 +21,7 @@ protected:
     ChangedByte()
     {
         set_trace_level(0);
-        in_child([this] {
+        after_start([this] {
             for (const module_kind &each : kinds())
                 each.set(saved);
             platformparam_save();
@@ -46,21 +43,13 @@ protected:
         return chosen;
     }
 
-    // After a start, in a process of its own.
-    static void in_child(const std::function<void()> &steps)
+    static void after_start(const std::function<void()> &steps)
     {
-        const pid_t child = fork();
-        if (child == 0) {
-            alarm(60);
+        in_child([&] {
             platformparam_set_server_port(0);
             EXPECT_EQ(platformparam_init(), 0);
             steps();
-            fflush(stdout);
-            _exit(HasFailure() ? 1 : 0);
-        }
-        int ended = 0;
-        waitpid(child, &ended, 0);
-        EXPECT_TRUE(WIFEXITED(ended) && WEXITSTATUS(ended) == 0) << "see above";
+        });
     }
 
     void expect_values() const
@@ -110,7 +99,7 @@ protected:
         std::filesystem::remove(path_of(kind, ".bad"));
         write_file(path_of(kind), bytes);
         write_file(path_of(kind, ".bak"), backup);
-        in_child([&] {
+        after_start([&] {
             expect_values();
             if (!backup.empty())
                 expect_kept(bytes);

@@ -48,12 +48,7 @@ protected:
         stop_clock();
     }
 
-    para_module_status status() const
-    {
-        para_module_status found = {};
-        EXPECT_EQ(platformparam_get_status(kind.row, &found), 0);
-        return found;
-    }
+    para_module_status status() const { return status_of(kind.row); }
     bool is_saved(int number)
     {
         return read_data(kind.file).value_or("").find(std::to_string(number)) != std::string::npos;

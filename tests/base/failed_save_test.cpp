@@ -26,13 +26,6 @@ class GuardedSave : public EveryKind {
 protected:
     GuardedSave() { platformparam_set_guard(1); }
 
-    static para_module_status status_of(const char *row)
-    {
-        para_module_status found = {};
-        EXPECT_EQ(platformparam_get_status(row, &found), 0);
-        return found;
-    }
-
     // What no save gets past.
     void block(const std::string &file) { std::filesystem::create_directory(blocker(file)); }
     void unblock(const std::string &file) { std::filesystem::remove(blocker(file)); }

@@ -16,12 +16,7 @@ protected:
             use_legacy_misc();
     }
 
-    para_module_status status() const
-    {
-        para_module_status found = {};
-        EXPECT_EQ(platformparam_get_status(kind.row, &found), 0);
-        return found;
-    }
+    para_module_status status() const { return status_of(kind.row); }
 
     void write_file_with(int number, const std::string &suffix = "")
     {

@@ -20,13 +20,6 @@ class RefusedFile : public EveryKind {
 protected:
     RefusedFile() { platformparam_set_guard(1); }
 
-    static para_module_status status_of(const char *row)
-    {
-        para_module_status found = {};
-        EXPECT_EQ(platformparam_get_status(row, &found), 0);
-        return found;
-    }
-
     // What an interrupted save leaves.
     void tear_af()
     {
@@ -42,6 +35,20 @@ protected:
             lines += "key" + std::to_string(i) + " = '1'\n";
         for (const char *file : {"netport.conf", "panel.conf"})
             write_data(file, lines);
+    }
+
+    void expect_written_without_locks()
+    {
+        start_store();
+        refuse_call(SYS_flock, ENOLCK);
+        para_conf_set_member("netport", "port", "9");
+        platformparam_save();
+        EXPECT_EQ(status_of("netport").error, 0);
+        EXPECT_EQ(read_data("netport.conf"), "port = \"9\"\n");
+
+        write_data("other.conf", "port = '80'\n");
+        EXPECT_EQ(update_line("81"), 0);
+        EXPECT_EQ(read_data("other.conf"), "port=81\n");
     }
 
     // Rewrites a line of a file of its own, as programs other than the store's host do.
@@ -100,7 +107,7 @@ TEST_F(RefusedFile, AConfFileThatOnlyThePlatformRefusesIsNotOverwritten)
     para_set_json_cur("panel", "brightness", 9);
     platformparam_save();
     for (const std::string module : {"netport", "panel"}) {
-        EXPECT_EQ(status_of(module.c_str()).flags,
+        EXPECT_EQ(status_of(module).flags,
                   unsigned{PARA_STATUS_LOAD_FAILED | PARA_STATUS_NOT_SAVED})
             << module;
         EXPECT_TRUE(read_data(module + ".conf") == before) << module;
@@ -122,7 +129,7 @@ TEST_F(RefusedFile, TheBackupOfAConfFileThatOnlyThePlatformRefusesIsUsed)
     EXPECT_THAT(traces_of("load_backup"),
                 Contains(EndsWith("panel.conf.bak is used in its place\n")));
     for (const std::string module : {"netport", "panel"}) {
-        EXPECT_EQ(status_of(module.c_str()).flags,
+        EXPECT_EQ(status_of(module).flags,
                   unsigned{PARA_STATUS_LOAD_FAILED | PARA_STATUS_RESTORED | PARA_STATUS_NOT_SAVED})
             << module;
         EXPECT_TRUE(read_data(module + ".conf") == before) << module;
@@ -131,29 +138,11 @@ TEST_F(RefusedFile, TheBackupOfAConfFileThatOnlyThePlatformRefusesIsUsed)
 
 TEST_F(RefusedFile, WithoutLocksAConfFileIsWritten)
 {
-    start_store();
-    refuse_call(SYS_flock, ENOLCK);
-    para_conf_set_member("netport", "port", "9");
-    platformparam_save();
-    EXPECT_EQ(status_of("netport").error, 0);
-    EXPECT_EQ(read_data("netport.conf"), "port = \"9\"\n");
-
-    write_data("other.conf", "port = '80'\n");
-    EXPECT_EQ(update_line("81"), 0);
-    EXPECT_EQ(read_data("other.conf"), "port=81\n");
+    expect_written_without_locks();
 }
 
 TEST_F(RefusedFile, WithoutLocksAndGuardAConfFileIsWrittenAllTheSame)
 {
     platformparam_set_guard(0);
-    start_store();
-    refuse_call(SYS_flock, ENOLCK);
-    para_conf_set_member("netport", "port", "9");
-    platformparam_save();
-    EXPECT_EQ(status_of("netport").error, 0);
-    EXPECT_EQ(read_data("netport.conf"), "port = \"9\"\n");
-
-    write_data("other.conf", "port = '80'\n");
-    EXPECT_EQ(update_line("81"), 0);
-    EXPECT_EQ(read_data("other.conf"), "port=81\n");
+    expect_written_without_locks();
 }

@@ -2,14 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -69,21 +66,6 @@ const std::vector<home_file> home_files = {
 
 class Replaced : public EveryKind, public testing::WithParamInterface<replacement> {
 protected:
-    // In a process of its own, which must end by itself.
-    static void in_child(const std::function<void()> &steps)
-    {
-        const pid_t child = fork();
-        if (child == 0) {
-            alarm(60);
-            steps();
-            fflush(stdout);
-            _exit(HasFailure() ? 1 : 0);
-        }
-        int ended = 0;
-        waitpid(child, &ended, 0);
-        EXPECT_TRUE(WIFEXITED(ended) && WEXITSTATUS(ended) == 0) << "see above";
-    }
-
     static void start(bool guarded)
     {
         platformparam_set_guard(guarded ? 1 : 0);
@@ -102,13 +84,6 @@ protected:
         return std::filesystem::symlink_status(path).type();
     }
 
-    static para_module_status status_of(const module_kind &kind)
-    {
-        para_module_status found = {};
-        platformparam_get_status(kind.row, &found);
-        return found;
-    }
-
     int error_of_save(const module_kind &kind, bool guarded) const
     {
         const bool locked = kind.name == "Pattern" || kind.name == "Conf";
@@ -117,8 +92,8 @@ protected:
     }
     static void expect_error(const module_kind &kind, int error)
     {
-        EXPECT_EQ(status_of(kind).error, error) << kind;
-        EXPECT_EQ(status_of(kind).saved == status_of(kind).changes, error == 0) << kind;
+        EXPECT_EQ(status_of(kind.row).error, error) << kind;
+        EXPECT_EQ(status_of(kind.row).saved == status_of(kind.row).changes, error == 0) << kind;
     }
 
     static const std::vector<module_kind> &kinds()
@@ -192,7 +167,7 @@ TEST_P(Replaced, CurrentFileAtTheStartIsKeptWithTheGuard)
             start(true);
             for (const module_kind &other : kinds())
                 EXPECT_EQ(other.get(), other.name == kind.name ? 8 : 7) << other;
-            EXPECT_EQ(status_of(kind).flags, PARA_STATUS_RESTORED | PARA_STATUS_KEPT_BAD);
+            EXPECT_EQ(status_of(kind.row).flags, PARA_STATUS_RESTORED | PARA_STATUS_KEPT_BAD);
             platformparam_save();
         });
         EXPECT_EQ(type_of(path_of(kind, ".bad")), type);

@@ -2,11 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -22,13 +20,6 @@ namespace {
 
 constexpr int old_number = 7, new_number = 9;
 constexpr long page = 4096;
-
-para_module_status status_of(const module_kind &kind)
-{
-    para_module_status found = {};
-    EXPECT_EQ(platformparam_get_status(kind.row, &found), 0);
-    return found;
-}
 
 } // namespace
 
@@ -62,21 +53,6 @@ protected:
     }
     void make_room() { std::filesystem::remove(data + "/filler"); }
 
-    // In a process of its own, which ends without a stop: this one never starts a store, so that it
-    // can look at what others left.
-    static void in_child(const std::function<void()> &steps)
-    {
-        const pid_t child = fork();
-        if (child == 0) {
-            steps();
-            fflush(stdout);
-            _exit(HasFailure() ? 1 : 0);
-        }
-        int ended = 0;
-        waitpid(child, &ended, 0);
-        EXPECT_TRUE(WIFEXITED(ended) && WEXITSTATUS(ended) == 0) << "see above";
-    }
-
     void start_and_save(int number) const
     {
         platformparam_set_guard(guarded ? 1 : 0);
@@ -97,15 +73,15 @@ protected:
     static void expect_saved()
     {
         for (const module_kind &kind : kinds()) {
-            EXPECT_EQ(status_of(kind).error, 0) << kind;
-            EXPECT_EQ(status_of(kind).saved, status_of(kind).changes) << kind;
+            EXPECT_EQ(status_of(kind.row).error, 0) << kind;
+            EXPECT_EQ(status_of(kind.row).saved, status_of(kind.row).changes) << kind;
         }
     }
     static void expect_failed(int error)
     {
         for (const module_kind &kind : kinds()) {
-            EXPECT_EQ(status_of(kind).error, error) << kind;
-            EXPECT_LT(status_of(kind).saved, status_of(kind).changes) << kind;
+            EXPECT_EQ(status_of(kind.row).error, error) << kind;
+            EXPECT_LT(status_of(kind.row).saved, status_of(kind.row).changes) << kind;
         }
     }
 
@@ -150,7 +126,8 @@ protected:
         in_child([&] {
             start_and_save(new_number);
             for (const module_kind &kind : kinds()) {
-                const char told = status_of(kind).saved == status_of(kind).changes ? 'y' : 'n';
+                const char told =
+                    status_of(kind.row).saved == status_of(kind.row).changes ? 'y' : 'n';
                 EXPECT_EQ(write(ends[1], &told, 1), 1);
             }
         });

@@ -56,13 +56,6 @@ std::vector<std::string> told_rows()
     return rows;
 }
 
-para_module_status status_of_row(const std::string &row)
-{
-    para_module_status found = {};
-    EXPECT_EQ(platformparam_get_status(row.c_str(), &found), 0) << row;
-    return found;
-}
-
 // The set request that gives a kind's number to its module; none for those without set requests.
 std::string request_for(const module_kind &kind, int number)
 {
@@ -110,18 +103,18 @@ INSTANTIATE_TEST_SUITE_P(, RequestOf, testing::ValuesIn(kinds_with_set_requests(
 TEST_P(StatusOf, ChangesAreCountedAndSaved)
 {
     start_store();
-    const unsigned before = status_of_row(kind.row).changes;
+    const unsigned before = status_of(kind.row).changes;
     kind.set(9);
     kind.set(10);
-    EXPECT_EQ(status_of_row(kind.row).changes, before + 2);
-    EXPECT_EQ(status_of_row(kind.row).saved, 0U);
-    EXPECT_EQ(status_of_row(kind.row).saved_at, 0);
+    EXPECT_EQ(status_of(kind.row).changes, before + 2);
+    EXPECT_EQ(status_of(kind.row).saved, 0U);
+    EXPECT_EQ(status_of(kind.row).saved_at, 0);
     kind.set(10);
-    EXPECT_EQ(status_of_row(kind.row).changes, before + 2) << "the same value is no change";
+    EXPECT_EQ(status_of(kind.row).changes, before + 2) << "the same value is no change";
 
     const long long now = time(nullptr) * 1000LL;
     platformparam_save();
-    const para_module_status after = status_of_row(kind.row);
+    const para_module_status after = status_of(kind.row);
     EXPECT_EQ(after.saved, after.changes);
     EXPECT_EQ(after.error, 0);
     EXPECT_EQ(after.flags, 0U);
@@ -174,8 +167,8 @@ TEST_F(ModuleStatus, ARowWithoutValuesIsNotSaved)
 {
     start_store();
     for (const char *name : {"json", "conf", "msg_id", "end"}) {
-        EXPECT_EQ(status_of_row(name).flags, unsigned{PARA_STATUS_NOT_SAVED}) << name;
-        EXPECT_EQ(status_of_row(name).changes, 0U) << name;
+        EXPECT_EQ(status_of(name).flags, unsigned{PARA_STATUS_NOT_SAVED}) << name;
+        EXPECT_EQ(status_of(name).changes, 0U) << name;
     }
 }
 
@@ -183,16 +176,16 @@ TEST_F(ModuleStatus, StreamsShareOne)
 {
     start_store();
     para_set_video_gop_cur(1, 9);
-    EXPECT_EQ(status_of_row("video0").changes, 1U);
-    EXPECT_EQ(status_of_row("video6").changes, 1U);
-    EXPECT_EQ(status_of_row("audio").changes, 0U);
+    EXPECT_EQ(status_of("video0").changes, 1U);
+    EXPECT_EQ(status_of("video6").changes, 1U);
+    EXPECT_EQ(status_of("audio").changes, 0U);
 }
 
 TEST_F(ModuleStatus, AConfModuleIsNotSavedWhileWritingIsOff)
 {
     para_profile.conf_save_hook = nullptr;
     start_store();
-    EXPECT_EQ(status_of_row("netport").flags, unsigned{PARA_STATUS_NOT_SAVED});
+    EXPECT_EQ(status_of("netport").flags, unsigned{PARA_STATUS_NOT_SAVED});
 }
 
 TEST_F(ModuleStatus, AReloadThatSucceedsEndsAFailedLoad)
@@ -200,10 +193,10 @@ TEST_F(ModuleStatus, AReloadThatSucceedsEndsAFailedLoad)
     const std::string defaults = home + "/netport.conf";
     rename(defaults.c_str(), (defaults + ".away").c_str());
     start_store();
-    EXPECT_EQ(status_of_row("netport").flags, unsigned{PARA_STATUS_LOAD_FAILED});
+    EXPECT_EQ(status_of("netport").flags, unsigned{PARA_STATUS_LOAD_FAILED});
     rename((defaults + ".away").c_str(), defaults.c_str());
     ASSERT_EQ(para_init_single_conf("netport"), 0);
-    EXPECT_EQ(status_of_row("netport").flags, 0U);
+    EXPECT_EQ(status_of("netport").flags, 0U);
 }
 
 TEST_F(ModuleStatus, APatternModuleWhoseRecordIsReusedCouldNotBeLoaded)
@@ -211,19 +204,18 @@ TEST_F(ModuleStatus, APatternModuleWhoseRecordIsReusedCouldNotBeLoaded)
     write_home("www2json.json", "{'json_pattern_list':['panel','misc']}");
     remove((home + "/panel_range.json").c_str());
     start_store();
-    EXPECT_EQ(status_of_row("panel").flags,
-              unsigned{PARA_STATUS_LOAD_FAILED | PARA_STATUS_NOT_SAVED});
-    EXPECT_EQ(status_of_row("misc").flags, 0U);
+    EXPECT_EQ(status_of("panel").flags, unsigned{PARA_STATUS_LOAD_FAILED | PARA_STATUS_NOT_SAVED});
+    EXPECT_EQ(status_of("misc").flags, 0U);
 }
 
 TEST_F(ModuleStatus, RestoringDefaultsIsAChange)
 {
     start_store();
     para_set_isp_bright_cur(0, 9);
-    const unsigned before = status_of_row("isp0").changes;
+    const unsigned before = status_of("isp0").changes;
     platformparam_set_change_observer(observe);
     para_isp_cur_restore_isp_def();
-    EXPECT_EQ(status_of_row("isp0").changes, before + 1);
+    EXPECT_EQ(status_of("isp0").changes, before + 1);
     EXPECT_THAT(told_rows(), ElementsAre("isp0 host"));
 }
 
@@ -258,7 +250,7 @@ TEST_F(ChangeObserver, IsToldOfInternalSettersToo)
     _para_conf_set_member("netport", "port", "5");
     _para_set_json_cur("panel", "brightness", 5);
     EXPECT_THAT(told_rows(), ElementsAre("odmInter host", "netport host", "panel host"));
-    EXPECT_EQ(status_of_row("odmInter").changes, 1U);
+    EXPECT_EQ(status_of("odmInter").changes, 1U);
     EXPECT_EQ(para_need_save_odm("odmInter"), 0);
 }
 
@@ -275,7 +267,7 @@ TEST_F(ChangeObserver, MayBeTakenAway)
 static void set_more(const char *row, const sockaddr_in *sender)
 {
     observe(row, sender);
-    EXPECT_GE(status_of_row(row).changes, 1U);
+    EXPECT_GE(status_of(row).changes, 1U);
     para_conf_set_member("netport", "port", "9");
     para_set_odm_int("mine", 9);
     para_set_json_cur("panel", "brightness", 9);

@@ -86,6 +86,11 @@ struct TreeCase {
     cJSON *(*make)();
 };
 
+static std::ostream &operator<<(std::ostream &stream, const TreeCase &tree_case)
+{
+    return stream << tree_case.name;
+}
+
 namespace {
 
 const TreeCase tree_cases[] = {
@@ -138,24 +143,34 @@ const TreeCase tree_cases[] = {
 
 } // namespace
 
-class ReplyText : public Store, public testing::WithParamInterface<TreeCase> {
+// A host whose row and whose command answer the same.
+class AnsweringHost : public Store {
 protected:
-    ReplyText()
+    AnsweringHost()
     {
         const para_module row = {"host", nullptr, nullptr, nullptr, get_answer, nullptr, nullptr};
         register_para_handle_extern(&row);
         static const param_command command = {"answer", command_answer, nullptr};
         register_param_command("test", &command, 1);
-        answer_of_host = GetParam().make();
-        start_store();
     }
-    ~ReplyText() override
+    ~AnsweringHost() override
     {
         stop_store();
         cJSON_Delete(answer_of_host);
     }
 
+    void start_with(cJSON *answer)
+    {
+        answer_of_host = answer;
+        start_store();
+    }
+
     Client client;
+};
+
+class ReplyText : public AnsweringHost, public testing::WithParamInterface<TreeCase> {
+protected:
+    ReplyText() { start_with(GetParam().make()); }
 };
 
 TEST_P(ReplyText, OfACommandIsThatOfItsTree)
@@ -177,29 +192,14 @@ TEST_P(ReplyText, OfAHostsRowStandsInTheReplyAsItsTreeWould)
 INSTANTIATE_TEST_SUITE_P(Of, ReplyText, testing::ValuesIn(tree_cases),
                          [](const auto &test_case) { return test_case.param.name; });
 
-class ReplyOfNoValue : public Store {
+class ReplyOfNoValue : public AnsweringHost {
 protected:
-    ReplyOfNoValue()
-    {
-        const para_module row = {"host", nullptr, nullptr, nullptr, get_answer, nullptr, nullptr};
-        register_para_handle_extern(&row);
-        static const param_command command = {"answer", command_answer, nullptr};
-        register_param_command("test", &command, 1);
-    }
-    ~ReplyOfNoValue() override
-    {
-        stop_store();
-        cJSON_Delete(answer_of_host);
-    }
-
     void start_with_an_answer_of_type(int type)
     {
-        answer_of_host = list_of({cJSON_CreateTrue()});
-        answer_of_host->child->type = type;
-        start_store();
+        cJSON *const answer = list_of({cJSON_CreateTrue()});
+        answer->child->type = type;
+        start_with(answer);
     }
-
-    Client client;
 };
 
 // cJSON_Print makes no text of it.

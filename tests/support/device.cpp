@@ -1,5 +1,6 @@
 #include "support/device.h"
 
+#include <gtest/gtest.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -202,6 +203,13 @@ std::vector<std::vector<fifo_work>> registered_work()
 {
     const std::lock_guard<std::mutex> guard(seen().lock);
     return seen().work;
+}
+
+para_module_status status_of(const std::string &row)
+{
+    para_module_status found = {};
+    EXPECT_EQ(platformparam_get_status(row.c_str(), &found), 0) << row;
+    return found;
 }
 
 bool wait_until(const std::function<bool()> &condition)

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "camparam/platform.h"
+#include "camparam/guard.h"
 
 struct trace_line {
     int level;
@@ -54,6 +55,9 @@ std::vector<std::vector<fifo_work>> registered_work();
 
 // The levels at which a text was traced by a function, each once, in order of first use.
 std::vector<int> levels_of(const std::string &text, const std::string &function);
+
+// Of a module, which there must be.
+para_module_status status_of(const std::string &row);
 
 // Waits until the condition holds, 20 seconds at the most. Returns whether it holds.
 bool wait_until(const std::function<bool()> &condition);

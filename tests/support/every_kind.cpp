@@ -1,6 +1,10 @@
 #include "support/every_kind.h"
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 
@@ -92,4 +96,18 @@ std::string EveryKind::text_with(const module_kind &kind, int number)
 {
     std::string text = kind.text;
     return text.replace(text.find('@'), 1, std::to_string(number));
+}
+
+void EveryKind::in_child(const std::function<void()> &steps)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(60);
+        steps();
+        fflush(stdout);
+        _exit(HasFailure() ? 1 : 0);
+    }
+    int ended = 0;
+    waitpid(child, &ended, 0);
+    EXPECT_TRUE(WIFEXITED(ended) && WEXITSTATUS(ended) == 0) << "see above";
 }

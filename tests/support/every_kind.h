@@ -42,6 +42,10 @@ protected:
     // The kind's file text with this number, an apostrophe for a quote.
     static std::string text_with(const module_kind &kind, int number);
 
+    // In a process of its own, which must end by itself and without a stop: this one never starts a
+    // store, so that it can look at what others left.
+    static void in_child(const std::function<void()> &steps);
+
     std::string path_of(const module_kind &kind, const std::string &suffix = "") const
     {
         return data + "/" + kind.file + suffix;

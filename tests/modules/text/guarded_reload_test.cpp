@@ -27,12 +27,7 @@ protected:
     std::string path() const { return data + "/netport.conf"; }
     static int reload() { return para_init_single_conf("netport"); }
 
-    static para_module_status status()
-    {
-        para_module_status found = {};
-        EXPECT_EQ(platformparam_get_status("netport", &found), 0);
-        return found;
-    }
+    static para_module_status status() { return status_of("netport"); }
 
     void expect_kept(const std::string &port, unsigned flags = 0)
     {
