@@ -55,8 +55,8 @@ std::vector<network> interface_networks()
     return networks;
 }
 
-allowed_networks::allowed_networks(std::vector<network> networks, source interfaces)
-    : given(std::move(networks)), interfaces_now(interfaces),
+allowed_networks::allowed_networks(std::vector<network> networks, source of_interfaces)
+    : given(std::move(networks)), interfaces_now(of_interfaces),
       next_refresh_ms(std::numeric_limits<long long>::min())
 {
 }

@@ -31,7 +31,7 @@ public:
 
     // Without networks: those of the interfaces, which the source gives.
     explicit allowed_networks(std::vector<network> networks,
-                              source interfaces_now = interface_networks);
+                              source of_interfaces = interface_networks);
 
     // Interfaces come and go: when an address is not allowed by those that are known they are asked
     // for anew, once a second at the most.
