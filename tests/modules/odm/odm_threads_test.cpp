@@ -39,7 +39,7 @@ TEST_F(OdmThreads, ReadersMeetTheFirstValueOrNone)
         for (int i = 0; i < 500; i++)
             EXPECT_THAT(number("mine"), AnyOf("5", "error -1", "error -2"));
     });
-    readers.emplace_back([this] {
+    readers.emplace_back([] {
         begin();
         for (int i = 0; i < 500; i++)
             EXPECT_THAT(text("text"), AnyOf("x", "error -1", "error -2"));
