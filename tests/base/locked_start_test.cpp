@@ -21,6 +21,7 @@ using testing::HasSubstr;
 namespace {
 
 std::atomic<bool> nothing_is_rewritten{false};
+std::atomic<int> refused_locks{0};
 
 int open_file(const char *path, int flags, mode_t mode)
 {
@@ -53,6 +54,14 @@ extern "C" PARA_API int open(const char *path, int flags, ...)
     const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     return open_file(path, flags, mode);
+}
+
+extern "C" PARA_API int flock(int file, int operation)
+{
+    const int result = static_cast<int>(syscall(SYS_flock, file, operation));
+    if (result != 0)
+        refused_locks++;
+    return result;
 }
 
 class LockedStart : public GuardedModule {
@@ -126,6 +135,16 @@ TEST_P(LockedStart, DoesNotSaveOverATornFileThatAnotherWrites)
     platformparam_save();
     EXPECT_EQ(read(), "");
     EXPECT_LT(status().saved, status().changes);
+}
+
+// A try every 10 ms, for 2 s at the most: the platform, which reads the file, does not wait again.
+TEST_P(LockedStart, WaitsOnceForAFileThatAnotherWrites)
+{
+    write_file_with(7);
+    lock(LOCK_EX);
+    start_store();
+    EXPECT_GT(refused_locks, 0);
+    EXPECT_LT(refused_locks, 300);
 }
 
 TEST_P(LockedStartOfJson, WithoutABackupSavesNothing)

@@ -263,6 +263,25 @@ void end_in_a_child()
     exit(ended ? WEXITSTATUS(status) : 1);
 }
 
+// Work that posts itself keeps the queue busy, so that many forks meet its lock held.
+void end_in_children_of_a_busy_queue()
+{
+    const auto again = [](void *) { return post_fifo_work("work", nullptr); };
+    add("work", nullptr, again, nullptr);
+    post_fifo_work("work", nullptr);
+    for (int i = 0; i < 300; i++) {
+        const pid_t child = fork();
+        if (child == 0)
+            exit(8);
+        int status = 0;
+        if (!eventually([&] { return waitpid(child, &status, WNOHANG) == child; })) {
+            kill(child, SIGKILL);
+            _exit(1);
+        }
+    }
+    _exit(8);
+}
+
 } // namespace
 
 class WorkQueueDeathTest : public testing::Test {
@@ -283,6 +302,11 @@ TEST_F(WorkQueueDeathTest, RefusesPostsWhileTheProcessEnds)
 TEST_F(WorkQueueDeathTest, HandlerMayEndTheProcess)
 {
     EXPECT_EXIT(end_in_a_handler(), testing::ExitedWithCode(5), "");
+}
+
+TEST_F(WorkQueueDeathTest, AChildThatIsForkedAtAnyMomentEnds)
+{
+    EXPECT_EXIT(end_in_children_of_a_busy_queue(), testing::ExitedWithCode(8), "");
 }
 
 TEST_F(WorkQueueDeathTest, AChildEndsWithoutTheWorkerOfItsParent)
