@@ -1,5 +1,6 @@
 // Measures round trips to the store next to those to other servers: a bare echo, a server that only
-// parses, builds and prints with cJSON, a database and a message bus, where these are installed.
+// parses, builds and prints with cJSON, one that only parses, a database and a message bus, where
+// these are installed.
 // All run on one processor, so that a round trip is the sum of the work for it, and take turns of
 // 100 requests, so that a busy machine slows them alike, and what a server does after its reply
 // falls into its own turn.
@@ -90,6 +91,7 @@ contenders all_contenders(bool others)
     servers.push_back(store_on(store_port));
     servers.push_back(bare_echo());
     servers.push_back(cjson_floor());
+    servers.push_back(parsing_floor());
     for (auto make : {redis_over_tcp, redis_over_unix_socket, dbus_properties}) {
         if (std::unique_ptr<contender> server = others ? make() : nullptr)
             servers.push_back(std::move(server));

@@ -31,6 +31,7 @@ using contenders = std::vector<std::unique_ptr<contender>>;
 std::unique_ptr<contender> store_on(int port); // runs in this process
 std::unique_ptr<contender> bare_echo();
 std::unique_ptr<contender> cjson_floor();
+std::unique_ptr<contender> parsing_floor(); // parses the request, and copies the reply
 
 // In a process of its own; null, said on standard error, where it is not installed.
 std::unique_ptr<contender> redis_over_tcp();

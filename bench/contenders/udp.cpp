@@ -24,10 +24,12 @@ sockaddr_in loopback(int port)
     return address;
 }
 
+// Of all addresses, as the store's is.
 int bound_socket(int &port)
 {
     const int descriptor = socket(AF_INET, SOCK_DGRAM, 0);
-    sockaddr_in address = loopback(0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
     socklen_t size = sizeof address;
     if (bind(descriptor, reinterpret_cast<sockaddr *>(&address), size) != 0 ||
         getsockname(descriptor, reinterpret_cast<sockaddr *>(&address), &size) != 0)
@@ -183,6 +185,28 @@ private:
     std::unique_ptr<json_floor> floor;
 };
 
+class parser final : public own_server {
+public:
+    parser()
+        : own_server("parses only", [this](const char *request, std::string &reply) {
+              reply.resize(longest_reply);
+              reply.resize(floor->answer(request, reply.data()));
+          })
+    {
+    }
+
+    void prepare(const request_kind &kind, const std::string &reply) override
+    {
+        floor = std::make_unique<parse_floor>(reply);
+        longest_reply = reply.size();
+        client.prepare(kind, reply);
+    }
+
+private:
+    std::unique_ptr<parse_floor> floor;
+    size_t longest_reply = 0;
+};
+
 } // namespace
 
 std::unique_ptr<contender> store_on(int port)
@@ -198,4 +222,9 @@ std::unique_ptr<contender> bare_echo()
 std::unique_ptr<contender> cjson_floor()
 {
     return std::make_unique<floor_server>();
+}
+
+std::unique_ptr<contender> parsing_floor()
+{
+    return std::make_unique<parser>();
 }
