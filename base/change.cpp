@@ -33,9 +33,8 @@ bool change_due(const change_stamp &stamp, int delay_ms)
 {
     if (__atomic_load_n(stamp.changed, __ATOMIC_ACQUIRE) != 1)
         return false;
-    if (!may_be_saved(*stamp.saves) || waits_to_retry(*stamp.saves))
-        return false;
-    return has_passed(load_time(*stamp.time), delay_ms);
+    return has_passed(load_time(*stamp.time), delay_ms) && may_be_saved(*stamp.saves) &&
+           !waits_to_retry(*stamp.saves);
 }
 
 // Counts that belong to the marks that it clears are visible behind it.

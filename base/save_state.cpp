@@ -9,6 +9,7 @@
 #include "base/lock.h"
 #include "base/time.h"
 #include "base/trace.h"
+#include "base/word.h"
 #include "camparam/platform.h"
 
 // Guards all members of all states but the counts of changes. Never held while a file is written.
@@ -17,6 +18,8 @@ static pthread_mutex_t states_mutex = PTHREAD_MUTEX_INITIALIZER;
 // A good sync ends a turn.
 static save_state syncs;
 static unsigned sync_turn = 1;
+// Whether the last one failed: read without the lock, as every turn of the store's thread asks.
+static int sync_failed;
 
 static bool is_kept_from_saving(unsigned flags)
 {
@@ -50,8 +53,10 @@ void remove_flags(save_state &state, unsigned flags)
 
 bool may_be_saved(const save_state &state)
 {
+    if (!guard_is_on())
+        return true;
     const lock_guard guard(states_mutex);
-    return !guard_is_on() || !is_kept_from_saving(state.last.flags);
+    return !is_kept_from_saving(state.last.flags);
 }
 
 void note_missed(save_state &state, const missed_file &missed)
@@ -109,6 +114,8 @@ static bool is_waiting(const save_state &state)
 
 bool waits_to_retry(const save_state &state)
 {
+    if (!guard_is_on())
+        return false;
     const lock_guard guard(states_mutex);
     return is_waiting(state);
 }
@@ -145,6 +152,7 @@ void note_failure(save_state &state, int error)
 
 void note_sync(int error)
 {
+    store_word(sync_failed, error != 0 ? 1 : 0);
     if (error != 0) {
         note_failure(syncs, error);
         return;
@@ -156,6 +164,8 @@ void note_sync(int error)
 
 bool is_sync_due()
 {
+    if (load_word(sync_failed) == 0)
+        return false;
     const lock_guard guard(states_mutex);
-    return guard_is_on() && syncs.failures > 0 && !is_waiting(syncs);
+    return syncs.failures > 0 && !is_waiting(syncs);
 }

@@ -12,14 +12,14 @@
 // Serialises save passes.
 static pthread_mutex_t save_mutex = PTHREAD_MUTEX_INITIALIZER;
 
-static bool to_be_saved(const para_module &row, save_mode mode)
+static bool to_be_saved(const para_module &row, save_mode mode, bool guarded)
 {
     if (mode == save_mode::forced)
         return row.save != nullptr;
     if (row.need_save == nullptr)
         return false;
     const int needed = row.need_save(row.name);
-    return guard_is_on() ? needed > 0 : needed != 0; // -1: the module cannot be found
+    return guarded ? needed > 0 : needed != 0; // -1: the module cannot be found
 }
 
 static void save_row(const para_module &row, const trace_site &site)
@@ -44,15 +44,16 @@ int save_param(save_mode mode)
 {
     const lock_guard guard(save_mutex);
     const trace_site site = PARA_HERE;
+    const bool guarded = guard_is_on();
     const unsigned written_before = files_written();
     bool saved = false;
     for_each_module([&](const para_module &row) {
-        if (to_be_saved(row, mode)) {
+        if (to_be_saved(row, mode, guarded)) {
             save_row(row, site);
             saved = true;
         }
     });
-    const bool written = guard_is_on() ? files_written() != written_before : saved;
+    const bool written = guarded ? files_written() != written_before : saved;
     if (written || is_sync_due())
         sync_files(site);
     return 0;
