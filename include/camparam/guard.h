@@ -33,7 +33,8 @@ PARA_BEGIN_DECLS
  *   well, but the file stays. The module is saved later only if the file is torn, and nobody was
  *   writing it.
  * - A save that fails is traced with file and errno, and tried again after 2, 4, 8 ... 60 s.
- * - Another program's lock on a file is waited for 2 s at most.
+ * - Another program's lock on a file is waited for 2 s at most. The thread "Para_Process" answers
+ *   no request while one of its saves waits.
  * - "sync" runs only after a pass that wrote a file. When it fails, its error is that of all that
  *   was saved since the last good one, and it is tried again as saves are.
  *
@@ -118,8 +119,7 @@ PARA_API int platformparam_set_server_port(int port);
  *               for the call:
  *               sender    where the datagram says that it comes from.
  *               datagram  its bytes, any bytes; a zero that is none of them follows.
- *               length    0 to PARA_MESSAGE_MAX; the bytes beyond that of a longer datagram are
- * lost.
+ *               length    0 to PARA_MESSAGE_MAX; what a longer datagram has beyond that is lost.
  */
 PARA_API void register_request_filter(int (*admit)(const struct sockaddr_in *sender,
                                                    const char *datagram, int length));
