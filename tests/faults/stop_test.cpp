@@ -144,6 +144,7 @@ protected:
             platformparam_init();
             tried = allocations.tried();
         }
+        para_set_odm_int("version", 1); // makes a document where none was loaded
         platformparam_save();
         return std::to_string(tried);
     }
