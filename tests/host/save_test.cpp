@@ -1,3 +1,8 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 
@@ -145,6 +150,22 @@ TEST_F(SaveCommand, OfAChangeWithinASecondIsAnsweredWhenItIsWritten)
     const json answer(cJSON_Parse(client.receive().value_or("").c_str()));
     EXPECT_EQ(compact(answer.get()), "{'msg_name':'save','msg_id':5}");
     EXPECT_TRUE(saves("af_cur.json", "{\n\t'focus_mode':\t1,\n\t'zoom_value':\t7\n}"));
+}
+
+TEST_F(SaveCommand, ThatTakesLongIsNotFollowedByAnotherAtOnce)
+{
+    write_home("netport.conf", "http_port = '80'\n");
+    start_host();
+    EXPECT_EQ(client.ask("{'msg_type':'set','netport':{'http_port':'81'}}"), "{}");
+    const int file = open((data + "/netport.conf").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(flock(file, LOCK_EX), 0);
+    EXPECT_NE(save(), all_saved) << "the file was locked for too long";
+    const auto answered = std::chrono::steady_clock::now();
+    close(file);
+
+    EXPECT_EQ(save(), all_saved);
+    EXPECT_GE(std::chrono::steady_clock::now() - answered, std::chrono::milliseconds(500))
+        << "its second begins when it ends";
 }
 
 TEST_F(SaveCommand, WritesOnceForAllThatWait)
