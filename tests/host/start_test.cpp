@@ -1,4 +1,5 @@
 // What camparamd makes sure of before it starts.
+#include <fcntl.h>
 #include <linux/capability.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
@@ -219,6 +220,26 @@ TEST_F(HostStart, LocksADataFolderThatItMade)
 
     refuses("cannot lock the data folder \"" + data + "\": another host process uses it",
             {"--port", "6801"});
+}
+
+// What a command left running would keep the next host from starting.
+TEST_F(HostStart, KeepsTheLockFromTheCommandsThatItRuns)
+{
+    start_host();
+    const std::string process = "/proc/" + std::to_string(host->pid());
+    int locks = 0;
+    for (const auto &each : std::filesystem::directory_iterator(process + "/fd")) {
+        std::error_code error;
+        if (std::filesystem::read_symlink(each.path(), error) != data)
+            continue;
+        const std::string about =
+            read_file(process + "/fdinfo/" + each.path().filename().string()).value_or("");
+        const size_t flags = about.find("flags:\t");
+        ASSERT_NE(flags, about.npos) << about;
+        EXPECT_NE(std::stoul(about.substr(flags + 7), nullptr, 8) & O_CLOEXEC, 0U) << about;
+        locks++;
+    }
+    EXPECT_EQ(locks, 1);
 }
 
 // No file can be made in /proc, whoever runs the test.
