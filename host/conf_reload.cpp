@@ -74,7 +74,7 @@ std::string reread_conf(const char *module)
         log_line("%s", fault.c_str());
         return fault;
     }
-    // To read a file may have taken long, as others lock it.
+    // To read them may have taken long, and without the guard the store would drop a change.
     if (is_to_be_saved(module))
         return changes_to_save;
     if (para_init_single_conf(module) != 0)
