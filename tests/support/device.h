@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "camparam/platform.h"
 #include "camparam/guard.h"
+#include "camparam/platform.h"
 
 struct trace_line {
     int level;
