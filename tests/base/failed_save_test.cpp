@@ -233,6 +233,12 @@ TEST_F(GuardedSave, SyncsAgainLikeItSavesAgain)
     move_clock(60000);
     take_turn();
     EXPECT_EQ(shell_commands().size(), synced) << "once is enough";
+
+    fail_shell_commands(ENOSPC);
+    platformparam_save();
+    move_clock(2000);
+    EXPECT_TRUE(wait_until([&] { return shell_commands().size() == synced + 2; }))
+        << "the first failure again";
 }
 
 // What is on disk stays there.
