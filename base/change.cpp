@@ -25,8 +25,9 @@ void stamp_change(const change_stamp &stamp)
 
 void accept_change(const change_stamp &stamp)
 {
+    store_time(*stamp.time, monotonic_now()); // the clock would wait for the count
     count_change(stamp);
-    stamp_change(stamp);
+    mark_change(stamp);
 }
 
 bool change_due(const change_stamp &stamp, int delay_ms)

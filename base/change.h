@@ -18,7 +18,8 @@ inline constexpr int default_save_delay_ms = 2000; // of every module that has n
 // Takes note of an accepted change, once it is in force.
 void accept_change(const change_stamp &stamp);
 
-// The steps of accept_change(), in this order, for changes that differ.
+// The steps of accept_change(), for changes that differ. The count comes before the mark: a save
+// that clears the mark knows the count.
 void count_change(const change_stamp &stamp);
 void stamp_change(const change_stamp &stamp);
 
