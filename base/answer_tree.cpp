@@ -52,7 +52,7 @@ int answer_as_tree(answer_function answer, const char *key, const cJSON *item, c
 {
     answer_tree sink;
     const int result = answer(key, item, name, sink);
-    if (!sink.complete())
+    if (result == no_memory || !sink.complete())
         return no_memory;
     if (json_ptr answered = sink.release())
         *tree = answered.release();

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -50,6 +51,7 @@ void *noting_find(configure *conf, const char *key)
     return platform.conf_find(conf, key);
 }
 
+std::atomic<bool> loops_starve{false};
 std::atomic<int> told_to_go_on{0}, told_to_stop{0};
 
 struct callback {
@@ -69,7 +71,10 @@ int noting_loop(configure *conf, conf_loop_callback function, void *argument)
 {
     note_use();
     callback called = {function, argument};
-    return platform.conf_loop(conf, note_answer, &called);
+    const int result = platform.conf_loop(conf, note_answer, &called);
+    if (loops_starve)
+        errno = ENOMEM;
+    return result;
 }
 
 template <typename function> function next(const char *name)
@@ -259,4 +264,15 @@ TEST_F(HostObjects, ALoopIsToldToGoOnByEveryCallback)
     EXPECT_EQ(compact(answer.get()), "{'number':1,'mode':'on'}");
     EXPECT_EQ(told_to_go_on, 8);
     EXPECT_EQ(told_to_stop, 0);
+}
+
+// As a platform tells that memory ran out within its loop.
+TEST_F(HostObjects, ALoopWithoutMemoryGivesNoAnswer)
+{
+    init();
+    loops_starve = true;
+    const json item = parse("{'netport':['all']}");
+    cJSON *answer = nullptr;
+    EXPECT_EQ(para_get_conf_opt("netport", item.get()->child, &answer, "netport"), -ENOMEM);
+    EXPECT_EQ(answer, nullptr);
 }
