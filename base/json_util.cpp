@@ -7,6 +7,7 @@
 #include "base/trace.h"
 #include "camparam/platform.h"
 
+// Prints the tree also where the trace is dropped.
 static void trace_tree(const trace_site &site, const cJSON *node, const char *tag,
                        const void *caller)
 {
@@ -16,8 +17,6 @@ static void trace_tree(const trace_site &site, const cJSON *node, const char *ta
         return;
     }
 
-    if (!para_traces(PARA_INFO))
-        return;
     const printed_ptr text(cJSON_Print(node));
     const auto type = static_cast<unsigned>(node->type);
     if (!text)

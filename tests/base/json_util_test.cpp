@@ -54,6 +54,30 @@ TEST_F(JsonUtil, TracesNothingBelowItsLevel)
     EXPECT_EQ(traces().size(), 1U);
 }
 
+static int texts_made;
+
+static void *count_text(size_t size)
+{
+    texts_made++;
+    return malloc(size);
+}
+
+TEST_F(JsonUtil, PrintsTreesAlsoWhereTheirTraceIsDropped)
+{
+    const json tree = parse("{'a':1}");
+    set_trace_level(5);
+    cJSON_Hooks hooks = {count_text, free};
+    cJSON_InitHooks(&hooks);
+    for (const auto print :
+         {cJSON_Print_safe, +[](const cJSON *node) { cJSON_Print2_safe(node, "tag"); }}) {
+        texts_made = 0;
+        print(tree.get());
+        EXPECT_GT(texts_made, 0);
+    }
+    cJSON_InitHooks(nullptr);
+    EXPECT_TRUE(traces().empty());
+}
+
 TEST_F(JsonUtil, LoadNumberStoresTheIntegerForm)
 {
     const json object = parse("{'a':12,'half':2.5,'text':'12'}");
