@@ -21,6 +21,8 @@ static bool is_plain(char byte)
     return static_cast<unsigned char>(byte) >= ' ' && byte != '"' && byte != '\\';
 }
 
+constexpr size_t longest_escape = 6;
+
 // The letter behind the backslash; 0 for a character that is written by its number.
 static char escape_letter(char byte)
 {
@@ -73,11 +75,24 @@ static char *write_quoted(char *to, const char *text)
     return to;
 }
 
-// The most that write_quoted() writes.
+static size_t escaped_size(char byte)
+{
+    if (is_plain(byte))
+        return 1;
+    return escape_letter(byte) != '\0' ? 2 : longest_escape;
+}
+
+// At least what write_quoted() writes; exactly that where it matters.
 static size_t quoted_size(const char *text)
 {
-    constexpr size_t longest_escape = 6;
-    return longest_escape * strlen(text) + 2;
+    constexpr size_t short_text = 256;
+    const size_t length = strlen(text);
+    if (length <= short_text)
+        return longest_escape * length + 2;
+    size_t size = 2;
+    for (; *text != '\0'; text++)
+        size += escaped_size(*text);
+    return size;
 }
 
 static const char *or_empty(const char *text)

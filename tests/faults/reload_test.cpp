@@ -21,6 +21,30 @@ protected:
         write_data("netport.conf", "http_port = '" + port + "'\nother = '" + port + "'\n");
     }
 
+    // Leaves files of the values "2" where those of "1" were read, and reads them while memory
+    // fails.
+    int reload_starved(long failing, shortage lasting)
+    {
+        write_files("1");
+        EXPECT_EQ(para_init_single_conf("netport"), 0);
+        EXPECT_TRUE(all_are("1"));
+        write_files("2");
+        const Allocations allocations(failing, lasting);
+        return para_init_single_conf("netport");
+    }
+    void expect_success_when_memory_is_back()
+    {
+        EXPECT_EQ(para_init_single_conf("netport"), 0);
+        EXPECT_TRUE(all_are("2"));
+    }
+
+    static long allocations_of_a_reload()
+    {
+        const Allocations allocations;
+        para_init_single_conf("netport");
+        return allocations.tried();
+    }
+
     static bool all_are(const std::string &text)
     {
         return value("http_port") == text && value("rtsp_port") == text && value("other") == text;
@@ -29,24 +53,25 @@ protected:
 
 TEST_F(StarvedReload, GivesTheNewValuesOrNone)
 {
-    long tried = 0;
-    {
-        const Allocations allocations;
-        para_init_single_conf("netport");
-        tried = allocations.tried();
-    }
-    for_each_failure(tried, [&](long failing, shortage lasting) {
-        write_files("1");
-        ASSERT_EQ(para_init_single_conf("netport"), 0);
-        ASSERT_TRUE(all_are("1"));
-        write_files("2");
-        int result = 0;
-        {
-            const Allocations allocations(failing, lasting);
-            result = para_init_single_conf("netport");
-        }
+    for_each_failure(allocations_of_a_reload(), [&](long failing, shortage lasting) {
+        const int result = reload_starved(failing, lasting);
         EXPECT_TRUE(all_are(result == 0 ? "2" : "none")) << value("http_port") << value("other");
-        EXPECT_EQ(para_init_single_conf("netport"), 0) << "memory is back";
-        EXPECT_TRUE(all_are("2"));
+        expect_success_when_memory_is_back();
+    });
+}
+
+TEST_F(StarvedReload, WithTheGuardGivesTheNewValuesOrKeepsTheOld)
+{
+    platformparam_set_guard(1);
+    para_init_single_conf("netport");
+    for_each_failure(allocations_of_a_reload(), [&](long failing, shortage lasting) {
+        const int result = reload_starved(failing, lasting);
+        if (result == 0)
+            EXPECT_TRUE(all_are("2")) << value("http_port") << value("other");
+        else if (lasting == shortage::once)
+            EXPECT_TRUE(all_are("1")) << value("http_port") << value("other");
+        else // for the old ones there may be no memory either
+            EXPECT_TRUE(all_are("1") || all_are("none")) << value("http_port") << value("other");
+        expect_success_when_memory_is_back();
     });
 }
