@@ -167,5 +167,5 @@ bool is_sync_due()
     if (load_word(sync_failed) == 0)
         return false;
     const lock_guard guard(states_mutex);
-    return syncs.failures > 0 && !is_waiting(syncs);
+    return guard_is_on() && syncs.failures > 0 && !is_waiting(syncs);
 }
