@@ -12,6 +12,7 @@
 #include "bench/bare/bare.h"
 #include "bench/support/device.h"
 #include "bench/support/median.h"
+#include "bench/support/result.h"
 
 namespace {
 
@@ -51,6 +52,8 @@ void measure(const char *title, double goal, std::vector<subject> subjects)
     for (const subject &each : subjects) {
         const double time = median(each.samples);
         printf("  %-22s %6.2f  %.2f\n", each.name, time, time / least);
+        if (&each != &subjects[0])
+            add_result(std::string(title) + ", " + each.name, time / least, goal);
     }
 }
 

@@ -55,7 +55,7 @@ int bare_checked_set_of_record(int instance, int value)
 
 int bare_stamped_set(int value)
 {
-    if (!bare_checked_set(value))
+    if (!checked_set(slot, value))
         return 0;
     clock_gettime(CLOCK_MONOTONIC, &bare_time);
     bare_changed = 1;

@@ -86,7 +86,6 @@ udp_server::~udp_server()
 void udp_server::serve()
 {
     char text[PARA_MESSAGE_MAX + 1];
-    std::string reply;
     fd_set watched;
     FD_ZERO(&watched);
     FD_SET(descriptor, &watched);
@@ -103,7 +102,7 @@ void udp_server::serve()
         if (length <= 0)
             continue;
         text[length] = '\0';
-        make_reply(text, reply);
+        const std::string_view reply = make_reply(text);
         sendto(descriptor, reply.data(), reply.size(), MSG_DONTWAIT, address, size);
     }
 }
@@ -152,7 +151,7 @@ protected:
 
 class echo final : public own_server {
 public:
-    echo() : own_server("bare echo", [this](const char *, std::string &reply) { reply = text; }) {}
+    echo() : own_server("bare echo", [this](const char *) { return std::string_view(text); }) {}
 
     void prepare(const request_kind &kind, const std::string &reply) override
     {
@@ -167,10 +166,9 @@ private:
 class floor_server final : public own_server {
 public:
     floor_server()
-        : own_server("cJSON floor", [this](const char *request, std::string &reply) {
-              char *const printed = floor->answer(request);
-              reply = printed;
-              cJSON_free(printed);
+        : own_server("cJSON floor", [this](const char *request) {
+              printed.reset(floor->answer(request));
+              return std::string_view(printed.get());
           })
     {
     }
@@ -182,15 +180,18 @@ public:
     }
 
 private:
+    struct printed_delete {
+        void operator()(char *text) const { cJSON_free(text); }
+    };
     std::unique_ptr<json_floor> floor;
+    std::unique_ptr<char, printed_delete> printed;
 };
 
 class parser final : public own_server {
 public:
     parser()
-        : own_server("parses only", [this](const char *request, std::string &reply) {
-              reply.resize(longest_reply);
-              reply.resize(floor->answer(request, reply.data()));
+        : own_server("parses only", [this](const char *request) {
+              return std::string_view(copy.data(), floor->answer(request, copy.data()));
           })
     {
     }
@@ -198,13 +199,13 @@ public:
     void prepare(const request_kind &kind, const std::string &reply) override
     {
         floor = std::make_unique<parse_floor>(reply);
-        longest_reply = reply.size();
+        copy.resize(reply.size());
         client.prepare(kind, reply);
     }
 
 private:
     std::unique_ptr<parse_floor> floor;
-    size_t longest_reply = 0;
+    std::string copy;
 };
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <thread>
 
 #include "bench/contenders/contender.h"
@@ -30,7 +31,8 @@ private:
 // function makes of it.
 class udp_server {
 public:
-    using reply_function = std::function<void(const char *request, std::string &reply)>;
+    // What it returns stays until it is called again.
+    using reply_function = std::function<std::string_view(const char *request)>;
     explicit udp_server(reply_function reply);
     ~udp_server();
     udp_server(const udp_server &) = delete;
