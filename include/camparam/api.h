@@ -1,6 +1,10 @@
 /**
  * @file api.h
  * What every exported declaration is made with.
+ *
+ * The library calls functions of the host: platform functions, hooks, rows of its own modules,
+ * handlers, filters and observers. None of them may throw a C++ exception into the library: it has
+ * no tables to unwind by, and the process would be ended.
  */
 #ifndef CAMPARAM_API_H
 #define CAMPARAM_API_H

@@ -35,7 +35,8 @@ typedef struct {
      * @param key          The request's key: the row name, or longer.
      * @param item         The value that the client sent, of any type. Borrowed for the call.
      * @param[out] answer  NULL on entry. Store a new value, which the store then owns, or leave
-     *                     NULL to answer nothing.
+     *                     NULL to answer nothing. It is printed into the reply and deleted before
+     *                     the next member is answered.
      * @return -ENOMEM, with no answer, when memory ran out: the client gets no reply. All other
      *         results are ignored.
      */
