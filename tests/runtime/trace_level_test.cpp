@@ -62,6 +62,26 @@ TEST_P(TraceLevel, HoldsForAStartOnBrokenFiles)
     admits_its_messages_alone(8);
 }
 
+TEST_P(TraceLevel, HoldsForWhatTheGuardKeeps)
+{
+    std::string lines;
+    for (int i = 0; i < 5000; i++) // more than the platform takes
+        lines += "key" + std::to_string(i) + " = '1'\n";
+    write_data("netport.conf", lines);
+    write_data("netport.conf.bak", "port = '7'\n");
+    write_data("af_cur.json", "");
+    std::filesystem::create_directory(data + "/af_cur.json.bak");
+    start_store();
+
+    EXPECT_EQ(kind_named("Conf").get(), 7);
+    EXPECT_EQ(para_init_single_conf("netport"), -1);
+    EXPECT_EQ(kind_named("Conf").get(), 7);
+    fail_shell_commands(EIO);
+    platformparam_save();
+    EXPECT_EQ(status_of("audio").error, EIO);
+    admits_its_messages_alone(4);
+}
+
 TEST_P(TraceLevel, HoldsForAStartWithoutDefaultsOfItsModules)
 {
     use_legacy_misc();

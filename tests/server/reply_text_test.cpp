@@ -138,6 +138,7 @@ const TreeCase tree_cases[] = {
      }},
     {"Nested", [] { return nested(40); }},
     {"LongText", [] { return cJSON_CreateString(std::string(10000, '\x01').c_str()); }},
+    {"LongTextOfLines", [] { return cJSON_CreateString(std::string(10000, '\n').c_str()); }},
     {"ManyMembers", [] { return many_members(1500); }},
 };
 
