@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,6 +14,7 @@
 
 #include "camparam/camparam.h"
 #include "support/every_kind.h"
+#include "support/refused_call.h"
 
 using testing::Each;
 using testing::Field;
@@ -71,6 +73,7 @@ TEST_P(TraceLevel, HoldsForWhatTheGuardKeeps)
     write_data("netport.conf.bak", "port = '7'\n");
     write_data("af_cur.json", "");
     std::filesystem::create_directory(data + "/af_cur.json.bak");
+    write_home("www2json.json", "{'json_pattern_list':5,'conf_pattern_list':['netport']}");
     start_store();
 
     EXPECT_EQ(kind_named("Conf").get(), 7);
@@ -79,7 +82,18 @@ TEST_P(TraceLevel, HoldsForWhatTheGuardKeeps)
     fail_shell_commands(EIO);
     platformparam_save();
     EXPECT_EQ(status_of("audio").error, EIO);
-    admits_its_messages_alone(4);
+    admits_its_messages_alone(5);
+}
+
+TEST_P(TraceLevel, HoldsForAFileThatCannotBeRestored)
+{
+    write_data("video_cur.json", "");
+    write_data("video_cur.json.bak", text_with(kind_named("Video"), 7));
+    refuse_call(SYS_ftruncate, ENOSPC);
+    start_store();
+    EXPECT_EQ(kind_named("Video").get(), 7);
+    EXPECT_EQ(read_data("video_cur.json"), "");
+    admits_its_messages_alone(1);
 }
 
 TEST_P(TraceLevel, HoldsForAStartWithoutDefaultsOfItsModules)
