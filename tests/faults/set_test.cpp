@@ -115,6 +115,43 @@ TEST_F(StarvedSet, OfWebPages)
                    });
 }
 
+namespace {
+
+int handed_over;
+
+int count_set(const char *, const cJSON *, const char *)
+{
+    handed_over++;
+    return 0;
+}
+
+} // namespace
+
+class StarvedReplyOfASet : public FaultedStore {
+protected:
+    StarvedReplyOfASet()
+    {
+        para_module row = {};
+        row.name = "host";
+        row.set_opt = count_set;
+        register_para_handle_extern(&row);
+    }
+};
+
+TEST_F(StarvedReplyOfASet, MeansThatNothingIsSet)
+{
+    // Its name is escaped to more than the memory that is kept for replies.
+    const std::string request =
+        "{'msg_type':'set','host':1,'msg_name':'" + std::string(1000, '\x01') + "'}";
+    const DirectClient::answer right = client.ask(request);
+    ASSERT_GT(right.text.size(), 6000U);
+    for_each_failure(right.tried, [&](long failing, shortage lasting) {
+        handed_over = 0;
+        const bool answered = !client.ask(request, failing, lasting).text.empty();
+        EXPECT_EQ(handed_over, answered ? 1 : 0);
+    });
+}
+
 // --- Setters of hosts ---
 
 class StarvedOdm : public FaultedStore {

@@ -1,6 +1,7 @@
 // The text of replies and files is, byte for byte, what cJSON_Print makes of the same values.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <climits>
 #include <cmath>
@@ -112,6 +113,7 @@ const TreeCase tree_cases[] = {
     {"Third", [] { return number(1.0 / 3); }},
     {"AThousandthAndAHalf", [] { return number(-1000.0015); }},
     {"Huge", [] { return number(std::numeric_limits<double>::max()); }},
+    {"HugeBelowZero", [] { return number(-std::numeric_limits<double>::max()); }},
     {"Tiny", [] { return number(std::numeric_limits<double>::denorm_min()); }},
     {"Infinite", [] { return number(HUGE_VAL); }},
     {"NotANumber", [] { return number(std::nan("")); }},
@@ -138,7 +140,21 @@ const TreeCase tree_cases[] = {
      }},
     {"Nested", [] { return nested(40); }},
     {"LongText", [] { return cJSON_CreateString(std::string(10000, '\x01').c_str()); }},
-    {"LongTextOfLines", [] { return cJSON_CreateString(std::string(10000, '\n').c_str()); }},
+    {"LongTextOfQuotes", [] { return cJSON_CreateString(std::string(25000, '"').c_str()); }},
+    {"TextWithoutText", [] { return cJSON_CreateStringReference(nullptr); }},
+    {"MemberWithoutAKey",
+     [] {
+         cJSON *const object = object_with("a", number(1));
+         cJSON_AddItemToArray(object, number(2));
+         return object;
+     }},
+    {"ConstantKeys",
+     [] {
+         cJSON *const object = cJSON_CreateObject();
+         cJSON_AddItemToObjectCS(object, "a", number(1));
+         cJSON_AddItemToObjectCS(object, "b", cJSON_CreateString("t"));
+         return object;
+     }},
     {"ManyMembers", [] { return many_members(1500); }},
 };
 
@@ -223,16 +239,21 @@ TEST_F(ReplyOfNoValue, RawTextThatIsMissingIsNone)
 // A handler may have a request served while it answers one: the replies do not mix.
 namespace {
 
-int get_by_a_request(const char *, const cJSON *, cJSON **answer, const char *)
+// The reply goes nowhere.
+void serve_here(const char *text)
 {
     sockaddr_in nobody = {};
     nobody.sin_family = AF_INET;
-    para_message inner = {};
-    inner.socket = -1;
-    inner.sender = nobody;
-    snprintf(inner.text, sizeof inner.text, "%s",
-             R"({"msg_type":"get","msg_name":"the inner request, with a longer name"})");
-    para_server_message_Process(&inner);
+    para_message message = {};
+    message.socket = -1;
+    message.sender = nobody;
+    snprintf(message.text, sizeof message.text, "%s", text);
+    para_server_message_Process(&message);
+}
+
+int get_by_a_request(const char *, const cJSON *, cJSON **answer, const char *)
+{
+    serve_here(R"({"msg_type":"get","msg_name":"the inner request, with a longer name"})");
     *answer = cJSON_CreateTrue();
     return 0;
 }
@@ -250,4 +271,32 @@ TEST_F(NestedRequest, LeavesTheReplyThatIsBeingWritten)
     for (int i = 0; i < 3; i++)
         EXPECT_EQ(client.ask("{'msg_type':'get','msg_name':'n','host':1,'msg_id':5}"),
                   "{'msg_name':'n','host':true,'msg_id':5}");
+}
+
+class ReplyMemory : public AnsweringHost {
+protected:
+    // Of the whole process; sanitizers count in their own way, and say 0 here.
+    static size_t in_use()
+    {
+        const struct mallinfo2 heap = mallinfo2();
+        return heap.uordblks + heap.hblkhd;
+    }
+
+    void serve_a_request() { serve_here(R"({"msg_type":"do_get","msg_name":"answer"})"); }
+};
+
+TEST_F(ReplyMemory, OfALargeReplyIsNotKept)
+{
+    start_with(number(1));
+    set_trace_level(0);
+    serve_a_request();
+    const size_t before = in_use();
+
+    cJSON *const small = answer_of_host;
+    answer_of_host = cJSON_CreateString(std::string(50000, '\x01').c_str());
+    serve_a_request();
+    cJSON_Delete(answer_of_host);
+    answer_of_host = small;
+
+    EXPECT_LT(in_use(), before + 50000);
 }

@@ -141,6 +141,20 @@ TEST_F(Requests, SetEchoesOnlyIdentifiersOfTheRightType)
     EXPECT_EQ(client.request("{'msg_type':'set','msg_id':'7','msg_name':8}"), "{\n}");
 }
 
+// '_' and the character of 7f differ by the bit that tells the two cases of a letter apart.
+TEST_F(Requests, KeysOfARequestAreTheSameButForTheCaseOfLetters)
+{
+    EXPECT_EQ(client.ask(R"({"MSG_Type":"set","msg\u007fname":"other","Msg_NAME":"n"})"),
+              "{'msg_name':'n'}");
+    EXPECT_EQ(client.ask("{'msg_type':'set','msg_id_2':1,'msg_':2,'msg_id':3}"), "{'msg_id':3}");
+}
+
+TEST_F(Requests, TheFirstOfEqualKeysCounts)
+{
+    EXPECT_EQ(client.ask("{'msg_type':'set','msg_id':1,'MSG_ID':2}"), "{'msg_id':1}");
+    EXPECT_EQ(client.ask("{'msg_type':'set','Msg_Type':'get','host':0}"), "{}");
+}
+
 TEST_F(Requests, ATypeCutShortIsServedAllTheSame)
 {
     EXPECT_EQ(client.ask("{'msg_type':'g','host':0}"), "{'host':'host'}");

@@ -82,6 +82,16 @@ TEST_F(AfQuery, KeyMayBeCutShort)
     EXPECT_EQ(query("['zoom_value']", ""), "{'zoom_value':100}");
 }
 
+TEST_F(AfQuery, AnItemWithoutAKeyIsAnswered)
+{
+    init();
+    const json item = parse("['zoom_value']");
+    cJSON *answer = nullptr;
+    EXPECT_EQ(para_get_af_opt("af", item.get(), &answer, "af"), 0);
+    const json owned(answer);
+    EXPECT_EQ(compact(answer), "{'zoom_value':100}");
+}
+
 TEST_F(AfQuery, AnotherKeyIsNotAnswered)
 {
     init();
