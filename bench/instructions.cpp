@@ -4,7 +4,7 @@
 //
 // usage: instructions [--compare FILE | --record FILE]
 // Exits with 1 when the store needs over 3 % more instructions than the file says, or, without the
-// file, than the goals allow, and with 2 when nothing could be counted.
+// file, than the goals allow, and with 2 when nothing could be counted or compared.
 #include <arpa/inet.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -241,11 +241,14 @@ int main(int argc, char **argv)
     const std::string option = argc > 1 ? argv[1] : "";
     if (option == "--inside")
         return count_all();
+    const bool records = option == "--record", compares = option == "--compare";
+    if (argc != (records || compares ? 3 : 1)) {
+        fprintf(stderr, "usage: instructions [--compare FILE | --record FILE]\n");
+        return 2;
+    }
     const counts found = count_instructions(argv[0]);
     print(found);
-    if (option == "--record" && argc == 3)
+    if (records)
         record(found, argv[2]);
-    if (option == "--compare" && argc == 3)
-        return compare(found, argv[2]) ? 0 : 1;
-    return 0;
+    return !compares || compare(found, argv[2]) ? 0 : 1;
 }

@@ -19,6 +19,7 @@ bench           include bench
 fuzz            include base modules server share runtime platform host fuzz
 examples        include examples
 tests           include base modules server share runtime platform host cli fuzz tests
+tests/bench     include bench tests
 tests/foreign   include tests/foreign
 tests/install   include tests/install
 '
