@@ -113,7 +113,7 @@ const TreeCase tree_cases[] = {
     {"Third", [] { return number(1.0 / 3); }},
     {"AThousandthAndAHalf", [] { return number(-1000.0015); }},
     {"Huge", [] { return number(std::numeric_limits<double>::max()); }},
-    {"HugeBelowZero", [] { return number(-std::numeric_limits<double>::max()); }},
+    {"OfTheMostDigits", [] { return number(-1e-300 / 3); }},
     {"Tiny", [] { return number(std::numeric_limits<double>::denorm_min()); }},
     {"Infinite", [] { return number(HUGE_VAL); }},
     {"NotANumber", [] { return number(std::nan("")); }},
