@@ -1,4 +1,5 @@
 # camparam::camparam  the parameter store; a host brings the functions of camparam/platform.h
+# camparam::commands  the command kit, for hosts that clients are to list and save settings of
 # camparam::platform  the reference host platform, for hosts that bring none of their own
 include(CMakeFindDependencyMacro)
 find_dependency(PkgConfig)

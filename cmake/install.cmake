@@ -2,11 +2,12 @@
 # them holds the prefix, so that an installed tree may be moved.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS camparam camparam_platform camparam_headers EXPORT camparam_targets
+install(TARGETS camparam camparam_platform camparam_commands camparam_headers EXPORT camparam_targets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 set_target_properties(camparam_headers PROPERTIES EXPORT_NAME headers)
 set_target_properties(camparam_platform PROPERTIES EXPORT_NAME platform)
+set_target_properties(camparam_commands PROPERTIES EXPORT_NAME commands)
 install(DIRECTORY include/camparam DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN *.h PATTERN *.def)
 
@@ -31,7 +32,7 @@ install(FILES cmake/camparam-config.cmake
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH from_pkgconfig_to_prefix /${pkgconfig_dir} /)
 string(REGEX REPLACE "/$" "" from_pkgconfig_to_prefix ${from_pkgconfig_to_prefix})
-foreach(name camparam camparam-platform)
+foreach(name camparam camparam-platform camparam-commands)
     configure_file(cmake/${name}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc @ONLY)
     install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${pkgconfig_dir})
 endforeach()

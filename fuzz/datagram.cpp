@@ -1,16 +1,16 @@
-// Target: datagrams to a store on the sample device, with all commands of the host process.
+// Target: datagrams to a store on the sample device, with all commands of the kit.
 //   input: byte 0: bit 0 guard, bit 1 trace level; then datagrams, separated by bytes 0xff
 #include <cstring>
 #include <string>
 
 #include "camparam/camparam.h"
+#include "camparam/commands.h"
 #include "fuzz/support/device.h"
 #include "fuzz/support/endpoint.h"
 #include "fuzz/support/input.h"
 #include "fuzz/support/json.h"
 #include "fuzz/support/start_state.h"
 #include "fuzz/support/target.h"
-#include "host/commands.h"
 #include "host/share_datagram.h"
 
 namespace {
@@ -30,7 +30,7 @@ void check_sender(const char *row, const sockaddr_in *sender)
 void start()
 {
     install_sample_home();
-    require(register_commands() == 0, "the commands are not registered");
+    require(para_commands_register() == 0, "the commands are not registered");
     register_share_datagram_handler(apply_share_datagram);
     start_store();
     keep_start_state();

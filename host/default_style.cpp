@@ -1,7 +1,7 @@
 #include "default_style.h"
 
 #include "device_file.h"
-#include "request.h"
+#include "json.h"
 
 static const char *const default_index = "isp0_style_def";
 

@@ -5,7 +5,7 @@
 
 #include "default_style.h"
 #include "device_file.h"
-#include "request.h"
+#include "json.h"
 
 namespace {
 

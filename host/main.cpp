@@ -4,11 +4,11 @@
 #include <csignal>
 #include <cstring>
 
+#include "camparam/commands.h"
 #include "camparam/control.h"
 #include "camparam/guard.h"
 #include "camparam/platform.h"
 #include "change_log.h"
-#include "commands.h"
 #include "conf_reload.h"
 #include "hooks.h"
 #include "log.h"
@@ -40,7 +40,7 @@ bool start_server(const options &chosen)
 {
     if (!pass_start_checks(chosen))
         return false;
-    if (register_commands() != 0) {
+    if (para_commands_register() != 0) {
         log_line("cannot register the commands");
         return false;
     }
@@ -73,8 +73,6 @@ bool take_turn()
 {
     refresh_share_maps();
     const bool reload_waits = reload_requested_conf();
-    answer_waiting_reloads();
-    answer_waiting_saves();
     tell_dropped_datagrams();
     tell_unlisted_changes(false);
     return reload_waits;

@@ -5,9 +5,11 @@
 #include <iterator>
 #include <string>
 
-#include "isp_table.h"
-#include "named_table.h"
-#include "request.h"
+#include "camparam/audio.h"
+#include "camparam/isp.h"
+#include "camparam/video.h"
+#include "json.h"
+#include "member_names.h"
 
 namespace {
 
@@ -23,21 +25,21 @@ struct share_target {
 template <typename table> bool is_in(const table &members, const char *name)
 {
     return std::any_of(std::begin(members), std::end(members),
-                       [&](const auto &member) { return strcmp(member.name, name) == 0; });
+                       [&](const char *member) { return strcmp(member, name) == 0; });
 }
 
 const share_target targets[] = {
     {.name = "video",
      .set_opt = para_set_video_opt,
-     .has = [](const char *member) { return is_in(video_members, member); },
+     .has = [](const char *member) { return is_in(video_member_names, member); },
      .instances = para_get_video_streamNum,
      .is_numbered = true},
     {.name = "audio",
      .set_opt = para_set_audio_opt,
-     .has = [](const char *member) { return is_in(audio_members, member); }},
+     .has = [](const char *member) { return is_in(audio_member_names, member); }},
     {.name = "isp",
      .set_opt = para_set_isp_opt,
-     .has = [](const char *member) { return is_in(isp_members, member); },
+     .has = [](const char *member) { return is_in(isp_member_names, member); },
      .instances = [] { return isp_num; },
      .is_numbered = true},
 };

@@ -13,10 +13,11 @@ server          include base server
 share           include base share
 runtime         include base modules server share runtime
 platform        include platform
+commands        include commands
 host            include host
 cli             include cli
 bench           include bench
-fuzz            include base modules server share runtime platform host fuzz
+fuzz            include base modules server share runtime platform commands host fuzz
 examples        include examples
 tests           include base modules server share runtime platform host cli fuzz tests
 tests/bench     include bench tests

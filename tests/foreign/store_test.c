@@ -1,5 +1,6 @@
-/* Starts the store on this host's own platform, talks to it, and reads the file that it saved. Runs
- * in a network namespace of its own. Exits with 0 when everything was as expected. */
+/* Starts the store on this host's own platform, talks to it, and reads the file that it saved; with
+ * WITH_COMMANDS also by the command kit. Runs in a network namespace of its own. Exits with 0 when
+ * everything was as expected. */
 #include <arpa/inet.h>
 #include <cjson/cJSON.h>
 #include <net/if.h>
@@ -13,6 +14,7 @@
 #include <unistd.h>
 
 #include "camparam/camparam.h"
+#include "camparam/commands.h"
 #include "platform.h"
 
 #define CHECK(condition) check((condition) != 0, #condition, __LINE__)
@@ -123,12 +125,58 @@ static void expect_no_reference_platform(void)
     free(mapped);
 }
 
+#ifdef WITH_COMMANDS
+static void register_commands(void)
+{
+    CHECK(para_commands_register() == 0);
+}
+
+static void expect_commands(void)
+{
+    cJSON *reply = ask("{\"msg_type\": \"api_get\", \"msg_name\": \"describe\", \"msg_id\": 7}");
+    const cJSON *const modules = cJSON_GetObjectItemCaseSensitive(reply, "modules");
+    const cJSON *const af = cJSON_GetObjectItemCaseSensitive(modules, "af");
+    const cJSON *const members = cJSON_GetObjectItemCaseSensitive(af, "members");
+    CHECK(number_at(reply, "msg_id") == 7);
+    CHECK(cJSON_GetArraySize(members) == 2);
+    CHECK(number_at(cJSON_GetObjectItemCaseSensitive(members, "zoom_value"), "max") == 1000);
+    cJSON_Delete(reply);
+
+    reply =
+        ask("{\"msg_type\": \"api_set\", \"msg_name\": \"lens\", \"data\": {\"zoom_value\": 200}}");
+    CHECK(cJSON_GetArraySize(cJSON_GetObjectItemCaseSensitive(reply, "accepted")) == 1);
+    cJSON_Delete(reply);
+
+    reply = ask("{\"msg_type\": \"api_set\", \"msg_name\": \"save\"}");
+    const cJSON *const failed = cJSON_GetObjectItemCaseSensitive(reply, "failed");
+    CHECK(reply != NULL && !cJSON_HasObjectItem(failed, "af"));
+    expect_saved(200);
+    cJSON_Delete(reply);
+
+    reply = ask("{\"msg_type\": \"api_set\", \"msg_name\": \"reload\"}");
+    CHECK(cJSON_HasObjectItem(cJSON_GetObjectItemCaseSensitive(reply, "failed"), "netport"));
+    cJSON_Delete(reply);
+}
+#else
+static void register_commands(void) {}
+
+static void expect_commands(void)
+{
+    cJSON *const reply = ask("{\"msg_type\": \"api_get\", \"msg_name\": \"describe\"}");
+    CHECK(cJSON_HasObjectItem(reply, "err"));
+    cJSON_Delete(reply);
+}
+#endif
+
 static void run_store(void)
 {
     para_profile.home_dir = folder;
     para_profile.data_dir = folder;
+    register_commands();
     CHECK(platformparam_init() == 0);
     expect_answer(100);
+    expect_commands();
+    CHECK(para_set_af_zoom_value_cur(100) == 0);
 
     CHECK(para_set_af_zoom_value_cur(1001) == 0);
     expect_answer(100);

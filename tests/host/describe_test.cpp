@@ -83,13 +83,24 @@ TEST_F(DescribeCommand, CannotBeSet)
     EXPECT_EQ(client.ask("{'msg_type':'api_set','msg_name':'describe'}"), invalid_command);
 }
 
-TEST_F(DescribeCommand, EchoesIdentifiersAsTheyCame)
+TEST_F(DescribeCommand, RunsByItsExactNameAlone)
 {
     start_host();
 
-    const std::string reply = client.ask("{'msg_type':'api_get','msg_name':'desc','msg_id':'x'}");
+    for (const char *name : {"desc", "", "d", "Describe", "describe "})
+        EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'" + std::string(name) + "'}"),
+                  invalid_command)
+            << name;
+}
 
-    EXPECT_EQ(reply.find("{'msg_name':'desc','modules':"), 0u) << reply;
+TEST_F(DescribeCommand, EchoesNoIdentifierOfAnotherType)
+{
+    start_host();
+
+    const std::string reply =
+        client.ask("{'msg_type':'api_get','msg_name':'describe','msg_id':'x'}");
+
+    EXPECT_EQ(reply.find("{'msg_name':'describe','modules':"), 0u) << reply;
 }
 
 TEST_F(DescribeCommand, FindsIdentifiersInAnyCase)

@@ -1,6 +1,7 @@
 #include "host/host_process.h"
 
 #include <algorithm>
+#include <filesystem>
 
 #include "support/shared_memory.h"
 
@@ -43,6 +44,17 @@ void HostProcess::write_long_conf_files()
         lines += "line" + std::to_string(i) + " = '" + std::string(100, 'x') + "'\n";
     write_home("netport.conf", lines);
     write_home("overlay.conf", lines);
+}
+
+bool HostProcess::host_has_open(const std::string &path) const
+{
+    std::error_code error;
+    const std::string files = "/proc/" + std::to_string(host->pid()) + "/fd";
+    for (const auto &each : std::filesystem::directory_iterator(files)) {
+        if (std::filesystem::read_symlink(each.path(), error) == path)
+            return true;
+    }
+    return false;
 }
 
 bool HostProcess::host_has_logged(const std::string &text) const

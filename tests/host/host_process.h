@@ -37,6 +37,7 @@ protected:
     void write_long_conf_files();
 
     bool host_has_logged(const std::string &text) const;
+    bool host_has_open(const std::string &path) const;
 
     // Waits until the saved file contains exactly this text, with quotes for apostrophes, and a
     // zero byte. Returns whether it does.

@@ -29,17 +29,6 @@ protected:
 
     std::string title() { return client.ask("{'msg_type':'get','overlay':['title']}"); }
 
-    bool host_has_open(const std::string &path) const
-    {
-        std::error_code error;
-        const std::string files = "/proc/" + std::to_string(host->pid()) + "/fd";
-        for (const auto &each : std::filesystem::directory_iterator(files)) {
-            if (std::filesystem::read_symlink(each.path(), error) == path)
-                return true;
-        }
-        return false;
-    }
-
     // An empty file that every save has to wait for.
     int lock_saved_file() const
     {

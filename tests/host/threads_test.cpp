@@ -2,7 +2,7 @@
 #include <atomic>
 #include <thread>
 
-#include "commands.h"
+#include "camparam/commands.h"
 #include "share_maps.h"
 #include "support/store.h"
 
@@ -14,6 +14,7 @@ protected:
     {
         home = SAMPLE_HOME;
         para_profile.home_dir = home.c_str();
+        EXPECT_EQ(para_commands_register(), 0);
         start_store();
     }
 
@@ -34,13 +35,15 @@ protected:
         setter.join();
     }
 
-    static std::string answer(param_command_handler command, int mode, const std::string &data)
+    static std::string answer(const std::string &command, int mode, const std::string &data)
     {
         para_message message = {};
-        snprintf(message.text, sizeof message.text, "%s",
-                 swap_quotes("{'msg_name':'x','data':" + data + "}", '\'', '"').c_str());
+        snprintf(
+            message.text, sizeof message.text, "%s",
+            swap_quotes("{'msg_name':'" + command + "','data':" + data + "}", '\'', '"').c_str());
+        const json request(cJSON_Parse(message.text));
         cJSON *reply = nullptr;
-        EXPECT_EQ(command(mode, &message, &reply), 0) << data;
+        EXPECT_EQ(param_base_json_dispose(&message, request.get(), &reply, mode), 0) << data;
         const json tree(reply);
         return compact(tree.get());
     }
@@ -63,7 +66,7 @@ TEST_F(HostThreads, DescribeReadsWhatTheySet)
 {
     while_setting([] {
         for (int turn = 0; turn < 20; turn++) {
-            const std::string all = answer(describe_command, PARA_GET, "{}");
+            const std::string all = answer("describe", PARA_GET, "{}");
             EXPECT_NE(all.find("'hue':{"), std::string::npos) << all;
         }
     });
@@ -73,12 +76,12 @@ TEST_F(HostThreads, LensAndStyleSetBesideThem)
 {
     while_setting([] {
         for (int turn = 0; turn < 20; turn++) {
-            EXPECT_NE(answer(lens_command, PARA_SET, "{'zoom_value':0,'focus_mode':1}")
-                          .find("'accepted':["),
+            EXPECT_NE(
+                answer("lens", PARA_SET, "{'zoom_value':0,'focus_mode':1}").find("'accepted':["),
+                std::string::npos);
+            EXPECT_NE(answer("style", PARA_SET, "{'style':'vivid'}").find("'style'"),
                       std::string::npos);
-            EXPECT_NE(answer(style_command, PARA_SET, "{'style':'vivid'}").find("'style'"),
-                      std::string::npos);
-            EXPECT_NE(answer(style_command, PARA_GET, "{}").find("'vivid'"), std::string::npos);
+            EXPECT_NE(answer("style", PARA_GET, "{}").find("'vivid'"), std::string::npos);
         }
     });
 }

@@ -1,6 +1,6 @@
 #!/bin/sh
-# To be sourced. declared INCLUDE_DIR COMPILER store|platform prints the names that the public headers
-# declare as exported, sorted: those of platform*.h, or those of all other headers.
+# To be sourced. declared INCLUDE_DIR COMPILER store|platform|commands prints the names that the public
+# headers declare as exported, sorted: those of platform*.h, of commands.h, or of all other headers.
 
 declared()
 {
@@ -10,10 +10,14 @@ declared()
         # Line markers tell which file the text behind them comes from.
         /^# [0-9]+ "/ {
             in_headers = $3 ~ /\/camparam\/[a-z_0-9]+\.(h|def)"$/
-            of_platform = $3 ~ /\/platform[a-z_0-9]*\.h"$/
+            owner = "store"
+            if ($3 ~ /\/platform[a-z_0-9]*\.h"$/)
+                owner = "platform"
+            if ($3 ~ /\/commands\.h"$/)
+                owner = "commands"
             next
         }
-        in_headers && (part == "platform") == of_platform { text = text " " $0 }
+        in_headers && owner == part { text = text " " $0 }
         END {
             gsub(/__attribute__ *\(\(visibility\("default"\)\)\)/, "@", text)
             count = split(text, declarations, "@")

@@ -1,6 +1,6 @@
 #!/bin/sh
 # usage: library_alone.sh CMAKE SOURCE_DIR C_COMPILER CXX_COMPILER
-# Builds and installs the two libraries with make, out of reach of what the programs and the tests need.
+# Builds and installs the libraries with make, out of reach of what the programs and the tests need.
 set -eu
 cmake=$1
 folder=$(mktemp -d)
@@ -21,7 +21,7 @@ failed()
 "$cmake" --build "$folder/build" --parallel 2 >"$folder/log" 2>&1 || failed "$(cat "$folder/log")"
 "$cmake" --install "$folder/build" --prefix "$folder/prefix" >"$folder/log"
 
-for name in libcamparam.so libcamparam_platform.so; do
+for name in libcamparam.so libcamparam_platform.so libcamparam_commands.so; do
     [ -n "$(find "$folder/prefix" -name "$name")" ] || failed "missing: $name"
 done
 programs=$(find "$folder/build/bin" "$folder/prefix/bin" -type f 2>/dev/null || true)

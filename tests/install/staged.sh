@@ -9,6 +9,7 @@ DESTDIR=$folder "$1" --install "$2" --prefix /usr >/dev/null
 lib=usr/$3
 for file in usr/bin/camparam usr/bin/camparamd \
     "$lib/libcamparam.so" "$lib/libcamparam.so.1" "$lib/libcamparam_platform.so" \
+    "$lib/libcamparam_commands.so" "$lib/libcamparam_commands.so.1" "$lib/pkgconfig/camparam-commands.pc" \
     "$lib/cmake/camparam/camparam-config.cmake" \
     "$lib/cmake/camparam/camparam-config-version.cmake" \
     "$lib/pkgconfig/camparam.pc" "$lib/pkgconfig/camparam-platform.pc" \

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 
 #include "af_table.h"
 #include "description.h"
@@ -56,44 +55,36 @@ member_values isp_values(int isp_record::*member)
             .cur = load_word(para_isp_cur[0].*member)};
 }
 
-cJSON *add_number(cJSON *members, const char *name, const member_values &values)
+void add_number(description &members, const char *name, const member_values &values)
 {
-    cJSON *const member = add_number_member(members, name, values.min, values.max);
-    add_values(member, cJSON_CreateNumber(values.def), cJSON_CreateNumber(values.cur));
-    return member;
+    members.begin_number(name, values.min, values.max);
+    members.add_default(values.def);
+    members.add_current(values.cur);
 }
 
-// The names of the values within the range, which may extend past the last name.
-std::vector<std::string> names_of(const named_member &member, const member_values &values)
+// With the names of the values within the range, which may extend past the last name.
+void add_enum(description &members, const named_member &member, const member_values &values)
 {
-    std::vector<std::string> names;
-    for (int value = std::max(values.min, 0); value <= values.max; value++) {
-        const char *const name = member.value_name(value);
-        if (name == nullptr)
-            break;
-        names.emplace_back(name);
-    }
-    return names;
-}
-
-cJSON *name_node(const named_member &member, int value)
-{
-    const char *const name = member.value_name(value);
-    return name != nullptr ? cJSON_CreateString(name) : nullptr;
+    members.begin_enum(member.name);
+    const char *name = nullptr;
+    for (int value = std::max(values.min, 0);
+         value <= values.max && (name = member.value_name(value)) != nullptr; value++)
+        members.add_name(name);
+    members.add_default(member.value_name(values.def));
+    members.add_current(member.value_name(values.cur));
 }
 
 // Set requests accept a named member by name only, so one that is exchanged as a number cannot be
 // set.
-void add_named_member(cJSON *members, const named_member &member, const member_values &values)
+void add_named_member(description &members, const named_member &member, const member_values &values)
 {
     const bool has_names = member.value_name != nullptr;
     if ((values.exist & PARA_PRESENT_AS_NUMBER) != 0) {
-        cJSON *const added = add_number(members, member.name, values);
+        add_number(members, member.name, values);
         if (has_names)
-            mark_read_only(added);
+            members.mark_read_only();
     } else if ((values.exist & PARA_PRESENT_AS_NAME) != 0 && has_names) {
-        cJSON *const added = add_enum_member(members, member.name, names_of(member, values));
-        add_values(added, name_node(member, values.def), name_node(member, values.cur));
+        add_enum(members, member, values);
     }
 }
 
@@ -101,54 +92,51 @@ void add_named_member(cJSON *members, const named_member &member, const member_v
 // "rgain_tuning".
 bool is_read_only(const isp_member &member)
 {
-    return std::any_of(std::begin(isp_members), std::end(isp_members), [&](const isp_member &row) {
-        return &row != &member && strncmp(member.name, row.name, strlen(row.name)) == 0;
-    });
+    for (const isp_member &row : isp_members) {
+        if (&row != &member && strncmp(member.name, row.name, strlen(row.name)) == 0)
+            return true;
+    }
+    return false;
 }
 
 } // namespace
 
-json_ptr describe_af(const char *)
+bool describe_af(const char *, description &members)
 {
-    json_ptr members(cJSON_CreateObject());
     for (const af_member &member : af_members) {
         if (is_present(member))
-            add_number(members.get(), member.name, af_tables.at(member.slot));
+            add_number(members, member.name, af_tables.at(member.slot));
     }
-    return members;
+    return true;
 }
 
-json_ptr describe_audio(const char *)
+bool describe_audio(const char *, description &members)
 {
-    json_ptr members(cJSON_CreateObject());
     for (const named_member &member : audio_members)
-        add_named_member(members.get(), member, audio_tables.at(member.slot));
-    return members;
+        add_named_member(members, member, audio_tables.at(member.slot));
+    return true;
 }
 
-json_ptr describe_video(const char *module)
+bool describe_video(const char *module, description &members)
 {
     const int stream = atoi(module + strlen("video"));
     if (stream >= para_get_video_streamNum())
-        return nullptr;
-
-    json_ptr members(cJSON_CreateObject());
+        return false;
     for (const named_member &member : video_members)
-        add_named_member(members.get(), member,
+        add_named_member(members, member,
                          video_tables.at(stream * PARA_VIDEO_STREAM_SLOTS + member.slot));
-    return members;
+    return true;
 }
 
-json_ptr describe_isp(const char *)
+bool describe_isp(const char *, description &members)
 {
-    json_ptr members(cJSON_CreateObject());
     for (const isp_member &member : isp_members) {
         const member_values values = isp_values(member.value);
         if (values.exist == 0)
             continue;
-        cJSON *const added = add_number(members.get(), member.name, values);
+        add_number(members, member.name, values);
         if (is_read_only(member))
-            mark_read_only(added);
+            members.mark_read_only();
     }
-    return members;
+    return true;
 }

@@ -1,9 +1,9 @@
+// The command "style": lists the picture styles, or applies one.
 #include <algorithm>
 
-#include "commands.h"
+#include "command.h"
 #include "isp_table.h"
 #include "outcome.h"
-#include "request.h"
 #include "word.h"
 
 namespace {
@@ -11,37 +11,37 @@ namespace {
 constexpr int instance = 0;      // only the first image processor has styles
 constexpr int last_index = 1023; // guards against a bogus range
 
-void add_style_name(cJSON *object, const char *member, int index)
+void add_style_name(json_builder &reply, const char *member, int index)
 {
     const char *const style = para_get_isp_style_string(index);
     if (style != nullptr)
-        cJSON_AddStringToObject(object, member, style);
+        reply.text(reply.root(), member, style);
 }
 
-void add_styles(cJSON *reply)
+void add_styles(json_builder &reply)
 {
-    cJSON *const styles = cJSON_AddArrayToObject(reply, "styles");
+    cJSON *const styles = reply.array(reply.root(), "styles");
     // A listed style without values has no name, so a gap does not end the list before the range
     // does.
     const int last = std::min(para_get_isp_style_max(instance), last_index);
     for (int i = 0; i <= last || para_get_isp_style_string(i) != nullptr; i++) {
         const char *const name = para_get_isp_style_string(i);
         if (name != nullptr && para_get_isp_style_index(name) == i) // omits repeated names
-            cJSON_AddItemToArray(styles, cJSON_CreateString(name));
+            reply.append(styles, name);
     }
     add_style_name(reply, "default", para_get_isp_style_def_index(instance));
     add_style_name(reply, "current", para_get_isp_style_cur(instance));
 }
 
-// Sets one member. Returns the reason when it is refused, else an empty text.
-std::string set(const isp_member &member, int value)
+// Sets one member. Returns the reason when it is refused.
+reason set(const isp_member &member, int value)
 {
     // The setter returns 0 either way; the current value shows whether it was accepted.
     member.set(instance, value);
     if (load_word(para_isp_cur[instance].*member.value) != value)
         return out_of_range(load_word(para_isp_min[instance].*member.value),
                             load_word(para_isp_max[instance].*member.value));
-    return "";
+    return no_reason;
 }
 
 // The member "style" comes first: if it is refused, nothing else changes. Returns whether it was
@@ -54,9 +54,9 @@ bool apply_style(int index, outcome &result)
         const bool is_style = member.value == &isp_record::style;
         if (!is_style && cJSON_GetObjectItem(named, member.name) == nullptr)
             continue;
-        const std::string reason = set(member, is_style ? index : load_word(values.*member.value));
-        result.add(member.name, reason);
-        if (is_style && !reason.empty())
+        const reason why = set(member, is_style ? index : load_word(values.*member.value));
+        result.add(member.name, why);
+        if (is_style && why.text[0] != '\0')
             return false;
     }
     return true;
@@ -73,34 +73,29 @@ bool is_set(const cJSON *flag)
     return cJSON_IsTrue(flag) || (cJSON_IsNumber(flag) && flag->valueint != 0);
 }
 
-int set_style(const cJSON *data, cJSON *reply)
+answered set_style(const cJSON *data, json_builder &reply)
 {
     const cJSON *const name = cJSON_GetObjectItemCaseSensitive(data, "style");
     const cJSON *const as_default = cJSON_GetObjectItemCaseSensitive(data, "default");
     if (!cJSON_IsString(name) || !is_flag(as_default))
-        return -1;
+        return answered::invalid;
 
     outcome result(reply);
+    constexpr reason unknown = {"no such style"};
     const int index = para_get_isp_style_index(name->valuestring);
-    if (index < 0) {
-        result.add("style", "no such style");
-        return 0;
-    }
-    if (apply_style(index, result) && is_set(as_default))
-        result.add("default", para_set_isp_style_def(instance, index) == 0 ? "" : "no such style");
-    return 0;
+    if (index < 0)
+        result.add("style", unknown);
+    else if (apply_style(index, result) && is_set(as_default))
+        result.add("default", para_set_isp_style_def(instance, index) == 0 ? no_reason : unknown);
+    return answered::now;
 }
 
 } // namespace
 
-int style_command(int mode, para_message *message, cJSON **reply)
+answered answer_style(const request &request, json_builder &reply)
 {
-    const json_ptr request = parse_request(*message);
-    json_ptr answer = start_reply(request);
-    if (mode == PARA_GET)
-        add_styles(answer.get());
-    else if (set_style(data_of(request), answer.get()) != 0)
-        return -1;
-    *reply = answer.release();
-    return 0;
+    if (request.mode == PARA_SET)
+        return set_style(request.data, reply);
+    add_styles(reply);
+    return answered::now;
 }

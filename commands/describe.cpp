@@ -1,9 +1,10 @@
+// The command "describe": lists modules and their members with kind, limits, default and current
+// value.
 #include <cstring>
 
 #include "camparam/camparam.h"
-#include "commands.h"
+#include "command.h"
 #include "description.h"
-#include "request.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ constexpr size_t longest_reply = 65507;
 // How to describe the modules that share a get_opt function.
 struct module_kind {
     decltype(para_module::get_opt) get_opt;
-    json_ptr (*describe)(const char *module);
+    bool (*describe)(const char *module, description &members);
     const char *command = nullptr; // that sets members; null: a set request does
 };
 
@@ -47,25 +48,26 @@ bool is_wanted(const char *module, const cJSON *list)
     return list == nullptr;
 }
 
-void add_module(cJSON *described, const char *name, const module_kind &kind)
+void add_module(json_builder &reply, cJSON *described, const char *name, const module_kind &kind)
 {
-    json_ptr members = kind.describe(name);
-    if (!members)
-        return;
-    cJSON *const object = cJSON_AddObjectToObject(described, name);
+    cJSON *const module = reply.object(described, name);
     if (kind.command != nullptr)
-        cJSON_AddStringToObject(object, "set", kind.command);
-    cJSON_AddItemToObject(object, "members", members.release());
+        reply.text(module, "set", kind.command);
+    description members(reply, reply.object(module, "members"));
+    if (!kind.describe(name, members))
+        cJSON_DeleteItemFromObjectCaseSensitive(described, name);
 }
 
-void add_modules(cJSON *described, const cJSON *list)
+cJSON *add_modules(json_builder &reply, const cJSON *list)
 {
+    cJSON *const described = reply.object(reply.root(), "modules");
     for (int i = 0; i < module_para_handle_num; i++) {
         const para_module &row = module_para_handle[i];
         const module_kind *const kind = kind_of(row);
         if (row.name != nullptr && kind != nullptr && is_wanted(row.name, list))
-            add_module(described, row.name, *kind);
+            add_module(reply, described, row.name, *kind);
     }
+    return described;
 }
 
 void remove_members(cJSON *described)
@@ -77,33 +79,15 @@ void remove_members(cJSON *described)
     }
 }
 
-// The tree as compact text in a raw node, which the store prints unchanged: with the white space of
-// cJSON_Print() the description of a whole camera exceeds a datagram.
-cJSON *compacted(const json_ptr &tree)
-{
-    char *const text = cJSON_PrintUnformatted(tree.get());
-    cJSON *const node = text != nullptr ? cJSON_CreateRaw(text) : nullptr;
-    cJSON_free(text);
-    return node;
-}
-
 } // namespace
 
-int describe_command(int mode, para_message *message, cJSON **reply)
+answered answer_describe(const request &request, json_builder &reply)
 {
-    const json_ptr request = parse_request(*message);
-    const cJSON *const list = cJSON_GetObjectItemCaseSensitive(data_of(request), "modules");
-    if (mode != PARA_GET || (list != nullptr && !cJSON_IsArray(list)))
-        return -1;
-
-    const json_ptr answer = start_reply(request);
-    cJSON *const described = cJSON_AddObjectToObject(answer.get(), "modules");
-    add_modules(described, list);
-    json_ptr text(compacted(answer));
-    if (text && strlen(text->valuestring) > longest_reply) {
+    const cJSON *const list = cJSON_GetObjectItemCaseSensitive(request.data, "modules");
+    if (list != nullptr && !cJSON_IsArray(list))
+        return answered::invalid;
+    cJSON *const described = add_modules(reply, list);
+    if (reply.compact_length() > longest_reply)
         remove_members(described);
-        text.reset(compacted(answer));
-    }
-    *reply = text.release();
-    return 0;
+    return answered::compactly;
 }

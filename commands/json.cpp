@@ -1,0 +1,76 @@
+#include "json.h"
+
+#include <cstring>
+#include <utility>
+
+cJSON *json_builder::added(cJSON *node)
+{
+    complete = complete && node != nullptr;
+    return node;
+}
+
+cJSON *json_builder::object(cJSON *parent, const char *key)
+{
+    return added(cJSON_AddObjectToObject(parent, key));
+}
+
+cJSON *json_builder::array(cJSON *parent, const char *key)
+{
+    return added(cJSON_AddArrayToObject(parent, key));
+}
+
+void json_builder::number(cJSON *parent, const char *key, double value)
+{
+    added(cJSON_AddNumberToObject(parent, key, value));
+}
+
+void json_builder::text(cJSON *parent, const char *key, const char *value)
+{
+    added(cJSON_AddStringToObject(parent, key, value));
+}
+
+void json_builder::truth(cJSON *parent, const char *key)
+{
+    added(cJSON_AddTrueToObject(parent, key));
+}
+
+void json_builder::value(cJSON *parent, const char *key, json_ptr value)
+{
+    if (value == nullptr || cJSON_AddItemToObject(parent, key, value.get()) == 0)
+        complete = false;
+    else
+        static_cast<void>(value.release());
+}
+
+void json_builder::append(cJSON *array, json_ptr element)
+{
+    if (element == nullptr || cJSON_AddItemToArray(array, element.get()) == 0)
+        complete = false;
+    else
+        static_cast<void>(element.release());
+}
+
+void json_builder::append(cJSON *array, const char *text)
+{
+    append(array, json_ptr(cJSON_CreateString(text)));
+}
+
+json_ptr json_builder::take()
+{
+    if (!complete)
+        tree.reset();
+    return std::move(tree);
+}
+
+size_t json_builder::compact_length() const
+{
+    const json_text text(cJSON_PrintUnformatted(tree.get()));
+    return text != nullptr ? strlen(text.get()) : 0;
+}
+
+json_ptr json_builder::take_compact()
+{
+    const json_ptr taken = take();
+    const json_text text(cJSON_PrintUnformatted(taken.get()));
+    return json_ptr(text != nullptr ? cJSON_CreateRaw(text.get()) : nullptr);
+}

@@ -1,0 +1,49 @@
+// JSON trees of requests and replies.
+#pragma once
+
+#include <cjson/cJSON.h>
+
+#include <memory>
+
+struct json_delete {
+    void operator()(cJSON *node) const { cJSON_Delete(node); }
+};
+using json_ptr = std::unique_ptr<cJSON, json_delete>;
+
+struct json_text_delete {
+    void operator()(char *text) const { cJSON_free(text); }
+};
+using json_text = std::unique_ptr<char, json_text_delete>;
+
+// Builds a tree, and knows whether memory ran out for a part of it. Parents may be null, when they
+// are such parts.
+class json_builder {
+public:
+    // The root, an object. Null when there is no memory.
+    cJSON *root() const { return tree.get(); }
+
+    cJSON *object(cJSON *parent, const char *key);
+    cJSON *array(cJSON *parent, const char *key);
+    void number(cJSON *parent, const char *key, double value);
+    void text(cJSON *parent, const char *key, const char *value);
+    void truth(cJSON *parent, const char *key);
+    // Takes the value over.
+    void value(cJSON *parent, const char *key, json_ptr value);
+    void append(cJSON *array, json_ptr element);
+    void append(cJSON *array, const char *text);
+
+    // Bytes of the tree's compact text; 0 when memory ran out.
+    size_t compact_length() const;
+
+    // The tree; null unless it is complete.
+    json_ptr take();
+    // The same as a node that is printed as compact text: with the white space of cJSON_Print() the
+    // description of a whole camera would exceed a datagram.
+    json_ptr take_compact();
+
+private:
+    cJSON *added(cJSON *node);
+
+    json_ptr tree{cJSON_CreateObject()};
+    bool complete = tree != nullptr;
+};

@@ -1,0 +1,25 @@
+#include "late_reply.h"
+
+#include <cstring>
+
+static bool add_failed(cJSON *reply, const cJSON *failed)
+{
+    if (failed == nullptr)
+        return false;
+    if (failed->child == nullptr)
+        return true;
+    json_ptr copy(cJSON_Duplicate(failed, 1));
+    if (copy == nullptr || cJSON_AddItemToObject(reply, "failed", copy.get()) == 0)
+        return false;
+    static_cast<void>(copy.release());
+    return true;
+}
+
+void send_late(int socket, const sockaddr_in &client, json_ptr reply, const cJSON *failed)
+{
+    if (!add_failed(reply.get(), failed))
+        return;
+    const json_text text(cJSON_Print(reply.get()));
+    if (text != nullptr)
+        SendBuf2Client(socket, client, text.get(), static_cast<int>(strlen(text.get())));
+}
