@@ -1,16 +1,39 @@
 #include "runtime/save_pass.h"
 
+#include <pthread.h>
+
 #include <cerrno>
 
 #include "base/file.h"
 #include "base/guard.h"
-#include "base/lock.h"
 #include "base/trace.h"
 #include "camparam/platform.h"
 #include "runtime/module_table.h"
 
-// Serialises save passes.
-static pthread_mutex_t save_mutex = PTHREAD_MUTEX_INITIALIZER;
+// A save pass, of which there is one at a time. One for what is due does not wait for its turn: the
+// other may wait for a file, and the store's thread has requests to answer.
+class pass {
+public:
+    explicit pass(save_mode mode)
+        : begun(mode == save_mode::forced ? pthread_mutex_lock(&mutex) == 0
+                                          : pthread_mutex_trylock(&mutex) == 0)
+    {
+    }
+    ~pass()
+    {
+        if (begun)
+            pthread_mutex_unlock(&mutex);
+    }
+    pass(const pass &) = delete;
+    pass &operator=(const pass &) = delete;
+
+    bool has_begun() const { return begun; }
+
+private:
+    static pthread_mutex_t mutex;
+    const bool begun;
+};
+pthread_mutex_t pass::mutex = PTHREAD_MUTEX_INITIALIZER;
 
 static bool to_be_saved(const para_module &row, save_mode mode, bool guarded)
 {
@@ -42,7 +65,9 @@ static void sync_files(const trace_site &site)
 
 int save_param(save_mode mode)
 {
-    const lock_guard guard(save_mutex);
+    const pass own(mode);
+    if (!own.has_begun())
+        return 0;
     const trace_site site = PARA_HERE;
     const bool guarded = guard_is_on();
     const unsigned written_before = files_written();
