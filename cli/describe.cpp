@@ -58,35 +58,61 @@ module_description read_module(const cJSON *node)
     return module;
 }
 
-json_ptr ask(client &host, const std::vector<std::string> &modules)
+// An empty cursor asks for the first page.
+json_ptr ask(client &host, const std::vector<std::string> &modules, const std::string &cursor)
 {
-    json_ptr data;
+    json_ptr data(cJSON_CreateObject());
     if (!modules.empty()) {
-        data.reset(cJSON_CreateObject());
         cJSON *const names = cJSON_AddArrayToObject(data.get(), "modules");
         for (const std::string &module : modules)
             cJSON_AddItemToArray(names, cJSON_CreateString(module.c_str()));
     }
-    return host.call("api_get", "describe", std::move(data));
+    if (!cursor.empty())
+        cJSON_AddStringToObject(data.get(), "cursor", cursor.c_str());
+    return host.call("api_get", "describe", data->child != nullptr ? std::move(data) : nullptr);
 }
 
-// A description that exceeds a datagram lists only the modules; their members are requested module
-// by module.
-void complete(client &host, cJSON *modules)
+// A module may begin on one page and end on the next.
+void add_page(cJSON *modules, cJSON *page)
 {
-    if (cJSON_GetArraySize(modules) < 2)
-        return;
-    cJSON *module = nullptr;
-    cJSON_ArrayForEach(module, modules)
-    {
-        if (!cJSON_IsObject(module) || member_of(module, "members") != nullptr)
+    while (page != nullptr && page->child != nullptr) {
+        json_ptr module(cJSON_DetachItemViaPointer(page, page->child));
+        cJSON *const known = cJSON_GetObjectItemCaseSensitive(modules, module->string);
+        if (known == nullptr) {
+            cJSON_AddItemToArray(modules, module.release());
             continue;
-        const json_ptr answer = ask(host, {module->string});
-        const cJSON *const alone = member_of(member_of(answer.get(), "modules"), module->string);
-        const cJSON *const members = member_of(alone, "members");
-        if (members != nullptr)
-            cJSON_AddItemToObject(module, "members", cJSON_Duplicate(members, 1));
+        }
+        cJSON *const members = cJSON_GetObjectItemCaseSensitive(known, "members");
+        cJSON *const more = cJSON_GetObjectItemCaseSensitive(module.get(), "members");
+        while (more != nullptr && more->child != nullptr)
+            cJSON_AddItemToArray(members, cJSON_DetachItemViaPointer(more, more->child));
     }
+}
+
+// All pages as one answer. Nothing when the settings changed on the way.
+std::optional<json_ptr> ask_for_pages(client &host, const std::vector<std::string> &modules)
+{
+    json_ptr first = ask(host, modules, "");
+    cJSON *const all = cJSON_GetObjectItemCaseSensitive(first.get(), "modules");
+    std::string next = value_text(member_of(first.get(), "next"));
+    const std::string revision = value_text(member_of(first.get(), "revision"));
+    while (cJSON_IsObject(all) && !next.empty()) {
+        const json_ptr page = ask(host, modules, next);
+        if (value_text(member_of(page.get(), "revision")) != revision)
+            return std::nullopt;
+        add_page(all, cJSON_GetObjectItemCaseSensitive(page.get(), "modules"));
+        next = value_text(member_of(page.get(), "next"));
+    }
+    return first;
+}
+
+json_ptr ask_for_all(client &host, const std::vector<std::string> &modules)
+{
+    for (int tries = 0; tries < 5; tries++) {
+        if (std::optional<json_ptr> answer = ask_for_pages(host, modules))
+            return std::move(*answer);
+    }
+    throw failure(OTHER, "the host's settings change all the time");
 }
 
 } // namespace
@@ -115,11 +141,10 @@ const module_description *description::find(const std::string &module) const
 std::optional<description> describe(client &host, const std::vector<std::string> &modules)
 {
     description described;
-    described.answer = ask(host, modules);
-    cJSON *const found = cJSON_GetObjectItemCaseSensitive(described.answer.get(), "modules");
+    described.answer = ask_for_all(host, modules);
+    const cJSON *const found = member_of(described.answer.get(), "modules");
     if (!cJSON_IsObject(found))
         return std::nullopt; // or the answer of another command whose name begins with "describe"
-    complete(host, found);
     const cJSON *module = nullptr;
     cJSON_ArrayForEach(module, found)
     {

@@ -99,37 +99,46 @@ bool is_read_only(const isp_member &member)
     return false;
 }
 
+int stream_of(const char *module)
+{
+    return atoi(module + strlen("video"));
+}
+
 } // namespace
 
-bool describe_af(const char *, description &members)
+bool is_stream_in_use(const char *module)
 {
+    return stream_of(module) < para_get_video_streamNum();
+}
+
+void describe_af(const char *, member_sink &sink)
+{
+    description members(sink);
     for (const af_member &member : af_members) {
         if (is_present(member))
             add_number(members, member.name, af_tables.at(member.slot));
     }
-    return true;
 }
 
-bool describe_audio(const char *, description &members)
+void describe_audio(const char *, member_sink &sink)
 {
+    description members(sink);
     for (const named_member &member : audio_members)
         add_named_member(members, member, audio_tables.at(member.slot));
-    return true;
 }
 
-bool describe_video(const char *module, description &members)
+void describe_video(const char *module, member_sink &sink)
 {
-    const int stream = atoi(module + strlen("video"));
-    if (stream >= para_get_video_streamNum())
-        return false;
+    description members(sink);
+    const int stream = stream_of(module);
     for (const named_member &member : video_members)
         add_named_member(members, member,
                          video_tables.at(stream * PARA_VIDEO_STREAM_SLOTS + member.slot));
-    return true;
 }
 
-bool describe_isp(const char *, description &members)
+void describe_isp(const char *, member_sink &sink)
 {
+    description members(sink);
     for (const isp_member &member : isp_members) {
         const member_values values = isp_values(member.value);
         if (values.exist == 0)
@@ -138,5 +147,4 @@ bool describe_isp(const char *, description &members)
         if (is_read_only(member))
             members.mark_read_only();
     }
-    return true;
 }

@@ -63,30 +63,30 @@ void add_values(description &members, const json_ptr &defaults, const cJSON *cur
 
 } // namespace
 
-bool describe_json_module(const char *module, description &members)
+void describe_json_module(const char *module, member_sink &sink)
 {
     const json_ptr defaults(cJSON_CreateObject()), values(cJSON_CreateObject());
     Create_Json_Misc_Object(module, defaults.get(), 1);
     Create_Json_Misc_Object(module, values.get(), 0);
 
+    description members(sink);
     const cJSON *value = nullptr;
     cJSON_ArrayForEach(value, values.get())
     {
         if (begin_json_member(members, module, value->string))
             add_values(members, defaults, value);
     }
-    return true;
 }
 
-bool describe_conf_module(const char *module, description &members)
+void describe_conf_module(const char *module, member_sink &sink)
 {
     const json_ptr defaults = conf_values(module, "def"), values = conf_values(module, "");
 
+    description members(sink);
     const cJSON *value = nullptr;
     cJSON_ArrayForEach(value, values.get())
     {
         members.begin_text(value->string);
         add_values(members, defaults, value);
     }
-    return true;
 }

@@ -1,22 +1,33 @@
 #include "description.h"
 
+#include <utility>
+
 void description::begin(const char *name, const char *kind)
 {
-    member = json.object(members, name);
-    json.text(member, "kind", kind);
+    end_member();
+    member = name;
+    json = json_builder();
+    json.text(json.root(), "kind", kind);
+}
+
+void description::end_member()
+{
+    if (member != nullptr)
+        sink.take(member, json.take());
+    member = nullptr;
 }
 
 void description::begin_number(const char *name, int min, int max)
 {
     begin(name, "number");
-    json.number(member, "min", min);
-    json.number(member, "max", max);
+    json.number(json.root(), "min", min);
+    json.number(json.root(), "max", max);
 }
 
 void description::begin_enum(const char *name)
 {
     begin(name, "enum");
-    names = json.array(member, "names");
+    names = json.array(json.root(), "names");
 }
 
 void description::begin_text(const char *name)
@@ -32,26 +43,26 @@ void description::add_name(const char *name)
 void description::add_default(const char *value)
 {
     if (value != nullptr)
-        json.text(member, "default", value);
+        json.text(json.root(), "default", value);
 }
 
 void description::add_current(const char *value)
 {
     if (value != nullptr)
-        json.text(member, "current", value);
+        json.text(json.root(), "current", value);
 }
 
 void description::add_default(int value)
 {
-    json.number(member, "default", value);
+    json.number(json.root(), "default", value);
 }
 
 void description::add_current(int value)
 {
-    json.number(member, "current", value);
+    json.number(json.root(), "current", value);
 }
 
 void description::mark_read_only()
 {
-    json.truth(member, "read_only");
+    json.truth(json.root(), "read_only");
 }

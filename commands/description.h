@@ -1,14 +1,34 @@
-// The description of a module's members, as the command "describe" tells it.
-// docs/message-protocol.md has its form.
+// Descriptions of modules' members, as the command "describe" tells them. docs/message-protocol.md
+// has their form.
 #pragma once
 
+#include "camparam/module.h"
 #include "json.h"
 
+// Takes the members of modules, one by one.
+//
+// The functions have bodies because pure ones would need the C++ run-time library.
+class member_sink {
+public:
+    // The members of a row follow. command: that sets them; null: a set request does.
+    virtual void begin_module(int, const para_module &, const char *) {}
+    // Null: there was no memory for the description.
+    virtual void take(const char *, json_ptr) {}
+
+protected:
+    ~member_sink() = default;
+};
+
+// Makes the description of one member after the other.
 class description {
 public:
-    description(json_builder &builder, cJSON *of_members) : json(builder), members(of_members) {}
+    explicit description(member_sink &for_sink) : sink(for_sink) {}
+    ~description() { end_member(); }
+    description(const description &) = delete;
+    description &operator=(const description &) = delete;
 
-    // Each begins a member of one kind. What follows completes it.
+    // Each begins a member of one kind, whose name must stay until the next begins. What follows
+    // completes it.
     void begin_number(const char *name, int min, int max);
     void begin_enum(const char *name);
     void begin_text(const char *name);
@@ -25,18 +45,24 @@ public:
 
 private:
     void begin(const char *name, const char *kind);
+    void end_member();
 
-    json_builder &json;
-    cJSON *const members;
-    cJSON *member = nullptr; // that was begun last
-    cJSON *names = nullptr;  // its
+    member_sink &sink;
+    const char *member = nullptr; // name of the one that was begun; null: none
+    json_builder json;            // its description
+    cJSON *names = nullptr;       // its
 };
 
-// The present members of a module, given the name of its row. False when the device does not use
-// the row, such as "video3" with three streams.
-bool describe_af(const char *module, description &members);
-bool describe_audio(const char *module, description &members);
-bool describe_video(const char *module, description &members);
-bool describe_isp(const char *module, description &members);
-bool describe_json_module(const char *module, description &members);
-bool describe_conf_module(const char *module, description &members);
+// Give the sink the present members of a module, given the name of its row.
+void describe_af(const char *module, member_sink &sink);
+void describe_audio(const char *module, member_sink &sink);
+void describe_video(const char *module, member_sink &sink);
+void describe_isp(const char *module, member_sink &sink);
+void describe_json_module(const char *module, member_sink &sink);
+void describe_conf_module(const char *module, member_sink &sink);
+
+// Whether the device uses the row, unlike "video3" with three streams.
+bool is_stream_in_use(const char *module);
+
+// Describes all modules that can be described, in the order of the module table.
+void describe_all(member_sink &sink);

@@ -1,9 +1,27 @@
+#include <csignal>
+#include <regex>
+
 #include "host/host_process.h"
 
 namespace {
 
 class DescribeCommand : public HostProcess {
 protected:
+    // The answer without its revision.
+    std::string ask(const std::string &request)
+    {
+        return std::regex_replace(client.ask(request), std::regex(",'revision':[0-9]+"), "");
+    }
+
+    int revision()
+    {
+        const json answer(cJSON_Parse(
+            client.request("{'msg_type':'api_get','msg_name':'describe'}").value_or("").c_str()));
+        const cJSON *const item = cJSON_GetObjectItem(answer.get(), "revision");
+        EXPECT_TRUE(cJSON_IsNumber(item));
+        return item != nullptr ? item->valueint : 0;
+    }
+
     Client client;
 };
 
@@ -27,7 +45,7 @@ TEST_F(DescribeCommand, ListsEveryPresentMember)
 {
     start_host();
 
-    EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7}"),
+    EXPECT_EQ(ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7}"),
               reply_with(every_module));
 }
 
@@ -36,7 +54,7 @@ TEST_F(DescribeCommand, TellsCurrentAndDefaultApart)
     write_data("af_cur.json", "{'zoom_value':640}");
     start_host();
 
-    const std::string reply = client.ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7}");
+    const std::string reply = ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7}");
 
     EXPECT_NE(reply.find("'default':0,'current':640}"), std::string::npos) << reply;
 }
@@ -47,11 +65,67 @@ TEST_F(DescribeCommand, ListLimitsTheAnswer)
 
     const std::string request =
         "{'msg_type':'api_get','msg_name':'describe','msg_id':7,'data':{'modules':";
-    EXPECT_EQ(client.ask(request + "['af']}}"), reply_with(af));
-    EXPECT_EQ(client.ask(request + "['nosuch',3,null,'af']}}"), reply_with(af));
-    EXPECT_EQ(client.ask(request + "['nosuch']}}"), reply_with(""));
-    EXPECT_EQ(client.ask(request + "['a','AF','af_']}}"), reply_with(""));
-    EXPECT_EQ(client.ask(request + "[]}}"), reply_with(""));
+    EXPECT_EQ(ask(request + "['af']}}"), reply_with(af));
+    EXPECT_EQ(ask(request + "['nosuch',3,null,'af']}}"), reply_with(af));
+    EXPECT_EQ(ask(request + "['nosuch']}}"), reply_with(""));
+    EXPECT_EQ(ask(request + "['a','AF','af_']}}"), reply_with(""));
+    EXPECT_EQ(ask(request + "[]}}"), reply_with(""));
+}
+
+TEST_F(DescribeCommand, OneMemberCanBeAskedFor)
+{
+    start_host();
+
+    EXPECT_EQ(ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7,"
+                  "'data':{'modules':['af'],'member':'focus_mode'}}"),
+              reply_with("'af':{'set':'lens','members':{'focus_mode':{'kind':'number','min':0,"
+                         "'max':3,'default':1,'current':1}}}"));
+    EXPECT_EQ(ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7,"
+                  "'data':{'modules':['af'],'member':'none'}}"),
+              reply_with("'af':{'set':'lens','members':{}}"));
+}
+
+// But not when a value changes.
+TEST_F(DescribeCommand, HasAnotherRevisionWhenTheSettingsAreOthers)
+{
+    write_home("netport.conf", "http_port = '80'\n");
+    start_host();
+    const int before = revision();
+
+    ask("{'msg_type':'set','netport':{'http_port':'81'}}");
+    EXPECT_EQ(revision(), before);
+    EXPECT_EQ(ask("{'msg_type':'api_set','msg_name':'save'}"), "{'msg_name':'save'}");
+    write_data("netport.conf", "http_port = '81'\nrtsp_port = '554'\n");
+    EXPECT_EQ(ask("{'msg_type':'api_set','msg_name':'reload'}"), "{'msg_name':'reload'}");
+    const int with_another_key = revision();
+    EXPECT_NE(with_another_key, before);
+    end_host(SIGTERM);
+
+    write_home("af_range.json", "{'focus_mode':[0,4],'zoom_value':[-100,1000]}");
+    start_host();
+    EXPECT_NE(revision(), with_another_key) << "of another range";
+}
+
+TEST_F(DescribeCommand, RefusesACursorOfAnotherForm)
+{
+    start_host();
+
+    for (const char *cursor : {"5", "'5'", "'a.b'", "'1.2x'", "''", "null"})
+        EXPECT_EQ(ask("{'msg_type':'api_get','msg_name':'describe','data':{'cursor':" +
+                      std::string(cursor) + "}}"),
+                  invalid_command)
+            << cursor;
+}
+
+TEST_F(DescribeCommand, BehindTheLastPageIsNothing)
+{
+    start_host();
+
+    for (const char *cursor : {"99.0", "63.1", "2147483647.0"})
+        EXPECT_EQ(ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7,'data':{'cursor':'" +
+                      std::string(cursor) + "'}}"),
+                  reply_with(""))
+            << cursor;
 }
 
 TEST_F(DescribeCommand, RefusesAListOfAnotherType)
@@ -59,8 +133,8 @@ TEST_F(DescribeCommand, RefusesAListOfAnotherType)
     start_host();
 
     for (const char *list : {"'af'", "{'af':1}", "5", "null"})
-        EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'describe','data':{'modules':" +
-                             std::string(list) + "}}"),
+        EXPECT_EQ(ask("{'msg_type':'api_get','msg_name':'describe','data':{'modules':" +
+                      std::string(list) + "}}"),
                   invalid_command)
             << list;
 }
@@ -70,8 +144,8 @@ TEST_F(DescribeCommand, IgnoresDataThatIsNoObject)
     start_host();
 
     for (const char *ignored : {"5", "'af'", "['af']", "null"})
-        EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7,'data':" +
-                             std::string(ignored) + "}"),
+        EXPECT_EQ(ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7,'data':" +
+                      std::string(ignored) + "}"),
                   reply_with(every_module))
             << ignored;
 }
@@ -80,7 +154,7 @@ TEST_F(DescribeCommand, CannotBeSet)
 {
     start_host();
 
-    EXPECT_EQ(client.ask("{'msg_type':'api_set','msg_name':'describe'}"), invalid_command);
+    EXPECT_EQ(ask("{'msg_type':'api_set','msg_name':'describe'}"), invalid_command);
 }
 
 TEST_F(DescribeCommand, RunsByItsExactNameAlone)
@@ -88,7 +162,7 @@ TEST_F(DescribeCommand, RunsByItsExactNameAlone)
     start_host();
 
     for (const char *name : {"desc", "", "d", "Describe", "describe "})
-        EXPECT_EQ(client.ask("{'msg_type':'api_get','msg_name':'" + std::string(name) + "'}"),
+        EXPECT_EQ(ask("{'msg_type':'api_get','msg_name':'" + std::string(name) + "'}"),
                   invalid_command)
             << name;
 }
@@ -97,8 +171,7 @@ TEST_F(DescribeCommand, EchoesNoIdentifierOfAnotherType)
 {
     start_host();
 
-    const std::string reply =
-        client.ask("{'msg_type':'api_get','msg_name':'describe','msg_id':'x'}");
+    const std::string reply = ask("{'msg_type':'api_get','msg_name':'describe','msg_id':'x'}");
 
     EXPECT_EQ(reply.find("{'msg_name':'describe','modules':"), 0u) << reply;
 }
@@ -107,7 +180,7 @@ TEST_F(DescribeCommand, FindsIdentifiersInAnyCase)
 {
     start_host();
 
-    EXPECT_EQ(client.ask("{'msg_type':'api_get','MSG_NAME':'save','Msg_Id':3}"),
+    EXPECT_EQ(ask("{'msg_type':'api_get','MSG_NAME':'save','Msg_Id':3}"),
               "{'msg_name':'save','msg_id':3}");
 }
 
