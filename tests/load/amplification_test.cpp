@@ -48,10 +48,10 @@ std::vector<request_kind> request_kinds()
          "{'msg_type':'','isp0':['all'],'video0':['all'],'audio':['all'],'misc':['all']}"},
         {"get a module 40 times", "{'msg_type':''" + repeated(",'isp0':['all']", 40) + "}"},
         {"get a web page", "{'msg_type':'get','msg_from':'www','msg_name':'system'}"},
-        {"the command \"style\"", "{'msg_type':'sget','msg_name':''}", true},
-        {"the command \"lens\"", "{'msg_type':'sget','msg_name':'l'}", true},
-        {"the command \"save\"", "{'msg_type':'sset','msg_name':'sa'}", true},
-        {"the command \"describe\"", "{'msg_type':'sget','msg_name':'d'}", true},
+        {"the command \"style\"", "{'msg_type':'sget','msg_name':'style'}", true},
+        {"the command \"lens\"", "{'msg_type':'sget','msg_name':'lens'}", true},
+        {"the command \"save\"", "{'msg_type':'sset','msg_name':'save'}", true},
+        {"the command \"describe\"", "{'msg_type':'sget','msg_name':'describe'}", true},
         {"an unknown command", "{'msg_type':'sget','msg_name':'x'}", true},
         {"a command without a name", "{'msg_type':'sget'}"},
     };
@@ -160,7 +160,7 @@ TEST_F(Amplification, OfAFloodIsLimitedByTheHost)
     ASSERT_NE(address, "");
     start_host({"--trace", "0", "--port", std::to_string(host_port)});
     const distant_client client(address);
-    const std::string request = "{'msg_type':'sget','msg_name':'d'}";
+    const std::string request = "{'msg_type':'sget','msg_name':'describe'}";
     measured_kind measured = {"describe, as fast as it can", 0, 0};
     const auto begin = clock::now();
     while (clock::now() < begin + std::chrono::seconds(2)) {

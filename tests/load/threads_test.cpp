@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "camparam/camparam.h"
+#include "camparam/commands.h"
 #include "load/duration.h"
 #include "support/every_kind.h"
 
@@ -112,6 +113,27 @@ protected:
         }
     }
 
+    void add_client_of_the_kit(crowd &all)
+    {
+        all.add([connection = std::make_shared<Client>()](int turn) {
+            const std::string number = std::to_string(turn % 90 + 1);
+            EXPECT_THAT(connection->ask("{'msg_type':'api_get','msg_name':'describe'}"),
+                        HasSubstr("'netport':"));
+            EXPECT_THAT(connection->ask("{'msg_type':'api_get','msg_name':'style'}"),
+                        HasSubstr("'current':"));
+            EXPECT_THAT(connection->ask("{'msg_type':'api_set','msg_name':'lens','data':{"
+                                        "'zoom_value':" +
+                                        number + "}}"),
+                        HasSubstr("'msg_name':'lens'"));
+            EXPECT_THAT(connection->ask("{'msg_type':'api_set','msg_name':'reload'}"),
+                        HasSubstr("'msg_name':'reload'"));
+            if (turn % 10 == 0) {
+                EXPECT_THAT(connection->ask("{'msg_type':'api_set','msg_name':'save'}"),
+                            HasSubstr("'msg_name':'save'"));
+            }
+        });
+    }
+
     void add_host(crowd &all)
     {
         using std::chrono::milliseconds;
@@ -126,11 +148,13 @@ protected:
     void run(bool guarded)
     {
         platformparam_set_guard(guarded ? 1 : 0);
+        EXPECT_EQ(para_commands_register(), 0);
         start_store();
         crowd all(proof_duration());
         add_setters(all);
         add_readers(all);
         add_clients(all);
+        add_client_of_the_kit(all);
         add_host(all);
         all.wait();
         stop_store();
