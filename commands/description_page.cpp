@@ -12,10 +12,10 @@ static constexpr size_t longest_member = 65000;
 static constexpr size_t frame_of_module = sizeof R"("":{"set":"","members":{}},)";
 static constexpr size_t frame_of_member = sizeof R"("":,)";
 
-description_page::description_page(json_builder &to, const cJSON *wanted_modules,
-                                   const cJSON *member, page_cursor begin)
-    : reply(to), list(wanted_modules), only(cJSON_GetStringValue(member)), from(begin),
-      modules(to.object(to.root(), "modules"))
+description_page::description_page(json_builder &in, const cJSON *wanted_modules,
+                                   const cJSON *wanted_member, page_cursor begin)
+    : reply(in), list(wanted_modules), only(cJSON_GetStringValue(wanted_member)), from(begin),
+      modules(in.object(in.root(), "modules"))
 {
 }
 

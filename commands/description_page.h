@@ -12,9 +12,10 @@ class description_page : public member_sink {
 public:
     // Adds "modules" to the reply. Of the modules in the list, or of all for null; of them the
     // member of that name, or all for null.
-    description_page(json_builder &reply, const cJSON *list, const cJSON *member, page_cursor from);
+    description_page(json_builder &in, const cJSON *wanted_modules, const cJSON *wanted_member,
+                     page_cursor begin);
 
-    void begin_module(int row, const para_module &module, const char *command) override;
+    void begin_module(int row, const para_module &module, const char *setter) override;
     void take(const char *name, json_ptr member) override;
 
     bool is_complete() const { return complete; } // else memory ran out
