@@ -263,12 +263,17 @@ void end_in_a_child()
     exit(ended ? WEXITSTATUS(status) : 1);
 }
 
-// Work that posts itself keeps the queue busy, so that many forks meet its lock held.
+// A thread asks for work that there is not, so that many forks meet the queue's lock held; not an
+// allocator's, of which not every one bears a fork.
 void end_in_children_of_a_busy_queue()
 {
-    const auto again = [](void *) { return post_fifo_work("work", nullptr); };
-    add("work", nullptr, again, nullptr);
+    const auto nothing = [](void *) { return 0; };
+    add("work", nullptr, nothing, nullptr);
     post_fifo_work("work", nullptr);
+    const std::thread asking([] {
+        while (post_fifo_work("none", nullptr) == -1) {
+        }
+    });
     for (int i = 0; i < 300; i++) {
         const pid_t child = fork();
         if (child == 0)
