@@ -264,18 +264,6 @@ TEST_F(GuardedSave, WithoutTheGuardAFailedSyncIsNotTold)
     EXPECT_EQ(count_traces("sync err, errno:5"), 0);
 }
 
-TEST_F(GuardedSave, IsNotSyncedAgainWhenTheGuardIsTurnedOff)
-{
-    start_store();
-    stop_clock();
-    fail_shell_commands(EIO);
-    platformparam_save();
-    platformparam_set_guard(0);
-    move_clock(60000);
-    take_turn();
-    EXPECT_THAT(shell_commands(), ElementsAre("sync"));
-}
-
 TEST_F(GuardedSave, OfAnOdmStoreWithoutADocumentIsNone)
 {
     start_store();

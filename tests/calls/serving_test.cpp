@@ -275,6 +275,6 @@ TEST_F(ServingWithTheGuard, SavesAndRestsWhileNoWaitSucceeds)
     go_back_to(7);
     EXPECT_EQ(run_supervised(save_without_waits, fail_waits, socket_calls).status, answered);
     const auto turns = (steady_clock::now() - began) / milliseconds(100);
-    EXPECT_THAT(waits, AllOf(Ge(5), Le(turns)));
+    EXPECT_THAT(waits, AllOf(Ge(4), Le(turns)));
     EXPECT_THAT(numbers_after_start(), Each(9));
 }
