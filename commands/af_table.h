@@ -1,8 +1,8 @@
 // The AF members as a table.
 #pragma once
 
+#include "base/word.h"
 #include "camparam/af.h"
-#include "word.h"
 
 struct af_member {
     const char *name;

@@ -13,15 +13,6 @@ struct command {
     command_function answer;
 };
 
-constexpr command commands[] = {
-    {.name = "describe", .get = true, .set = false, .answer = answer_describe},
-    {.name = "lens", .get = false, .set = true, .answer = answer_lens},
-    {.name = "reload", .get = false, .set = true, .answer = answer_reload},
-    {.name = "save", .get = true, .set = true, .answer = answer_save},
-    {.name = "style", .get = true, .set = true, .answer = answer_style},
-};
-constexpr int command_count = sizeof commands / sizeof commands[0];
-
 // Ignores case in keys, as the store does when it looks the command up.
 void echo_identifiers(const cJSON *from, json_builder &reply)
 {
@@ -42,6 +33,8 @@ bool is_asked_for(const command &command, const cJSON *asked, int mode)
 int carry_out(const command &command, int mode, const para_message &message, cJSON **answer)
 {
     const json_ptr asked(cJSON_Parse(message.text));
+    if (asked == nullptr)
+        return 0; // the store has parsed it: there is no memory, and no answer
     if (!is_asked_for(command, asked.get(), mode))
         return -1;
     const cJSON *const data = cJSON_GetObjectItemCaseSensitive(asked.get(), "data");
@@ -61,25 +54,28 @@ int carry_out(const command &command, int mode, const para_message &message, cJS
     }
 }
 
-template <int index> int handle(int mode, para_message *message, cJSON **answer)
+template <const command &named> int handle(int mode, para_message *message, cJSON **answer)
 {
-    return carry_out(commands[index], mode, *message, answer);
+    return carry_out(named, mode, *message, answer);
 }
 
-param_command rows[command_count];
+template <const command &named>
+constexpr param_command row_of = {
+    .name = named.name, .handler = handle<named>, .reserved = nullptr};
 
-template <int count> void fill_rows()
-{
-    if constexpr (count > 0) {
-        rows[count - 1] = {.name = commands[count - 1].name, .handler = handle<count - 1>};
-        fill_rows<count - 1>();
-    }
-}
+constexpr command describe = {
+    .name = "describe", .get = true, .set = false, .answer = answer_describe};
+constexpr command lens = {.name = "lens", .get = false, .set = true, .answer = answer_lens};
+constexpr command reload = {.name = "reload", .get = false, .set = true, .answer = answer_reload};
+constexpr command save = {.name = "save", .get = true, .set = true, .answer = answer_save};
+constexpr command style = {.name = "style", .get = true, .set = true, .answer = answer_style};
+
+constexpr param_command rows[] = {row_of<describe>, row_of<lens>, row_of<reload>, row_of<save>,
+                                  row_of<style>};
 
 } // namespace
 
 int para_commands_register()
 {
-    fill_rows<command_count>();
-    return register_param_command("camparam_commands", rows, command_count);
+    return register_param_command("camparam_commands", rows, sizeof rows / sizeof rows[0]);
 }

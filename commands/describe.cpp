@@ -36,9 +36,10 @@ answered answer_describe(const request &request, json_builder &reply)
     description_page page(reply, list, cJSON_GetObjectItemCaseSensitive(request.data, "member"),
                           from);
     describe_all(page);
-    if (!page.is_complete())
-        return answered::later; // not at all: its client asks again
-    reply.number(reply.root(), "revision", revision_of_settings());
+    const int revision = revision_of_settings();
+    if (revision == 0)
+        reply.lack();
+    reply.number(reply.root(), "revision", revision);
     if (page.is_full()) {
         char next[32];
         snprintf(next, sizeof next, "%d.%d", page.next().row, page.next().member);

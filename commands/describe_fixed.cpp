@@ -4,10 +4,10 @@
 #include <cstring>
 
 #include "af_table.h"
+#include "base/word.h"
 #include "description.h"
 #include "isp_table.h"
 #include "named_table.h"
-#include "word.h"
 
 namespace {
 

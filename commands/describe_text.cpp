@@ -1,4 +1,6 @@
 // Describes modules whose members come from files: pattern modules such as misc, conf modules.
+#include <cerrno>
+
 #include "camparam/conf.h"
 #include "camparam/misc.h"
 #include "description.h"
@@ -43,15 +45,25 @@ bool begin_json_member(description &members, const char *module, const char *nam
 }
 
 // All values of a conf module: the defaults for a key that contains "def", else the current ones.
+// Null when memory ran out.
 json_ptr conf_values(const char *module, const char *key)
 {
-    json_builder request;
-    cJSON *const names = request.array(request.root(), key);
-    request.append(names, "all");
+    json_builder asked;
+    asked.append(asked.array(asked.root(), key), "all");
+    const json_ptr request = asked.take();
     cJSON *values = nullptr;
-    if (names != nullptr)
-        para_get_conf_opt(key, names, &values, module);
+    if (request != nullptr)
+        para_get_conf_opt(key, request->child, &values, module);
     return json_ptr(values);
+}
+
+// Those of a pattern module. Null when memory ran out.
+json_ptr pattern_values(const char *module, column which)
+{
+    json_ptr values(cJSON_CreateObject());
+    if (Create_Json_Misc_Object(module, values.get(), which == column::def ? 1 : 0) == -ENOMEM)
+        values.reset();
+    return values;
 }
 
 void add_values(description &members, const json_ptr &defaults, const cJSON *current)
@@ -65,11 +77,12 @@ void add_values(description &members, const json_ptr &defaults, const cJSON *cur
 
 void describe_json_module(const char *module, member_sink &sink)
 {
-    const json_ptr defaults(cJSON_CreateObject()), values(cJSON_CreateObject());
-    Create_Json_Misc_Object(module, defaults.get(), 1);
-    Create_Json_Misc_Object(module, values.get(), 0);
+    const json_ptr defaults = pattern_values(module, column::def),
+                   values = pattern_values(module, column::current);
 
     description members(sink);
+    if (defaults == nullptr || values == nullptr)
+        members.lack();
     const cJSON *value = nullptr;
     cJSON_ArrayForEach(value, values.get())
     {
@@ -83,6 +96,8 @@ void describe_conf_module(const char *module, member_sink &sink)
     const json_ptr defaults = conf_values(module, "def"), values = conf_values(module, "");
 
     description members(sink);
+    if (defaults == nullptr || values == nullptr)
+        members.lack();
     const cJSON *value = nullptr;
     cJSON_ArrayForEach(value, values.get())
     {

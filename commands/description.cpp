@@ -66,3 +66,8 @@ void description::mark_read_only()
 {
     json.truth(json.root(), "read_only");
 }
+
+void description::lack()
+{
+    sink.take("", nullptr);
+}

@@ -12,7 +12,7 @@ class member_sink {
 public:
     // The members of a row follow. command: that sets them; null: a set request does.
     virtual void begin_module(int, const para_module &, const char *) {}
-    // Null: there was no memory for the description.
+    // Null: memory ran out for this or other members.
     virtual void take(const char *, json_ptr) {}
 
 protected:
@@ -42,6 +42,8 @@ public:
     void add_current(int value);
     // Set requests cannot change the member.
     void mark_read_only();
+    // Memory ran out for what would be members.
+    void lack();
 
 private:
     void begin(const char *name, const char *kind);

@@ -80,20 +80,24 @@ void description_page::begin_module(int row, const para_module &module, const ch
 
 void description_page::take(const char *member_name, json_ptr member)
 {
+    if (member == nullptr) {
+        reply.lack();
+        return;
+    }
     if (!wanted || full || (only != nullptr && strcmp(only, member_name) != 0))
         return;
     if (is_told(current.member)) {
         current.member++;
         return;
     }
-    json_text text(cJSON_PrintUnformatted(member.get()));
+    printed_ptr text(cJSON_PrintUnformatted(member.get()));
     if (text != nullptr && strlen(text.get()) > longest_member) {
         cJSON_DeleteItemFromObject(member.get(), "default");
         cJSON_DeleteItemFromObject(member.get(), "current");
         text.reset(cJSON_PrintUnformatted(member.get()));
     }
     if (text == nullptr) {
-        complete = false;
+        reply.lack();
         return;
     }
     const size_t of_module = members == nullptr ? frame_of_module + longest_text(name) : 0;

@@ -18,7 +18,6 @@ public:
     void begin_module(int row, const para_module &module, const char *setter) override;
     void take(const char *name, json_ptr member) override;
 
-    bool is_complete() const { return complete; } // else memory ran out
     bool is_full() const { return full; }
     page_cursor next() const { return current; }
 
@@ -36,7 +35,7 @@ private:
     cJSON *const modules;
     size_t used = 0;
     bool has_members = false;
-    bool full = false, complete = true;
+    bool full = false;
 
     // Of the module that is being described.
     bool wanted = false;

@@ -64,13 +64,13 @@ json_ptr json_builder::take()
 
 size_t json_builder::compact_length() const
 {
-    const json_text text(cJSON_PrintUnformatted(tree.get()));
+    const printed_ptr text(cJSON_PrintUnformatted(tree.get()));
     return text != nullptr ? strlen(text.get()) : 0;
 }
 
 json_ptr json_builder::take_compact()
 {
     const json_ptr taken = take();
-    const json_text text(cJSON_PrintUnformatted(taken.get()));
+    const printed_ptr text(cJSON_PrintUnformatted(taken.get()));
     return json_ptr(text != nullptr ? cJSON_CreateRaw(text.get()) : nullptr);
 }

@@ -1,19 +1,7 @@
 // JSON trees of requests and replies.
 #pragma once
 
-#include <cjson/cJSON.h>
-
-#include <memory>
-
-struct json_delete {
-    void operator()(cJSON *node) const { cJSON_Delete(node); }
-};
-using json_ptr = std::unique_ptr<cJSON, json_delete>;
-
-struct json_text_delete {
-    void operator()(char *text) const { cJSON_free(text); }
-};
-using json_text = std::unique_ptr<char, json_text_delete>;
+#include "base/json.h"
 
 // Builds a tree, and knows whether memory ran out for a part of it. Parents may be null, when they
 // are such parts.
@@ -31,6 +19,9 @@ public:
     void value(cJSON *parent, const char *key, json_ptr value);
     void append(cJSON *array, json_ptr element);
     void append(cJSON *array, const char *text);
+
+    // Memory ran out for what would be a part.
+    void lack() { complete = false; }
 
     // Bytes of the tree's compact text; 0 when memory ran out.
     size_t compact_length() const;

@@ -19,7 +19,7 @@ void send_late(int socket, const sockaddr_in &client, json_ptr reply, const cJSO
 {
     if (!add_failed(reply.get(), failed))
         return;
-    const json_text text(cJSON_Print(reply.get()));
+    const printed_ptr text(cJSON_Print(reply.get()));
     if (text != nullptr)
         SendBuf2Client(socket, client, text.get(), static_cast<int>(strlen(text.get())));
 }

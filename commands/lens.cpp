@@ -2,9 +2,9 @@
 #include <cstring>
 
 #include "af_table.h"
+#include "base/word.h"
 #include "command.h"
 #include "outcome.h"
-#include "word.h"
 
 static const af_member *find_present(const char *name)
 {

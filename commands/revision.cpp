@@ -15,7 +15,8 @@ public:
     {
         cJSON_DeleteItemFromObjectCaseSensitive(member.get(), "default");
         cJSON_DeleteItemFromObjectCaseSensitive(member.get(), "current");
-        const json_text text(cJSON_PrintUnformatted(member.get()));
+        const printed_ptr text(cJSON_PrintUnformatted(member.get()));
+        complete = complete && text != nullptr;
         add(name);
         if (text != nullptr)
             add(text.get());
@@ -23,6 +24,8 @@ public:
 
     int number() const
     {
+        if (!complete)
+            return 0;
         const auto positive = static_cast<int>(hash & 0x7fffffffU);
         return positive != 0 ? positive : 1;
     }
@@ -37,6 +40,7 @@ private:
     }
 
     uint32_t hash = 2166136261U;
+    bool complete = true;
 };
 
 } // namespace

@@ -1,10 +1,10 @@
 // The command "style": lists the picture styles, or applies one.
 #include <algorithm>
 
+#include "base/word.h"
 #include "command.h"
 #include "isp_table.h"
 #include "outcome.h"
-#include "word.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include <ctime>
 #include <utility>
 
+#include "base/lock.h"
 #include "late_reply.h"
-#include "lock.h"
 
 namespace {
 

@@ -13,7 +13,7 @@ server          include base server
 share           include base share
 runtime         include base modules server share runtime
 platform        include platform
-commands        include commands
+commands        include base commands
 host            include host
 cli             include cli
 bench           include bench

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "camparam/commands.h"
 #include "faults/faulted_store.h"
 
 namespace {
@@ -145,4 +146,20 @@ TEST_F(StarvedGet, TellsItsCaller)
         EXPECT_EQ(answer, nullptr) << module.key;
     }
     cJSON_Delete(request);
+}
+
+class StarvedKit : public StarvedGet {
+protected:
+    StarvedKit() { EXPECT_EQ(para_commands_register(), 0); }
+};
+
+TEST_F(StarvedKit, AnswersWholeOrNot)
+{
+    for (const char *request :
+         {"{'msg_type':'api_get','msg_name':'describe'}",
+          "{'msg_type':'api_get','msg_name':'describe','data':{'modules':['misc','netport']}}",
+          "{'msg_type':'api_get','msg_name':'style','msg_id':4}",
+          "{'msg_type':'api_set','msg_name':'style','data':{'style':'none'}}",
+          "{'msg_type':'api_set','msg_name':'lens','data':{'zoom_value':-5,'none':1}}"})
+        is_answered_whole_or_not(request);
 }
