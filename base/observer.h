@@ -1,7 +1,7 @@
 // Telling the host of accepted changes, and of the client that asked for them.
 #pragma once
 
-struct sockaddr_in;
+#include "camparam/guard.h"
 
 // While it exists, changes that this thread makes are the client's.
 class request_scope {
@@ -15,10 +15,10 @@ private:
     const sockaddr_in *const outer;
 };
 
-using change_observer = void (*)(const char *row, const sockaddr_in *sender);
+// Whether anybody is told of changes: asked first where what is told has to be made.
+bool has_observers();
 
-// Null for none. Asked first where the name of the row has to be made.
-change_observer current_observer();
-
-// Tells the observer, if there is one. Holding no lock.
-void tell_observer(const char *row);
+// Tell the observers that there are. Holding no lock. The sender is filled in.
+void tell_change_of_row(const char *row);
+void tell_change_of_setting(const para_setting_change &change);
+void tell_change(const para_setting_change &change); // both

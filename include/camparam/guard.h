@@ -93,6 +93,34 @@ PARA_API int platformparam_get_status(const char *module, para_module_status *st
 PARA_API void platformparam_set_change_observer(void (*observer)(const char *module,
                                                                  const struct sockaddr_in *sender));
 
+/** A value of a setting. */
+typedef struct {
+    int exists;       /**< 0: there is none, as of a key before it is set, or it is not known */
+    const char *text; /**< as in requests; NULL: a number */
+    int number;       /**< of a number, or of a name with a number; else 0 */
+} para_value;
+
+/** An accepted change of a setting. */
+typedef struct {
+    const char *module; /**< name of the row that holds the value, PARA_ODM_ROW for the ODM store */
+    int instance;       /**< of "isp0", whose row holds all instances: 0 to 2; else 0 */
+    const char *member; /**< or key */
+    para_value old_value, new_value;
+    const struct sockaddr_in
+        *sender; /**< the client whose request changed it; NULL: the host did */
+} para_setting_change;
+
+/**
+ * Set the function that is told of each accepted change with its values; NULL: none, as in the
+ * beginning. Any thread. All that holds for the change observer holds for it; it is called after
+ * that. It is told of each member that para_isp_cur_restore_isp_def() changes, and not of a
+ * reload. Where threads change one setting at the same moment, an old value may be told twice.
+ *
+ * @param observer  Its argument, with all texts and the sender in it, is borrowed for the call.
+ */
+PARA_API void
+platformparam_set_setting_observer(void (*observer)(const para_setting_change *change));
+
 /**
  * Set the server's UDP port, so that several stores can run on one machine. Before
  * platformparam_init(), from the thread that will call that; in a client process before

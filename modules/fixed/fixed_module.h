@@ -132,6 +132,13 @@ int count_instances(const fixed_module &module, const cJSON *root, const trace_s
     return !module.rules.set_needs_presence || load_word(module.values.exist[slot]) != 0;
 }
 
+// Tells the observers of a member that has changed.
+struct slot_change {
+    int before, after;
+};
+void tell_change_of(const fixed_module &module, int slot, const slot_change &values,
+                    void (*tell)(const para_setting_change &change));
+
 // Stores an accepted value and stamps the change. Returns 1, as setters do that tell of a change.
 int change_value(const fixed_module &module, int slot, int value);
 

@@ -207,11 +207,20 @@ int para_init_isp(const char *)
 
 int para_isp_cur_restore_isp_def()
 {
-    for (int slot = 0; slot < slot_count(isp); slot++)
+    int before[PARA_ISP_INSTANCES * PARA_ISP_SLOTS];
+    for (int slot = 0; slot < slot_count(isp); slot++) {
+        before[slot] = load_word(isp.values.cur[slot]);
         store_word(isp.values.cur[slot], load_word(isp.values.def[slot]));
+    }
     count_change(isp.stamp);
     mark_change(isp.stamp); // the time of the last change is kept
-    tell_observer("isp0");
+    tell_change_of_row("isp0");
+    for (int slot = 0; slot < slot_count(isp); slot++) {
+        const int after = load_word(isp.values.def[slot]);
+        if (has_observers() && after != before[slot])
+            tell_change_of(isp, slot, {.before = before[slot], .after = after},
+                           tell_change_of_setting);
+    }
     return 0;
 }
 

@@ -181,29 +181,66 @@ template <typename setter> static int set_in_document(const setter &set)
     return result == outcome::changed ? 1 : 0;
 }
 
-static int tell_if_changed(int changed)
-{
-    if (changed != 0) {
-        count_change(stamp);
-        tell_observer(row);
+namespace {
+
+// A value before it is changed, for the observers: none is kept while there are none.
+class kept_value {
+public:
+    // With the document's lock held.
+    void keep(const cJSON *item)
+    {
+        if (item == nullptr || !has_observers())
+            return;
+        const char *const found = cJSON_GetStringValue(item);
+        snprintf(text, sizeof text, "%s", found != nullptr ? found : "");
+        value = {.exists = 1, .text = found != nullptr ? text : nullptr, .number = item->valueint};
     }
-    return changed;
+    const para_value &told() const { return value; }
+
+private:
+    para_value value = {};
+    char text[PARA_ODM_TEXT_MAX];
+};
+
+} // namespace
+
+static void note_change(const char *key, const kept_value &before, const para_value &after)
+{
+    count_change(stamp);
+    tell_change({.module = row,
+                 .instance = 0,
+                 .member = key,
+                 .old_value = before.told(),
+                 .new_value = after,
+                 .sender = nullptr});
 }
 
 int _para_set_odm_int(const char *key, int value)
 {
     if (key == nullptr)
         return 0;
-    return tell_if_changed(
-        set_in_document([=](cJSON *document) { return set_number(document, key, value); }));
+    kept_value before;
+    const int changed = set_in_document([&](cJSON *document) {
+        before.keep(find_item(document, key));
+        return set_number(document, key, value);
+    });
+    if (changed != 0)
+        note_change(key, before, {.exists = 1, .text = nullptr, .number = value});
+    return changed;
 }
 
 int _para_set_odm_string(const char *key, const char *text)
 {
     if (key == nullptr)
         return 0;
-    return tell_if_changed(
-        set_in_document([=](cJSON *document) { return set_text(document, key, text); }));
+    kept_value before;
+    const int changed = set_in_document([&](cJSON *document) {
+        before.keep(find_item(document, key));
+        return set_text(document, key, text);
+    });
+    if (changed != 0)
+        note_change(key, before, {.exists = text != nullptr ? 1 : 0, .text = text, .number = 0});
+    return changed;
 }
 
 // The hook runs before the change is stamped (OdmSetter.TellsTheHookBeforeTheStamp).

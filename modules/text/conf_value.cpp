@@ -31,12 +31,34 @@ int para_conf_get_def_member_safe(const char *module, const char *key, char *buf
     return found->def->conf_get(found->def, key, buffer, size);
 }
 
-// What conf_set returns, or -1.
-static int store_value(const char *module, const char *key, const char *value)
+namespace {
+
+// A value before it is changed, for the observers: none is kept while there are none.
+class kept_value {
+public:
+    void keep(configure *conf, const char *key)
+    {
+        kept = has_observers() && read_value(conf, key, text);
+    }
+    para_value told() const
+    {
+        return {.exists = kept ? 1 : 0, .text = kept ? text : nullptr, .number = 0};
+    }
+
+private:
+    bool kept = false;
+    char text[value_size];
+};
+
+} // namespace
+
+// What conf_set returns, or -1. Keeps the old value where somebody is told of it.
+static int store_value(const char *module, const char *key, const char *value, kept_value &old)
 {
     const loaded_conf found(module);
     if (!found || key == nullptr || value == nullptr)
         return -1;
+    old.keep(found->cur, key);
     const int result = found->cur->conf_set(found->cur, key, value);
     if (result != 0)
         accept_change(stamp_of(*found));
@@ -45,9 +67,15 @@ static int store_value(const char *module, const char *key, const char *value)
 
 int _para_conf_set_member(const char *module, const char *key, const char *value)
 {
-    const int result = store_value(module, key, value);
+    kept_value old;
+    const int result = store_value(module, key, value, old);
     if (result > 0)
-        tell_observer(module);
+        tell_change({.module = module,
+                     .instance = 0,
+                     .member = key,
+                     .old_value = old.told(),
+                     .new_value = {.exists = 1, .text = value, .number = 0},
+                     .sender = nullptr});
     return result;
 }
 

@@ -36,13 +36,29 @@ int para_get_json_string(const char *module, const char *member, char *buffer, i
     return found->cur->conf_get(found->cur, member, buffer, size);
 }
 
-static int store_value(text_module &module, const char *member, const char *text)
+static int store_value(text_module &module, const char *member, const char *text,
+                       const para_value &before, const para_value &after)
 {
     if (!store_text(module.cur, member, text))
         return 0;
     accept_change(stamp_of(module));
-    tell_observer(module.name);
+    tell_change({.module = module.name,
+                 .instance = 0,
+                 .member = member,
+                 .old_value = before,
+                 .new_value = after,
+                 .sender = nullptr});
     return 1;
+}
+
+static para_value told(const char *text)
+{
+    return {.exists = 1, .text = text, .number = 0};
+}
+
+static para_value told(int number)
+{
+    return {.exists = 1, .text = nullptr, .number = number};
 }
 
 int para_set_json_cur_str(const char *module, const char *member, const char *text)
@@ -53,7 +69,7 @@ int para_set_json_cur_str(const char *module, const char *member, const char *te
     char current[value_size];
     if (!read_value(found->cur, member, current) || strcmp(current, text) == 0)
         return 0;
-    return store_value(*found, member, text);
+    return store_value(*found, member, text, told(current), told(text));
 }
 
 // The range is not enforced (JsonSetter.StoresNumbersOutsideTheRange).
@@ -66,7 +82,8 @@ int para_set_json_cur_number(const char *module, const char *member, int value)
     if (!read_value(found->cur, member, current) || leading_number(current) == value)
         return 0;
     char text[PARA_NUMBER_SIZE];
-    return store_value(*found, member, lib_itoa(value, text));
+    return store_value(*found, member, lib_itoa(value, text), told(leading_number(current)),
+                       told(value));
 }
 
 int _para_set_json_cur(const char *module, const char *member, int value)
