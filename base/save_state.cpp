@@ -4,6 +4,7 @@
 
 #include <cstdio>
 
+#include "base/counters.h"
 #include "base/delay.h"
 #include "base/guard.h"
 #include "base/lock.h"
@@ -130,6 +131,7 @@ static long long real_time_ms()
 
 void note_saved(save_state &state, unsigned changes)
 {
+    count_one(counter::saves);
     const lock_guard guard(states_mutex);
     state.failures = 0;
     state.unsynced = sync_turn;
@@ -140,6 +142,7 @@ void note_saved(save_state &state, unsigned changes)
 
 void note_failure(save_state &state, int error)
 {
+    count_one(counter::failed_saves);
     const lock_guard guard(states_mutex);
     state.last.error = error;
     if (is_waiting(state))

@@ -10,6 +10,7 @@
 #include <ctime>
 #include <initializer_list>
 
+#include "base/counters.h"
 #include "base/guard.h"
 #include "base/observer.h"
 #include "base/trace.h"
@@ -74,8 +75,11 @@ static bool serve_datagram(int socket, para_message &message, socklen_t &sender_
         const reception received = receive_datagram(socket, message, sender_size);
         if (received.length < 0)
             return errno == EAGAIN || errno == EINTR;
-        if (!is_to_be_served(message, received))
+        count_one(counter::received);
+        if (!is_to_be_served(message, received)) {
+            count_one(counter::dropped);
             continue;
+        }
         if (received.length > 0)
             process_datagram(message, received);
         return true;

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "base/counters.h"
 #include "base/guard.h"
 #include "base/port.h"
 #include "base/trace.h"
@@ -145,7 +146,9 @@ int SendBuf2Client(int socket, struct sockaddr_in client, const char *text, int 
     PARA_TRACE(PARA_DUMP, "send buf : %s,buflen:%d", text, length);
     const ssize_t sent = sendto(socket, text, static_cast<size_t>(length), MSG_DONTWAIT,
                                 reinterpret_cast<const sockaddr *>(&client), sizeof client);
-    if (sent >= 0)
+    if (sent >= 0) {
+        count_one(counter::replies);
         tell_reply_observer(client, length);
+    }
     return 0;
 }

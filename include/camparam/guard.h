@@ -79,6 +79,21 @@ typedef struct {
  */
 PARA_API int platformparam_get_status(const char *module, para_module_status *status);
 
+/** What the store has counted since its start; counts wrap. */
+typedef struct {
+    unsigned received;     /**< datagrams that arrived */
+    unsigned dropped;      /**< of these, by the request filter or the guard */
+    unsigned replies;      /**< sent, those by SendBuf2Client() among them */
+    unsigned saves;        /**< of modules, each a file */
+    unsigned failed_saves; /**< tries that failed, flushing the file systems among them */
+} para_counters;
+
+/**
+ * Tell the counts. Any thread.
+ * @param[out] counters  NULL: nothing is done.
+ */
+PARA_API void platformparam_get_counters(para_counters *counters);
+
 /**
  * Set the function that is told of each accepted change, by setters and requests alike; NULL: none,
  * as in the beginning. Any thread.
