@@ -17,8 +17,11 @@ enum class answered { now, compactly, later, invalid };
 // Adds to a reply that has "msg_name" and "msg_id" of the request already. On the store's thread.
 using command_function = answered (*)(const request &request, json_builder &reply);
 
+answered answer_changes(const request &request, json_builder &reply);
 answered answer_describe(const request &request, json_builder &reply);
 answered answer_lens(const request &request, json_builder &reply);
+answered answer_log(const request &request, json_builder &reply);
 answered answer_reload(const request &request, json_builder &reply);
 answered answer_save(const request &request, json_builder &reply);
+answered answer_status(const request &request, json_builder &reply);
 answered answer_style(const request &request, json_builder &reply);

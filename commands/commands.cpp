@@ -3,7 +3,9 @@
 
 #include <cstring>
 
+#include "camparam/guard.h"
 #include "command.h"
+#include "run.h"
 
 namespace {
 
@@ -63,19 +65,27 @@ template <const command &named>
 constexpr param_command row_of = {
     .name = named.name, .handler = handle<named>, .reserved = nullptr};
 
+constexpr command changes = {
+    .name = "changes", .get = true, .set = false, .answer = answer_changes};
 constexpr command describe = {
     .name = "describe", .get = true, .set = false, .answer = answer_describe};
 constexpr command lens = {.name = "lens", .get = false, .set = true, .answer = answer_lens};
+constexpr command log = {.name = "log", .get = true, .set = false, .answer = answer_log};
 constexpr command reload = {.name = "reload", .get = false, .set = true, .answer = answer_reload};
 constexpr command save = {.name = "save", .get = true, .set = true, .answer = answer_save};
+constexpr command status = {.name = "status", .get = true, .set = false, .answer = answer_status};
 constexpr command style = {.name = "style", .get = true, .set = true, .answer = answer_style};
 
-constexpr param_command rows[] = {row_of<describe>, row_of<lens>, row_of<reload>, row_of<save>,
-                                  row_of<style>};
+constexpr param_command rows[] = {row_of<changes>, row_of<describe>, row_of<lens>,   row_of<log>,
+                                  row_of<reload>,  row_of<save>,     row_of<status>, row_of<style>};
 
 } // namespace
 
 int para_commands_register()
 {
-    return register_param_command("camparam_commands", rows, sizeof rows / sizeof rows[0]);
+    begin_run();
+    if (register_param_command("camparam_commands", rows, sizeof rows / sizeof rows[0]) != 0)
+        return -1;
+    platformparam_set_setting_observer(para_commands_note);
+    return 0;
 }

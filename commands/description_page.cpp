@@ -3,8 +3,8 @@
 #include <cstring>
 #include <utility>
 
-// With the reply's other members it stays below 4,000 bytes.
-static constexpr size_t most_bytes = 3800;
+#include "page.h"
+
 // Of a member alone: what a datagram holds, less the reply's other members. A conf value may be
 // longer than everything else together.
 static constexpr size_t longest_member = 65000;
@@ -49,7 +49,7 @@ static size_t longest_text(const char *text)
 
 bool description_page::make_room_for(size_t bytes, bool always)
 {
-    if (!always && used + bytes > most_bytes)
+    if (!always && used + bytes > most_page_bytes)
         full = true;
     else
         used += bytes;

@@ -4,8 +4,6 @@
 
 #include "camparam/commands.h"
 #include "camparam/control.h"
-#include "camparam/guard.h"
-#include "camparam/module.h"
 #include "conf_file.h"
 
 static bool has_unsaved_changes(const para_module_status &status)
@@ -20,13 +18,8 @@ static bool writing_is_off(const char *module, const para_module_status &status)
            (status.flags & PARA_STATUS_LOAD_FAILED) == 0;
 }
 
-// Null: saved, or changed since and about to be saved.
-static const char *reason_of(const char *module, const para_module_status &status)
+const char *obstacle_of(const char *module, const para_module_status &status)
 {
-    if (status.error != 0)
-        return strerror(status.error);
-    if (!has_unsaved_changes(status))
-        return nullptr;
     if ((status.flags & PARA_STATUS_LOAD_FAILED) != 0)
         return "not loaded";
     if (writing_is_off(module, status))
@@ -35,15 +28,12 @@ static const char *reason_of(const char *module, const para_module_status &statu
                                                        : nullptr;
 }
 
-// Calls for each module that has a file.
-template <typename function> static void for_each_saved_module(const function &call)
+// Null: saved, or changed since and about to be saved.
+static const char *reason_of(const char *module, const para_module_status &status)
 {
-    for (int i = 0; i < module_para_handle_num; i++) {
-        const para_module &row = module_para_handle[i];
-        para_module_status status = {};
-        if (row.save != nullptr && platformparam_get_status(row.name, &status) == 0)
-            call(row.name, status);
-    }
+    if (status.error != 0)
+        return strerror(status.error);
+    return has_unsaved_changes(status) ? obstacle_of(module, status) : nullptr;
 }
 
 int para_commands_unsaved(void (*tell)(void *context, const char *module, const char *reason,

@@ -7,12 +7,15 @@
 #define CAMPARAM_COMMANDS_H
 
 #include "camparam/api.h"
+#include "camparam/guard.h"
 
 PARA_BEGIN_DECLS
 
 /**
- * Offer the commands "describe", "lens", "reload", "save" and "style". Once, before
- * platformparam_init(), from the thread that will call that.
+ * Offer the commands "changes", "describe", "lens", "log", "reload", "save", "status" and "style".
+ * Once, before platformparam_init(), from the thread that will call that.
+ *
+ * It sets the setting observer to para_commands_note(), which keeps what "log" answers with.
  *
  * They are carried out on the thread "Para_Process", but for "reload" and "save", which wait for
  * files: these have a thread of their own, "para_commands", that starts with the first of them,
@@ -22,6 +25,14 @@ PARA_BEGIN_DECLS
  * @return 0, or -1 when out of memory.
  */
 PARA_API int para_commands_register(void);
+
+/**
+ * Keep a change for the command "log", which tells the last 256. The setting observer; a host that
+ * sets one of its own after para_commands_register() calls it from that. Any thread.
+ *
+ * @param change  Borrowed for the call.
+ */
+PARA_API void para_commands_note(const para_setting_change *change);
 
 /** Why a module could not be reloaded: as text, for people. */
 #define PARA_REASON_SIZE 256
