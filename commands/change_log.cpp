@@ -6,19 +6,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <utility>
 
+#include "base/json.h"
 #include "base/lock.h"
 #include "camparam/commands.h"
 #include "moment.h"
 
 namespace {
-
-struct text_free {
-    void operator()(char *text) const { free(text); }
-};
-using text_ptr = std::unique_ptr<char, text_free>;
 
 // A value that is kept: its text, if it has one, is a part of the change's texts.
 struct kept_value {

@@ -35,11 +35,11 @@ answered answer_describe(const request &request, json_builder &reply)
 
     description_page page(reply, list, cJSON_GetObjectItemCaseSensitive(request.data, "member"),
                           from);
-    describe_all(page);
-    const int revision = revision_of_settings();
-    if (revision == 0)
-        reply.lack();
-    reply.number(reply.root(), "revision", revision);
+    revision of_settings(page);
+    const descriptions texts;
+    const cJSON *const secrets = cJSON_GetObjectItemCaseSensitive(request.data, "secrets");
+    describe_all({texts, is_flag_set(secrets)}, of_settings);
+    reply.number(reply.root(), "revision", of_settings.number());
     if (page.is_full()) {
         char next[32];
         snprintf(next, sizeof next, "%d.%d", page.next().row, page.next().member);

@@ -1,4 +1,6 @@
 // The modules that can be described.
+#include <utility>
+
 #include "camparam/camparam.h"
 #include "description.h"
 
@@ -28,15 +30,62 @@ static const module_kind *kind_of(const para_module &row)
     return nullptr;
 }
 
-void describe_all(member_sink &sink)
+// Rows that hold no settings, but answer.
+static bool echoes_requests(const para_module &row)
+{
+    return row.get_opt == para_get_msg_name_opt || row.get_opt == para_get_msg_id_opt;
+}
+
+bool is_described(const para_module &row)
+{
+    if (row.name == nullptr || row.get_opt == nullptr || echoes_requests(row))
+        return false;
+    const module_kind *const kind = kind_of(row);
+    return kind == nullptr || kind->is_in_use == nullptr || kind->is_in_use(row.name);
+}
+
+namespace {
+
+// Adds to the members what the device tells of them.
+class completion : public member_sink {
+public:
+    completion(const para_module &of, const describing &to, member_sink &into)
+        : module(of), how(to), sink(into)
+    {
+    }
+
+    void take(const char *name, json_ptr member) override
+    {
+        if (member != nullptr &&
+            !how.texts.complete(module.name, name, member.get(), how.show_secrets))
+            member.reset();
+        sink.take(name, std::move(member));
+    }
+
+private:
+    const para_module &module;
+    const describing &how;
+    member_sink &sink;
+};
+
+} // namespace
+
+void describe_row(int row, const describing &how, member_sink &sink)
+{
+    const para_module &module = module_para_handle[row];
+    const module_kind *const kind = kind_of(module);
+    sink.begin_module(row, module, kind != nullptr ? kind->command : nullptr);
+    completion complete(module, how, sink);
+    if (kind != nullptr)
+        kind->describe(module.name, complete);
+    else
+        describe_host_module(module, complete);
+}
+
+void describe_all(const describing &how, member_sink &sink)
 {
     for (int i = 0; i < module_para_handle_num; i++) {
-        const para_module &row = module_para_handle[i];
-        const module_kind *const kind = kind_of(row);
-        if (row.name == nullptr || kind == nullptr ||
-            (kind->is_in_use != nullptr && !kind->is_in_use(row.name)))
-            continue;
-        sink.begin_module(i, row, kind->command);
-        kind->describe(row.name, sink);
+        if (is_described(module_para_handle[i]))
+            describe_row(i, how, sink);
     }
 }

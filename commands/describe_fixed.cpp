@@ -13,12 +13,12 @@ namespace {
 
 // A member's values in the parameter tables.
 struct member_values {
-    int exist, min, max, def, cur;
+    int exist, min, max, def, start, cur;
 };
 
 // The parameter tables of a module, by slot.
 struct parameter_tables {
-    const int *exist, *min, *max, *def, *cur;
+    const int *exist, *min, *max, *def, *start, *cur;
 
     member_values at(int slot) const
     {
@@ -26,6 +26,7 @@ struct parameter_tables {
                 .min = load_word(min[slot]),
                 .max = load_word(max[slot]),
                 .def = load_word(def[slot]),
+                .start = load_word(start[slot]),
                 .cur = load_word(cur[slot])};
     }
 };
@@ -34,16 +35,19 @@ constexpr parameter_tables af_tables = {.exist = para_af_exist,
                                         .min = para_af_min,
                                         .max = para_af_max,
                                         .def = para_af_def,
+                                        .start = para_af_init,
                                         .cur = para_af_cur};
 constexpr parameter_tables audio_tables = {.exist = para_audio_exist,
                                            .min = para_audio_min,
                                            .max = para_audio_max,
                                            .def = para_audio_def,
+                                           .start = para_audio_init,
                                            .cur = para_audio_cur};
 constexpr parameter_tables video_tables = {.exist = para_video_exist,
                                            .min = para_video_min,
                                            .max = para_video_max,
                                            .def = para_video_def,
+                                           .start = para_video_init,
                                            .cur = para_video_cur};
 
 member_values isp_values(int isp_record::*member)
@@ -52,6 +56,7 @@ member_values isp_values(int isp_record::*member)
             .min = load_word(para_isp_min[0].*member),
             .max = load_word(para_isp_max[0].*member),
             .def = load_word(para_isp_def[0].*member),
+            .start = load_word(para_isp_init[0].*member),
             .cur = load_word(para_isp_cur[0].*member)};
 }
 
@@ -59,6 +64,7 @@ void add_number(description &members, const char *name, const member_values &val
 {
     members.begin_number(name, values.min, values.max);
     members.add_default(values.def);
+    members.add_start(values.start);
     members.add_current(values.cur);
 }
 
@@ -71,6 +77,7 @@ void add_enum(description &members, const named_member &member, const member_val
          value <= values.max && (name = member.value_name(value)) != nullptr; value++)
         members.add_name(name);
     members.add_default(member.value_name(values.def));
+    members.add_start(member.value_name(values.start));
     members.add_current(member.value_name(values.cur));
 }
 

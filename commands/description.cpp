@@ -24,6 +24,11 @@ void description::begin_number(const char *name, int min, int max)
     json.number(json.root(), "max", max);
 }
 
+void description::begin_number(const char *name)
+{
+    begin(name, "number");
+}
+
 void description::begin_enum(const char *name)
 {
     begin(name, "enum");
@@ -33,6 +38,11 @@ void description::begin_enum(const char *name)
 void description::begin_text(const char *name)
 {
     begin(name, "text");
+}
+
+void description::begin_json(const char *name)
+{
+    begin(name, "json");
 }
 
 void description::add_name(const char *name)
@@ -52,14 +62,30 @@ void description::add_current(const char *value)
         json.text(json.root(), "current", value);
 }
 
+void description::add_start(const char *value)
+{
+    if (value != nullptr)
+        json.text(json.root(), "start", value);
+}
+
 void description::add_default(int value)
 {
     json.number(json.root(), "default", value);
 }
 
-void description::add_current(int value)
+void description::add_start(int value)
+{
+    json.number(json.root(), "start", value);
+}
+
+void description::add_current(double value)
 {
     json.number(json.root(), "current", value);
+}
+
+void description::add_current(json_ptr value)
+{
+    json.value(json.root(), "current", std::move(value));
 }
 
 void description::mark_read_only()

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "camparam/module.h"
+#include "descriptions.h"
 #include "json.h"
 
 // Takes the members of modules, one by one.
@@ -30,16 +31,21 @@ public:
     // Each begins a member of one kind, whose name must stay until the next begins. What follows
     // completes it.
     void begin_number(const char *name, int min, int max);
+    void begin_number(const char *name); // of any size
     void begin_enum(const char *name);
     void begin_text(const char *name);
+    void begin_json(const char *name); // any value
 
     // Of an enum, in the order of the numbers.
     void add_name(const char *name);
     // Null, such as for a number that has no name: the value is omitted.
     void add_default(const char *value);
+    void add_start(const char *value);
     void add_current(const char *value);
     void add_default(int value);
-    void add_current(int value);
+    void add_start(int value);
+    void add_current(double value);
+    void add_current(json_ptr value);
     // Set requests cannot change the member.
     void mark_read_only();
     // Memory ran out for what would be members.
@@ -63,8 +69,21 @@ void describe_isp(const char *module, member_sink &sink);
 void describe_json_module(const char *module, member_sink &sink);
 void describe_conf_module(const char *module, member_sink &sink);
 
+// Those of a module of the host's own, which it asks.
+void describe_host_module(const para_module &row, member_sink &sink);
+
 // Whether the device uses the row, unlike "video3" with three streams.
 bool is_stream_in_use(const char *module);
 
-// Describes all modules that can be described, in the order of the module table.
-void describe_all(member_sink &sink);
+// Whether requests can read settings of the row.
+bool is_described(const para_module &row);
+
+// Describes a row that is, with what the device tells of its members.
+struct describing {
+    const descriptions &texts;
+    bool show_secrets;
+};
+void describe_row(int row, const describing &how, member_sink &sink);
+
+// Describes all of them, in the order of the module table.
+void describe_all(const describing &how, member_sink &sink);

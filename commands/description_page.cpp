@@ -92,8 +92,7 @@ void description_page::take(const char *member_name, json_ptr member)
     }
     printed_ptr text(cJSON_PrintUnformatted(member.get()));
     if (text != nullptr && strlen(text.get()) > longest_member) {
-        cJSON_DeleteItemFromObject(member.get(), "default");
-        cJSON_DeleteItemFromObject(member.get(), "current");
+        drop_values(member.get());
         text.reset(cJSON_PrintUnformatted(member.get()));
     }
     if (text == nullptr) {

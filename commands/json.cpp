@@ -74,3 +74,13 @@ json_ptr json_builder::take_compact()
     const printed_ptr text(cJSON_PrintUnformatted(taken.get()));
     return json_ptr(text != nullptr ? cJSON_CreateRaw(text.get()) : nullptr);
 }
+
+bool is_flag(const cJSON *node)
+{
+    return node == nullptr || cJSON_IsNumber(node) || cJSON_IsBool(node);
+}
+
+bool is_flag_set(const cJSON *flag)
+{
+    return cJSON_IsTrue(flag) || (cJSON_IsNumber(flag) && flag->valueint != 0);
+}

@@ -38,3 +38,7 @@ private:
     json_ptr tree{cJSON_CreateObject()};
     bool complete = tree != nullptr;
 };
+
+// Flags of requests: absent, a number or a truth value.
+bool is_flag(const cJSON *node);
+bool is_flag_set(const cJSON *flag); // nonzero or true

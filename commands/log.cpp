@@ -6,6 +6,7 @@
 
 #include "change_log.h"
 #include "command.h"
+#include "descriptions.h"
 #include "page.h"
 #include "run.h"
 
@@ -21,15 +22,21 @@ void add_value(json_builder &entry, const char *name, const para_value &value)
         entry.number(entry.root(), name, value.number);
 }
 
-json_ptr entry_of(const logged_change &change)
+json_ptr entry_of(const logged_change &change, const descriptions &texts)
 {
+    const bool is_text = change.before.text != nullptr || change.after.text != nullptr;
+    const bool secret = texts.is_secret(change.module, change.member, is_text);
     json_builder entry;
     entry.number(entry.root(), "number", change.number);
     entry.number(entry.root(), "time", static_cast<double>(change.time));
     entry.text(entry.root(), "module", change.module);
     entry.text(entry.root(), "member", change.member);
-    add_value(entry, "old", change.before);
-    add_value(entry, "new", change.after);
+    if (secret) {
+        entry.truth(entry.root(), "secret");
+    } else {
+        add_value(entry, "old", change.before);
+        add_value(entry, "new", change.after);
+    }
     entry.text(entry.root(), "by", change.sender);
     return entry.take();
 }
@@ -40,7 +47,7 @@ public:
 
     bool take(const logged_change &change) override
     {
-        json_ptr entry = entry_of(change);
+        json_ptr entry = entry_of(change, texts);
         const printed_ptr text(cJSON_PrintUnformatted(entry.get()));
         if (text == nullptr) {
             reply.lack();
@@ -59,6 +66,7 @@ public:
 private:
     json_builder &reply;
     cJSON *const entries;
+    const descriptions texts;
     size_t used = 0;
     unsigned last = 0; // that the page holds
 };

@@ -3,6 +3,7 @@
 
 #include "camparam/guard.h"
 #include "command.h"
+#include "descriptions.h"
 #include "run.h"
 #include "unsaved.h"
 
@@ -52,6 +53,8 @@ answered answer_status(const request &, json_builder &reply)
     reply.number(reply.root(), "started", static_cast<double>(start_of_run()));
     reply.number(reply.root(), "uptime", static_cast<double>(seconds_of_run()));
     add_counters(reply);
+    if (const char *const fault = descriptions().fault())
+        reply.text(reply.root(), "descriptions", fault);
     cJSON *const modules = reply.object(reply.root(), "modules");
     for_each_saved_module([&](const char *name, const para_module_status &status) {
         add_module(reply, modules, name, status);

@@ -62,17 +62,6 @@ bool apply_style(int index, outcome &result)
     return true;
 }
 
-bool is_flag(const cJSON *node)
-{
-    return node == nullptr || cJSON_IsNumber(node) || cJSON_IsBool(node);
-}
-
-// Nonzero or true.
-bool is_set(const cJSON *flag)
-{
-    return cJSON_IsTrue(flag) || (cJSON_IsNumber(flag) && flag->valueint != 0);
-}
-
 answered set_style(const cJSON *data, json_builder &reply)
 {
     const cJSON *const name = cJSON_GetObjectItemCaseSensitive(data, "style");
@@ -85,7 +74,7 @@ answered set_style(const cJSON *data, json_builder &reply)
     const int index = para_get_isp_style_index(name->valuestring);
     if (index < 0)
         result.add("style", unknown);
-    else if (apply_style(index, result) && is_set(as_default))
+    else if (apply_style(index, result) && is_flag_set(as_default))
         result.add("default", para_set_isp_style_def(instance, index) == 0 ? no_reason : unknown);
     return answered::now;
 }

@@ -93,7 +93,8 @@ home_check check_home(const std::string &home, const std::string &web_names,
     home_folder folder(home);
     const json_ptr names = folder.take_json(web_names);
     const device_files files = files_of(names.get());
-    folder.has_files = false; // web names alone are no settings
+    folder.take_json("descriptions.json");
+    folder.has_files = false; // these alone are no settings
     for (const std::string &name : files.json_files)
         folder.take_json(name);
     for (const std::string &name : files.conf_files)

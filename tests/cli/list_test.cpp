@@ -74,11 +74,13 @@ TEST_F(ListCommand, PrintsJson)
 {
     start_host();
 
-    EXPECT_EQ(squeeze(run({"list", "--json", "af"}).output),
-              "{'af':{'focus_mode':{'kind':'number','min':0,'max':3,'default':1,'current':1},"
-              "'zoom_value':{'kind':'number','min':-100,'max':1000,'default':0,'current':0}}}");
+    EXPECT_EQ(
+        squeeze(run({"list", "--json", "af"}).output),
+        "{'af':{'focus_mode':{'kind':'number','min':0,'max':3,'default':1,'start':1,'current':1},"
+        "'zoom_value':{'kind':'number','min':-100,'max':1000,'default':0,'start':0,'current':0}}}");
     EXPECT_EQ(squeeze(run({"list", "--json", "af.focus_mode"}).output),
-              "{'af':{'focus_mode':{'kind':'number','min':0,'max':3,'default':1,'current':1}}}");
+              "{'af':{'focus_mode':{'kind':'number','min':0,'max':3,'default':1,'start':1,'current'"
+              ":1}}}");
 }
 
 TEST_F(ListCommand, ShowsNamesAndTexts)

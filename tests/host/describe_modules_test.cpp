@@ -87,12 +87,12 @@ TEST_F(DescribeModules, NamedMembersGoByTheFormOfTheirDefault)
 
     EXPECT_EQ(members_of("audio"),
               "{'aeFormat':{'kind':'enum','names':['AAC','G711A'],'default':'AAC',"
-              "'current':'G711A'},"
+              "'start':'G711A','current':'G711A'},"
               "'audioInput':{'kind':'enum','names':['micin'],'default':'micin',"
-              "'current':'micin'},"
-              "'audioOut':{'kind':'number','min':0,'max':1,'default':1,'current':1,"
+              "'start':'micin','current':'micin'},"
+              "'audioOut':{'kind':'number','min':0,'max':1,'default':1,'start':1,'current':1,"
               "'read_only':true},"
-              "'mute':{'kind':'number','min':0,'max':1,'default':0,'current':0}}");
+              "'mute':{'kind':'number','min':0,'max':1,'default':0,'start':0,'current':0}}");
 }
 
 TEST_F(DescribeModules, RangesBeyondTheNamesEndWithThem)
@@ -104,7 +104,7 @@ TEST_F(DescribeModules, RangesBeyondTheNamesEndWithThem)
 
     EXPECT_EQ(members_of("audio"),
               "{'aeFormat':{'kind':'enum','names':['AAC','G711A'],'default':'AAC',"
-              "'current':'AAC'},"
+              "'start':'AAC','current':'AAC'},"
               "'audioInput':{'kind':'enum','names':[],'default':'linein'}}");
 }
 
@@ -116,12 +116,12 @@ TEST_F(DescribeModules, StreamsInUseAreDescribed)
     start_host();
 
     EXPECT_EQ(members_of("video0"),
-              "{'gop':{'kind':'number','min':1,'max':300,'default':50,'current':50}}");
+              "{'gop':{'kind':'number','min':1,'max':300,'default':50,'start':50,'current':50}}");
     EXPECT_EQ(members_of("video1"),
               "{'size':{'kind':'enum','names':['PIC_QCIF','PIC_CIF','PIC_2CIF','PIC_HD1',"
-              "'PIC_D1'],'default':'PIC_D1','current':'PIC_D1'},"
+              "'PIC_D1'],'default':'PIC_D1','start':'PIC_D1','current':'PIC_D1'},"
               "'rcMode':{'kind':'enum','names':['VBR','ABR','FIXQP'],'default':'ABR',"
-              "'current':'ABR'}}");
+              "'start':'ABR','current':'ABR'}}");
     EXPECT_EQ(ask("video2").find("video2"), std::string::npos);
     EXPECT_EQ(ask("video6").find("video6"), std::string::npos);
 }
@@ -135,11 +135,12 @@ TEST_F(DescribeModules, MembersThatASetWouldMissAreReadOnly)
     write_data("isp_cur.json", "{'isp0':{'rgain':5}}");
     start_host();
 
-    EXPECT_EQ(members_of("isp0"),
-              "{'style':{'kind':'number','min':0,'max':0,'default':0,'current':0},"
-              "'rgain':{'kind':'number','min':0,'max':9,'default':4,'current':5},"
-              "'rgain_tuning':{'kind':'number','min':-5,'max':5,'default':-1,'current':-1,"
-              "'read_only':true}}");
+    EXPECT_EQ(
+        members_of("isp0"),
+        "{'style':{'kind':'number','min':0,'max':0,'default':0,'start':0,'current':0},"
+        "'rgain':{'kind':'number','min':0,'max':9,'default':4,'start':5,'current':5},"
+        "'rgain_tuning':{'kind':'number','min':-5,'max':5,'default':-1,'start':-1,'current':-1,"
+        "'read_only':true}}");
 }
 
 TEST_F(DescribeModules, MembersOfJsonModulesGoByTheirRange)

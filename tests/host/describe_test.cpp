@@ -25,10 +25,11 @@ protected:
     Client client;
 };
 
-const char *const af = "'af':{'set':'lens','members':{"
-                       "'focus_mode':{'kind':'number','min':0,'max':3,'default':1,'current':1},"
-                       "'zoom_value':{'kind':'number','min':-100,'max':1000,'default':0,"
-                       "'current':0}}}";
+const char *const af =
+    "'af':{'set':'lens','members':{"
+    "'focus_mode':{'kind':'number','min':0,'max':3,'default':1,'start':1,'current':1},"
+    "'zoom_value':{'kind':'number','min':-100,'max':1000,'default':0,"
+    "'start':0,'current':0}}}";
 
 // The fixture writes files for the lens only: no other module has members, and there is no stream.
 const std::string every_module =
@@ -56,7 +57,7 @@ TEST_F(DescribeCommand, TellsCurrentAndDefaultApart)
 
     const std::string reply = ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7}");
 
-    EXPECT_NE(reply.find("'default':0,'current':640}"), std::string::npos) << reply;
+    EXPECT_NE(reply.find("'default':0,'start':640,'current':640}"), std::string::npos) << reply;
 }
 
 TEST_F(DescribeCommand, ListLimitsTheAnswer)
@@ -79,7 +80,7 @@ TEST_F(DescribeCommand, OneMemberCanBeAskedFor)
     EXPECT_EQ(ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7,"
                   "'data':{'modules':['af'],'member':'focus_mode'}}"),
               reply_with("'af':{'set':'lens','members':{'focus_mode':{'kind':'number','min':0,"
-                         "'max':3,'default':1,'current':1}}}"));
+                         "'max':3,'default':1,'start':1,'current':1}}}"));
     EXPECT_EQ(ask("{'msg_type':'api_get','msg_name':'describe','msg_id':7,"
                   "'data':{'modules':['af'],'member':'none'}}"),
               reply_with("'af':{'set':'lens','members':{}}"));

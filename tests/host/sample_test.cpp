@@ -21,10 +21,41 @@ protected:
         return tree;
     }
 
+    // The modules of all pages, each in the order of its members.
     static json describe()
     {
-        return json(cJSON_Parse(
-            Client().request("{'msg_type':'api_get','msg_name':'describe'}").value_or("").c_str()));
+        json all(cJSON_CreateObject());
+        Client client;
+        std::string cursor = "0.0";
+        while (!cursor.empty()) {
+            const json page(cJSON_Parse(client
+                                            .request("{'msg_type':'api_get','msg_name':'describe',"
+                                                     "'data':{'cursor':'" +
+                                                     cursor + "'}}")
+                                            .value_or("")
+                                            .c_str()));
+            add_page(page.get(), all.get());
+            const char *const next = cJSON_GetStringValue(cJSON_GetObjectItem(page.get(), "next"));
+            cursor = next != nullptr ? next : "";
+        }
+        return all;
+    }
+
+private:
+    static void add_page(const cJSON *page, cJSON *all)
+    {
+        const cJSON *module = nullptr;
+        cJSON_ArrayForEach(module, cJSON_GetObjectItem(page, "modules"))
+        {
+            cJSON *members = cJSON_GetObjectItem(all, module->string);
+            if (members == nullptr)
+                members = cJSON_AddObjectToObject(all, module->string);
+            const cJSON *member = nullptr;
+            cJSON_ArrayForEach(member, cJSON_GetObjectItem(module, "members"))
+            {
+                cJSON_AddItemToObject(members, member->string, cJSON_Duplicate(member, 1));
+            }
+        }
     }
 };
 
@@ -35,10 +66,10 @@ template <typename checker> int for_each_member(const json &described, const che
 {
     int count = 0;
     const cJSON *module = nullptr;
-    cJSON_ArrayForEach(module, cJSON_GetObjectItem(described.get(), "modules"))
+    cJSON_ArrayForEach(module, described.get())
     {
         const cJSON *member = nullptr;
-        cJSON_ArrayForEach(member, cJSON_GetObjectItem(module, "members"))
+        cJSON_ArrayForEach(member, module)
         {
             check(std::string(module->string) + "." + member->string, member);
             count++;
@@ -115,6 +146,55 @@ std::string suite_name(const testing::TestParamInfo<const char *> &device)
 
 INSTANTIATE_TEST_SUITE_P(Both, EachSampleDevice, testing::Values("camera", "camera-legacy"),
                          suite_name);
+
+// And "names" that are as many as the numbers.
+TEST_F(SampleDevice, TellsOfEachSettingWhatItIs)
+{
+    home = SAMPLE_HOME;
+    start_host();
+
+    const int count = for_each_member(describe(), [](const std::string &name, const cJSON *member) {
+        EXPECT_TRUE(cJSON_IsString(cJSON_GetObjectItem(member, "label"))) << name;
+        const cJSON *const names = cJSON_GetObjectItem(member, "names");
+        if (!cJSON_IsObject(names))
+            return;
+        int expected = static_cast<int>(number(member, "min"));
+        const cJSON *each = nullptr;
+        cJSON_ArrayForEach(each, names)
+        {
+            EXPECT_EQ(each->string, std::to_string(expected++)) << name;
+        }
+        EXPECT_EQ(expected, number(member, "max") + 1) << name;
+    });
+    EXPECT_GT(count, 100);
+}
+
+TEST_F(SampleDevice, DescribesNothingThatItHasNot)
+{
+    home = SAMPLE_HOME;
+    start_host();
+
+    std::set<std::string> described;
+    for_each_member(describe(), [&](std::string name, const cJSON *) {
+        if (name.compare(0, 5, "video") == 0)
+            name[5] = '*';
+        described.insert(name);
+    });
+    // What no request reads.
+    for (const char *hidden : {"isp0.len_type", "isp0.ccm_style"})
+        described.insert(hidden);
+    const json texts = load(folder("camera") + "/descriptions.json");
+    const cJSON *module = nullptr;
+    cJSON_ArrayForEach(module, texts.get())
+    {
+        const cJSON *member = nullptr;
+        cJSON_ArrayForEach(member, module)
+        {
+            EXPECT_EQ(described.count(std::string(module->string) + "." + member->string), 1U)
+                << module->string << "." << member->string;
+        }
+    }
+}
 
 TEST_F(SampleDevice, StylesNameEveryMemberThatIsLoaded)
 {

@@ -83,6 +83,10 @@ TEST_F(HostStart, NamesThePlaceInABrokenHomeFile)
 
     write_home("af_def.json", "[1]");
     refuses_home_file("af_def.json", "holds no JSON object");
+    write_home("af_def.json", "{}");
+
+    write_home("descriptions.json", "[]");
+    refuses_home_file("descriptions.json", "holds no JSON object");
 }
 
 TEST_F(HostStart, ChecksTheFilesOfEachListedModule)

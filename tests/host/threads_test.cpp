@@ -67,7 +67,7 @@ TEST_F(HostThreads, DescribeReadsWhatTheySet)
     while_setting([] {
         for (int turn = 0; turn < 20; turn++) {
             const std::string all = answer("describe", PARA_GET, "{}");
-            EXPECT_NE(all.find("'hue':{"), std::string::npos) << all;
+            EXPECT_NE(all.find("'exposure_mode':{"), std::string::npos) << all;
         }
     });
 }

@@ -1,0 +1,30 @@
+// What the device tells of its settings: the file "descriptions.json" in the home folder.
+#pragma once
+
+#include "base/json.h"
+
+class descriptions {
+public:
+    // Reads the file, which need not be there.
+    descriptions();
+
+    // Adds unit, label, help, names of numbers and "secret" to a member's description. Of a secret
+    // one the values are taken out, unless they are to be shown. Returns false when memory ran out.
+    bool complete(const char *module, const char *name, cJSON *member, bool show_secrets) const;
+
+    // Where the file is there and cannot be used, every text may be a secret.
+    bool is_secret(const char *module, const char *member, bool is_text) const;
+
+    // Why the file cannot be used; null: it can, or is not there.
+    const char *fault() const { return problem; }
+
+private:
+    const cJSON *find(const char *module, const char *member) const;
+
+    json_ptr modules;
+    const char *problem = nullptr;
+};
+
+// What of a description is a value: "default", "start" and "current".
+bool is_value(const char *key);
+void drop_values(cJSON *member);
