@@ -18,10 +18,13 @@ enum class answered { now, compactly, later, invalid };
 using command_function = answered (*)(const request &request, json_builder &reply);
 
 answered answer_changes(const request &request, json_builder &reply);
+answered answer_check(const request &request, json_builder &reply);
+answered answer_confirm(const request &request, json_builder &reply);
 answered answer_describe(const request &request, json_builder &reply);
 answered answer_lens(const request &request, json_builder &reply);
 answered answer_log(const request &request, json_builder &reply);
 answered answer_reload(const request &request, json_builder &reply);
+answered answer_reset(const request &request, json_builder &reply);
 answered answer_save(const request &request, json_builder &reply);
 answered answer_status(const request &request, json_builder &reply);
 answered answer_style(const request &request, json_builder &reply);

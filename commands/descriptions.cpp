@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/memory.h"
 #include "camparam/control.h"
 #include "camparam/platform.h"
 
@@ -45,7 +46,9 @@ text_ptr read_text(int file, const char *&problem)
         return nullptr;
     }
     text_ptr text(static_cast<char *>(malloc(size + 1)));
-    const ssize_t length = text != nullptr ? read_all(file, text.get(), size) : -1;
+    if (text == nullptr)
+        return nullptr;
+    const ssize_t length = read_all(file, text.get(), size);
     if (length < 0) {
         problem = "descriptions.json cannot be read";
         return nullptr;
@@ -94,12 +97,17 @@ descriptions::descriptions()
             problem = "descriptions.json cannot be opened";
         return;
     }
-    if (const text_ptr text = read_text(file, problem)) {
-        modules.reset(cJSON_Parse(text.get()));
-        if (!cJSON_IsObject(modules.get()))
-            problem = "descriptions.json holds no JSON object";
-    }
+    const text_ptr text = read_text(file, problem);
     close(file);
+    if (text == nullptr) {
+        starved = problem == nullptr;
+        return;
+    }
+    const memory_watch memory;
+    modules.reset(cJSON_Parse(text.get()));
+    starved = modules == nullptr && memory.ran_out();
+    if (!starved && !cJSON_IsObject(modules.get()))
+        problem = "descriptions.json holds no JSON object";
 }
 
 const cJSON *descriptions::find(const char *module, const char *member) const
@@ -119,14 +127,14 @@ const cJSON *descriptions::find(const char *module, const char *member) const
 
 bool descriptions::is_secret(const char *module, const char *member, bool is_text) const
 {
-    return problem != nullptr ? is_text : is_true(find(module, member), "secret");
+    return starved || problem != nullptr ? is_text : is_true(find(module, member), "secret");
 }
 
 bool descriptions::complete(const char *module, const char *name, cJSON *member,
                             bool show_secrets) const
 {
     const cJSON *const found = find(module, name);
-    bool added = true;
+    bool added = !starved;
     for (const char *key : texts) {
         const cJSON *const text = cJSON_GetObjectItemCaseSensitive(found, key);
         if (cJSON_IsString(text))

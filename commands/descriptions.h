@@ -18,11 +18,15 @@ public:
     // Why the file cannot be used; null: it can, or is not there.
     const char *fault() const { return problem; }
 
+    // Memory ran out: there is nothing to be told.
+    bool is_starved() const { return starved; }
+
 private:
     const cJSON *find(const char *module, const char *member) const;
 
     json_ptr modules;
     const char *problem = nullptr;
+    bool starved = false;
 };
 
 // What of a description is a value: "default", "start" and "current".

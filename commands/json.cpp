@@ -84,3 +84,8 @@ bool is_flag_set(const cJSON *flag)
 {
     return cJSON_IsTrue(flag) || (cJSON_IsNumber(flag) && flag->valueint != 0);
 }
+
+bool is_int(const cJSON *node)
+{
+    return cJSON_IsNumber(node) && node->valuedouble == static_cast<double>(node->valueint);
+}

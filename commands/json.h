@@ -42,3 +42,6 @@ private:
 // Flags of requests: absent, a number or a truth value.
 bool is_flag(const cJSON *node);
 bool is_flag_set(const cJSON *flag); // nonzero or true
+
+// Whether valueint holds the number exactly: cJSON saturates large numbers and cuts fractions.
+bool is_int(const cJSON *node);

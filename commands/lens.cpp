@@ -4,7 +4,7 @@
 #include "af_table.h"
 #include "base/word.h"
 #include "command.h"
-#include "outcome.h"
+#include "lens.h"
 
 static const af_member *find_present(const char *name)
 {
@@ -15,14 +15,7 @@ static const af_member *find_present(const char *name)
     return nullptr;
 }
 
-// Whether valueint holds the number exactly: cJSON saturates large numbers and truncates fractions.
-static bool is_int(const cJSON *node)
-{
-    return cJSON_IsNumber(node) && node->valuedouble == static_cast<double>(node->valueint);
-}
-
-// Sets one member. Returns the reason when it is refused.
-static reason set(const cJSON *item)
+reason set_lens(const cJSON *item)
 {
     const af_member *const member = find_present(item->string);
     if (member == nullptr)
@@ -46,7 +39,7 @@ answered answer_lens(const request &request, json_builder &reply)
     const cJSON *item = nullptr;
     cJSON_ArrayForEach(item, request.data)
     {
-        result.add(item->string, set(item));
+        result.add(item->string, set_lens(item));
     }
     return answered::now;
 }

@@ -43,7 +43,11 @@ json_ptr entry_of(const logged_change &change, const descriptions &texts)
 
 class log_page : public log_reader {
 public:
-    explicit log_page(json_builder &in) : reply(in), entries(in.array(in.root(), "changes")) {}
+    explicit log_page(json_builder &in) : reply(in), entries(in.array(in.root(), "changes"))
+    {
+        if (texts.is_starved())
+            reply.lack();
+    }
 
     bool take(const logged_change &change) override
     {

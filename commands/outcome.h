@@ -19,6 +19,9 @@ public:
     // Reports a name, as accepted without a reason.
     void add(const char *name, const reason &why);
 
+    // Memory ran out for a part of the reply.
+    void lack() { reply.lack(); }
+
 private:
     json_builder &reply;
     cJSON *const accepted;

@@ -53,8 +53,11 @@ answered answer_status(const request &, json_builder &reply)
     reply.number(reply.root(), "started", static_cast<double>(start_of_run()));
     reply.number(reply.root(), "uptime", static_cast<double>(seconds_of_run()));
     add_counters(reply);
-    if (const char *const fault = descriptions().fault())
-        reply.text(reply.root(), "descriptions", fault);
+    const descriptions texts;
+    if (texts.is_starved())
+        reply.lack();
+    if (texts.fault() != nullptr)
+        reply.text(reply.root(), "descriptions", texts.fault());
     cJSON *const modules = reply.object(reply.root(), "modules");
     for_each_saved_module([&](const char *name, const para_module_status &status) {
         add_module(reply, modules, name, status);

@@ -12,6 +12,7 @@
 
 #include "base/lock.h"
 #include "late_reply.h"
+#include "moment.h"
 
 namespace {
 
@@ -32,12 +33,15 @@ struct late_answer {
 constexpr int most_waiting = 32;
 
 pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER; // guards what follows
-pthread_cond_t arrived = PTHREAD_COND_INITIALIZER;
+pthread_cond_t arrived;                            // made with the thread
 late_answer waiting[most_waiting];
 unsigned arrivals;
 pthread_t thread;
 pid_t process; // that has the thread; 0: none
 bool stopping;
+
+void (*timed_work)(); // null: none
+long long time_of_work_ms;
 
 // --- The thread ---
 
@@ -53,31 +57,73 @@ late_answer *oldest()
     return found;
 }
 
-// Takes out those that want the same as the oldest. Returns how many; 0: the thread is to end.
-int take(late_answer (&taken)[most_waiting])
+void wait()
+{
+    if (timed_work == nullptr) {
+        pthread_cond_wait(&arrived, &mutex);
+        return;
+    }
+    const timespec until = {.tv_sec = static_cast<time_t>(time_of_work_ms / 1000),
+                            .tv_nsec = static_cast<long>(time_of_work_ms % 1000 * 1000000)};
+    pthread_cond_timedwait(&arrived, &mutex, &until);
+}
+
+bool is_timed_work_due()
+{
+    return timed_work != nullptr && monotonic_ms() >= time_of_work_ms;
+}
+
+// What is to be done next.
+struct next_work {
+    bool ends;       // the thread
+    void (*timed)(); // else, unless null
+    int count;       // else these are taken
+    late_answer taken[most_waiting];
+};
+
+// Takes out those that want the same as the oldest.
+void take_waiting(next_work &next)
+{
+    for (late_answer *each = oldest();
+         each != nullptr && (next.count == 0 || each->wants_the_same_as(next.taken[0]));
+         each = oldest())
+        next.taken[next.count++] = std::exchange(*each, {});
+}
+
+void take(next_work &next)
 {
     const lock_guard guard(mutex);
-    while (!stopping && oldest() == nullptr)
-        pthread_cond_wait(&arrived, &mutex);
+    while (!stopping && oldest() == nullptr && !is_timed_work_due())
+        wait();
+    next = {};
+    next.ends = stopping;
     if (stopping)
-        return 0;
-    int count = 0;
-    for (late_answer *next = oldest();
-         next != nullptr && (count == 0 || next->wants_the_same_as(taken[0])); next = oldest())
-        taken[count++] = std::exchange(*next, {});
-    return count;
+        return;
+    if (is_timed_work_due())
+        next.timed = std::exchange(timed_work, nullptr);
+    else
+        take_waiting(next);
+}
+
+void answer(const next_work &work)
+{
+    json_builder failed;
+    work.taken[0].work(work.taken[0].module, failed);
+    const json_ptr found = failed.take();
+    for (int i = 0; i < work.count; i++)
+        send_late(work.taken[i].socket, work.taken[i].client, json_ptr(work.taken[i].reply),
+                  found.get());
 }
 
 void *do_late_work(void *)
 {
     pthread_setname_np(pthread_self(), "para_commands");
-    late_answer taken[most_waiting];
-    while (const int count = take(taken)) {
-        json_builder failed;
-        taken[0].work(taken[0].module, failed);
-        const json_ptr found = failed.take();
-        for (int i = 0; i < count; i++)
-            send_late(taken[i].socket, taken[i].client, json_ptr(taken[i].reply), found.get());
+    next_work next;
+    for (take(next); !next.ends; take(next)) {
+        if (next.timed != nullptr)
+            next.timed();
+        else
+            answer(next);
     }
     return nullptr;
 }
@@ -103,6 +149,12 @@ bool start()
 {
     if (process == getpid())
         return true;
+    pthread_condattr_t by_monotonic_clock;
+    pthread_condattr_init(&by_monotonic_clock);
+    pthread_condattr_setclock(&by_monotonic_clock, CLOCK_MONOTONIC);
+    pthread_cond_init(&arrived, &by_monotonic_clock);
+    pthread_condattr_destroy(&by_monotonic_clock);
+
     sigset_t all, before;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
@@ -148,4 +200,15 @@ void answer_later(const para_message &message, json_builder &reply, late_work wo
     place->client = message.sender;
     place->reply = begun.release();
     pthread_cond_signal(&arrived);
+}
+
+bool do_at(long long time_ms, void (*work)())
+{
+    const lock_guard guard(mutex);
+    if (!start())
+        return false;
+    timed_work = work;
+    time_of_work_ms = time_ms;
+    pthread_cond_signal(&arrived);
+    return true;
 }

@@ -17,3 +17,8 @@ void answer_later(const para_message &message, json_builder &reply, late_work wo
 
 // In work: lets so much time pass.
 void pause_work(long milliseconds);
+
+// Has work done on that thread at a time of CLOCK_MONOTONIC, in milliseconds. There is one such
+// time: a later call takes the place of an earlier. Returns false when the thread cannot be
+// started.
+bool do_at(long long time_ms, void (*work)());

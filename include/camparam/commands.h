@@ -12,15 +12,17 @@
 PARA_BEGIN_DECLS
 
 /**
- * Offer the commands "changes", "describe", "lens", "log", "reload", "save", "status" and "style".
- * Once, before platformparam_init(), from the thread that will call that.
+ * Offer the commands "changes", "check", "confirm", "describe", "lens", "log", "reload", "reset",
+ * "save", "status" and "style". Once, before platformparam_init(), from the thread that will call
+ * that.
+ *
+ * They are carried out on the thread "Para_Process", but for what waits: "reload" and "save" wait
+ * for files, and what "confirm" has set for the time when it is taken back. These have a thread of
+ * their own, "para_commands", that starts with the first of them, blocks all signals, and ends when
+ * the process exits; hooks are called on it as well. Unlike those of register_param_command(), the
+ * names of these commands cannot be abbreviated in requests.
  *
  * It sets the setting observer to para_commands_note(), which keeps what "log" answers with.
- *
- * They are carried out on the thread "Para_Process", but for "reload" and "save", which wait for
- * files: these have a thread of their own, "para_commands", that starts with the first of them,
- * blocks all signals, and ends when the process exits. Unlike those of register_param_command(),
- * their names cannot be abbreviated in requests.
  *
  * @return 0, or -1 when out of memory.
  */

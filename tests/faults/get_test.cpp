@@ -160,6 +160,22 @@ TEST_F(StarvedKit, AnswersWholeOrNot)
           "{'msg_type':'api_get','msg_name':'describe','data':{'modules':['misc','netport']}}",
           "{'msg_type':'api_get','msg_name':'style','msg_id':4}",
           "{'msg_type':'api_set','msg_name':'style','data':{'style':'none'}}",
-          "{'msg_type':'api_set','msg_name':'lens','data':{'zoom_value':-5,'none':1}}"})
+          "{'msg_type':'api_set','msg_name':'lens','data':{'zoom_value':-5,'none':1}}",
+          "{'msg_type':'api_get','msg_name':'check','data':{'netport':{'http_port':'1'},'x':1}}",
+          "{'msg_type':'api_set','msg_name':'reset','data':{'af':['zoom_value'],'x':['all']}}",
+          "{'msg_type':'api_get','msg_name':'confirm'}",
+          "{'msg_type':'api_set','msg_name':'confirm','data':{'seconds':9,'set':{'x':{'a':1}}}}"})
+        is_answered_whole_or_not(request);
+}
+
+// The counters go on from answer to answer.
+TEST_F(StarvedKit, TellsOfChangesWholeOrNot)
+{
+    write_home("descriptions.json", "{'netport':{'http_port':{'label':'Port','names':{}}}}");
+    para_conf_set_member("netport", "http_port", "81");
+    for (const char *request :
+         {"{'msg_type':'api_get','msg_name':'log'}", "{'msg_type':'api_get','msg_name':'changes'}",
+          "{'msg_type':'api_get','msg_name':'describe',"
+          "'data':{'modules':['netport']}}"})
         is_answered_whole_or_not(request);
 }

@@ -1,0 +1,13 @@
+// Values of several modules, as requests have them: {"isp0": {"contrast": 7}, ...}.
+#pragma once
+
+#include "outcome.h"
+
+// Reports of each value whether it would be taken. Nothing is set.
+void check_values(const cJSON *modules, outcome &result);
+
+// Reports those that would not, and returns how many they are.
+int refuse_faulty_values(const cJSON *modules, outcome &result);
+
+// Reports all as refused.
+void refuse_values(const cJSON *modules, const reason &why, outcome &result);

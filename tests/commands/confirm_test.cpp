@@ -1,0 +1,131 @@
+// The command "confirm": values for a time.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "commands/kit.h"
+
+using testing::MatchesRegex;
+
+class ConfirmCommand : public Kit {
+protected:
+    std::string set_for(int seconds, const std::string &values)
+    {
+        return ask("confirm", "{'seconds':" + std::to_string(seconds) + ",'set':" + values + "}",
+                   "api_set");
+    }
+    std::string confirm() { return ask("confirm", "", "api_set"); }
+
+    static int port() { return kind_named("Conf").get(); }
+};
+
+TEST_F(ConfirmCommand, TakesValuesBackThatNobodyConfirms)
+{
+    start_store();
+    EXPECT_EQ(set_for(1, "{'netport':{'port':'9'},'af':{'zoom_value':9},'panel':{'brightness':9}}"),
+              "{'accepted':['netport.port','af.zoom_value','panel.brightness'],'refused':{}}");
+    EXPECT_EQ(port(), 9);
+    EXPECT_TRUE(wait_until([] { return port() == default_number; }));
+    EXPECT_TRUE(wait_until([] { return kind_named("Pattern").get() == default_number; }));
+    EXPECT_EQ(kind_named("Af").get(), default_number);
+    EXPECT_EQ(confirm(), "{'confirmed':[]}") << "it is too late";
+    EXPECT_EQ(ask("confirm"), "{'waiting':[]}");
+}
+
+TEST_F(ConfirmCommand, KeepsWhatIsConfirmed)
+{
+    start_store();
+    set_for(1, "{'netport':{'port':'9'}}");
+    EXPECT_EQ(confirm(), "{'confirmed':['netport.port']}");
+    EXPECT_EQ(set_for(1, "{'af':{'zoom_value':9}}"), "{'accepted':['af.zoom_value'],'refused':{}}");
+    EXPECT_TRUE(wait_until([] { return kind_named("Af").get() == default_number; }));
+    EXPECT_EQ(port(), 9);
+}
+
+TEST_F(ConfirmCommand, TellsWhatWaits)
+{
+    start_store();
+    EXPECT_EQ(ask("confirm"), "{'waiting':[]}");
+    set_for(3600, "{'netport':{'port':'9'},'af':{'zoom_value':9}}");
+    EXPECT_THAT(ask("confirm"), MatchesRegex("\\{'waiting':\\['netport.port','af.zoom_value'\\],"
+                                             "'seconds':3[56][0-9][0-9]\\}"));
+}
+
+TEST_F(ConfirmCommand, SetsAllOrNothing)
+{
+    start_store();
+    EXPECT_EQ(
+        set_for(60, "{'netport':{'port':'9','none':'1'},'af':{'zoom_value':900},'x':{'a':1}}"),
+        "{'accepted':[],'refused':{'netport.none':'no such member',"
+        "'af.zoom_value':'out of range, 0 to 100','x':'no such module'}}");
+    EXPECT_EQ(port(), default_number);
+    EXPECT_EQ(ask("confirm"), "{'waiting':[]}");
+}
+
+TEST_F(ConfirmCommand, WaitsForOneChangeAtATime)
+{
+    start_store();
+    set_for(60, "{'netport':{'port':'9'}}");
+    EXPECT_EQ(set_for(60, "{'netport':{'port':'10'},'af':{'zoom_value':9}}"),
+              "{'accepted':[],'refused':{"
+              "'netport.port':'another change waits to be confirmed',"
+              "'af.zoom_value':'another change waits to be confirmed'}}");
+    EXPECT_EQ(port(), 9);
+}
+
+TEST_F(ConfirmCommand, LeavesWhatOthersHaveSetSince)
+{
+    start_store();
+    set_for(1, "{'netport':{'port':'9'},'af':{'zoom_value':9}}");
+    kind_named("Conf").set(11);
+    EXPECT_TRUE(wait_until([] { return kind_named("Af").get() == default_number; }));
+    EXPECT_EQ(port(), 11);
+}
+
+TEST_F(ConfirmCommand, RefusesWhatCannotBeTakenBack)
+{
+    static int sets = 0;
+    const para_module row = {
+        .name = "lamp",
+        .init = nullptr,
+        .init_stage2 = nullptr,
+        .set_opt = [](const char *, const cJSON *, const char *) { return sets++; },
+        .get_opt =
+            [](const char *, const cJSON *, cJSON **answer, const char *) {
+                *answer = parse("{'level':5}").release();
+                return 0;
+            },
+        .need_save = nullptr,
+        .save = nullptr};
+    ASSERT_EQ(register_para_handle_extern(&row), 0);
+    start_store();
+    EXPECT_EQ(set_for(60, "{'lamp':{'level':7},'af':{'zoom_value':9}}"),
+              "{'accepted':[],'refused':{'lamp.level':'cannot be taken back'}}");
+    EXPECT_EQ(sets, 0);
+    EXPECT_EQ(kind_named("Af").get(), default_number);
+}
+
+TEST_F(ConfirmCommand, IsCarriedOutBesideOtherWork)
+{
+    platformparam_set_guard(1);
+    start_store();
+    set_for(1, "{'netport':{'port':'9'}}");
+    EXPECT_EQ(ask("save", "", "api_set"), "{}");
+    EXPECT_TRUE(wait_until([] { return port() == default_number; }));
+    EXPECT_EQ(ask("save", "", "api_set"), "{}");
+    EXPECT_EQ(read_data("netport.conf"), "port = \"40\"\n");
+}
+
+TEST_F(ConfirmCommand, RefusesOtherForms)
+{
+    start_store();
+    for (const char *details :
+         {"{'set':{'af':{'zoom_value':9}}}", "{'seconds':0,'set':{'af':{'zoom_value':9}}}",
+          "{'seconds':3601,'set':{'af':{'zoom_value':9}}}",
+          "{'seconds':1.5,'set':{'af':{'zoom_value':9}}}",
+          "{'seconds':'1','set':{'af':{'zoom_value':9}}}", "{'seconds':1,'set':[]}",
+          "{'seconds':1,'set':{'af':9}}", "{'seconds':1,'set':null}"})
+        EXPECT_EQ(ask("confirm", details, "api_set"), invalid) << details;
+    EXPECT_EQ(kind_named("Af").get(), default_number);
+}
