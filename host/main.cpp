@@ -14,6 +14,7 @@
 #include "log.h"
 #include "options.h"
 #include "request_filter.h"
+#include "secrets.h"
 #include "share_datagram.h"
 #include "share_maps.h"
 #include "signals.h"
@@ -40,8 +41,8 @@ bool start_server(const options &chosen)
 {
     if (!pass_start_checks(chosen))
         return false;
-    if (para_commands_register() != 0) {
-        log_line("cannot register the commands");
+    if (!hide_secrets(chosen.home, chosen.www2json) || para_commands_register() != 0) {
+        log_line("cannot register the commands: out of memory");
         return false;
     }
     install_request_filter(

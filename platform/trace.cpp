@@ -1,3 +1,4 @@
+#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -9,7 +10,9 @@
 #include <string>
 
 #include "camparam/platform.h"
+#include "camparam/platform_trace.h"
 #include "platform/guard.h"
+#include "platform/hidden_names.h"
 #include "platform/standard_error.h"
 #include "platform/trace_limit.h"
 #include "platform/trace_line.h"
@@ -138,6 +141,9 @@ void trace_output::finish()
         tell_lost();
 }
 
+// Never destroyed, as the output is not.
+std::atomic<const hidden_names *> hidden;
+
 struct text_free {
     void operator()(char *text) const { free(text); }
 };
@@ -151,11 +157,27 @@ int write_message(int level, const char *format, va_list arguments)
     if (length < 0)
         return -1;
     const std::unique_ptr<char, text_free> owner(text);
-    output().add(trace_line(format, {text, static_cast<size_t>(length)}));
+    const std::string_view message(text, static_cast<size_t>(length));
+    const hidden_names *const secrets = hidden.load(std::memory_order_acquire);
+    output().add(secrets == nullptr ? trace_line(format, message)
+                                    : trace_line(format, secrets->shown(message)));
     return 0;
 }
 
 } // namespace
+
+int hide_in_traces(const char *const *names, int count)
+{
+    return guarded(-1, [&] {
+        std::unique_ptr<hidden_names> made;
+        if (count > 0)
+            made = std::make_unique<hidden_names>();
+        for (int i = 0; i < count; i++)
+            made->add(names[i]);
+        delete hidden.exchange(made.release());
+        return 0;
+    });
+}
 
 void wnk_traceout(int level, const char *format, ...)
 {

@@ -35,6 +35,7 @@ TEST(PlatformExports, AreTheDeclaredNames)
     std::set<std::string> declared;
     add_declared_names("platform.h", declared);
     add_declared_names("platform_queue.h", declared);
+    add_declared_names("platform_trace.h", declared);
     EXPECT_THAT(declared, testing::IsSupersetOf({"dbgout_profile", "add_fifo_work"}));
     EXPECT_EQ(exported_names(), declared);
 }

@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "camparam/platform_trace.h"
 #include "tests/platform/folder.h"
 
 // Replaces standard error with a packet socket, so that each write arrives as a packet.
@@ -197,4 +198,32 @@ TEST_F(TraceOutput, OfOtherErrorsAndOfProgressGoesOnInAFlood)
 TEST(TraceLevel, ShowsErrorsUntilItIsSet)
 {
     EXPECT_EQ(dbgout_profile[1], 3);
+}
+
+TEST_F(TraceOutput, HidesWhatFollowsTheNameOfASecret)
+{
+    const char *const names[] = {"Key", "pin"};
+    ASSERT_EQ(hide_in_traces(names, 2), 0);
+    const struct {
+        const char *message, *shown;
+    } messages[] = {
+        {"{\"key\": \"abc\", \"a\": 1}", "{\"key..."},
+        {"{\"a\": 1, \"KEY\": \"abc\"}", "{\"a\": 1, \"KEY..."},
+        {"a=1&key=abc&pin=5", "a=1&key..."},
+        {"pin 5, key abc", "pin..."},
+        {"key = 'abc'", "key..."},
+        {"para_set_x_pin_cur(5)", "para_set_x_pin..."},
+        {"key", "key..."},
+        {"keys = 'abc', pins 5, monkey=7, key_2", "keys = 'abc', pins 5, monkey=7, key_2"},
+        {"keys key=7", "keys key..."},
+        {"nothing", "nothing"},
+        {"", ""},
+    };
+    for (const auto &each : messages) {
+        wnk_traceout(6, "%s\n", each.message);
+        EXPECT_EQ(next_write(), std::string(each.shown) + "\n");
+    }
+    ASSERT_EQ(hide_in_traces(nullptr, 0), 0);
+    wnk_traceout(6, "key=abc\n");
+    EXPECT_EQ(next_write(), "key=abc\n");
 }
