@@ -1,7 +1,7 @@
 #include <cstdio>
 
+#include "client/outcome.h"
 #include "commands.h"
-#include "outcome.h"
 #include "output.h"
 
 namespace {

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "client.h"
-#include "failure.h"
-#include "setting.h"
+#include "client/client.h"
+#include "client/failure.h"
+#include "client/setting.h"
 
 // Texts are as on the command line.
 exit_code list_settings(client &host, const std::string &filter, bool as_json);

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "client/describe.h"
+#include "client/outcome.h"
 #include "commands.h"
-#include "describe.h"
-#include "outcome.h"
 #include "output.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include <cstdio>
 
+#include "client/describe.h"
 #include "commands.h"
-#include "describe.h"
 #include "output.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "json.h"
+#include "client/json.h"
 
 // Escapes control characters, so that a value stays on its line and cannot control the terminal.
 std::string visible(const std::string &text);

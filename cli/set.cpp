@@ -1,9 +1,9 @@
 #include <algorithm>
 
-#include "change.h"
+#include "client/outcome.h"
 #include "commands.h"
-#include "outcome.h"
 #include "output.h"
+#include "report.h"
 
 namespace {
 

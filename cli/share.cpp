@@ -1,8 +1,8 @@
 #include <cstring>
 
 #include "camparam/share.h"
-#include "change.h"
 #include "commands.h"
+#include "report.h"
 
 namespace {
 

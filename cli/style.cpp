@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "client/outcome.h"
+#include "client/suggest.h"
 #include "commands.h"
-#include "outcome.h"
 #include "output.h"
-#include "suggest.h"
 
 namespace {
 

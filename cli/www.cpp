@@ -2,8 +2,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "client/outcome.h"
 #include "commands.h"
-#include "outcome.h"
 #include "output.h"
 
 namespace {

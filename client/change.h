@@ -1,12 +1,12 @@
-// Changes to settings: planning what to send, and reporting the result.
+// Changes to settings: planning what to send.
 #pragma once
 
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "describe.h"
-#include "failure.h"
+#include "client/describe.h"
+#include "client/failure.h"
 
 // One value to set.
 struct change {
@@ -21,7 +21,5 @@ struct change {
 change plan_change(client &host, const setting_value &value,
                    const std::optional<description> &described, value_form form);
 
-// Compares the changes with the values that were read back, an object for each module. Prints the
-// accepted values on standard output and the rest as messages.
-exit_code report_changes(client &host, const std::vector<change> &changes, const cJSON *values,
-                         bool as_json);
+// Whether the value that was read back is the wanted one.
+bool is_taken(const change &wanted, const cJSON *found);

@@ -1,9 +1,9 @@
-#include "client.h"
+#include "client/client.h"
 
 #include <algorithm>
 #include <random>
 
-#include "failure.h"
+#include "client/failure.h"
 
 namespace {
 

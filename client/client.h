@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "connection.h"
-#include "json.h"
+#include "client/connection.h"
+#include "client/json.h"
 
 // A member and its new value.
 struct assignment {

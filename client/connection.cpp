@@ -1,4 +1,4 @@
-#include "connection.h"
+#include "client/connection.h"
 
 #include <netdb.h>
 #include <poll.h>
@@ -11,7 +11,7 @@
 #include <memory>
 #include <optional>
 
-#include "failure.h"
+#include "client/failure.h"
 
 namespace {
 

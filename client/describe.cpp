@@ -1,9 +1,9 @@
-#include "describe.h"
+#include "client/describe.h"
 
 #include <algorithm>
 
-#include "failure.h"
-#include "suggest.h"
+#include "client/failure.h"
+#include "client/suggest.h"
 
 namespace {
 

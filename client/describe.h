@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "client.h"
-#include "setting.h"
+#include "client/client.h"
+#include "client/setting.h"
 
 struct member_description {
     std::string name;

@@ -1,4 +1,4 @@
-#include "json.h"
+#include "client/json.h"
 
 #include <charconv>
 

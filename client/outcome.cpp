@@ -1,4 +1,4 @@
-#include "outcome.h"
+#include "client/outcome.h"
 
 exit_code outcome::status() const
 {

@@ -1,8 +1,8 @@
 // The result of a command on several settings, some of which may fail.
 #pragma once
 
-#include "failure.h"
-#include "json.h"
+#include "client/failure.h"
+#include "client/json.h"
 
 struct outcome {
     int done = 0;

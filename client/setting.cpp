@@ -1,9 +1,9 @@
-#include "setting.h"
+#include "client/setting.h"
 
 #include <algorithm>
 #include <array>
 
-#include "failure.h"
+#include "client/failure.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "client.h"
+#include "client/client.h"
 
 // MODULE.MEMBER, or MODULE alone with an empty member.
 struct setting_name {

@@ -1,4 +1,4 @@
-#include "suggest.h"
+#include "client/suggest.h"
 
 #include <algorithm>
 #include <numeric>

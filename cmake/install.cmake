@@ -17,6 +17,7 @@ if(CAMPARAM_TOOLS)
     set_target_properties(camparamd camparam_cli PROPERTIES
         INSTALL_RPATH "$ORIGIN/${from_bin_to_lib}")
     install(TARGETS camparamd camparam_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(TARGETS camparam_client LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_SKIP)
     install(FILES cli/camparam.bash RENAME camparam
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 endif()

@@ -15,11 +15,12 @@ runtime         include base modules server share runtime
 platform        include platform
 commands        include base commands
 host            include host
-cli             include cli
+client          include client
+cli             include client cli
 bench           include bench
 fuzz            include base modules server share runtime platform commands host fuzz
 examples        include examples
-tests           include base modules server share runtime platform host cli fuzz tests
+tests           include base modules server share runtime platform host client cli fuzz tests
 tests/bench     include bench tests
 tests/foreign   include tests/foreign
 tests/install   include tests/install

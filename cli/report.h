@@ -1,0 +1,11 @@
+// What became of changes.
+#pragma once
+
+#include <vector>
+
+#include "client/change.h"
+
+// Compares the changes with the values that were read back, an object for each module. Prints the
+// accepted values on standard output and the rest as messages.
+exit_code report_changes(client &host, const std::vector<change> &changes, const cJSON *values,
+                         bool as_json);
