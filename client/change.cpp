@@ -33,11 +33,14 @@ assignment with_description(const setting_value &value, const member_description
     if (member.read_only)
         throw failure(REFUSED, value.name.text() + ": no request can change it");
     const bool number = member.kind == "number";
+    setting_value sent = value;
     if (number)
-        check_number(value, member.limits());
+        sent.value = member.number_of(value.value);
+    if (number)
+        check_number(sent, member.limits());
     if (!member.names.empty())
         check_name(value, member);
-    return {value.name.member, value.value, number};
+    return {value.name.member, sent.value, number};
 }
 
 } // namespace

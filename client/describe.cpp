@@ -26,21 +26,35 @@ std::string suggest(const std::string &word, const std::vector<row> &rows,
     return name.empty() ? "" : "; did you mean \"" + before + name + "\"?";
 }
 
+// An array names what an enum takes, an object some numbers.
+void read_names(const cJSON *names, member_description &member)
+{
+    const cJSON *name = nullptr;
+    cJSON_ArrayForEach(name, names)
+    {
+        if (cJSON_IsObject(names))
+            member.names_of_numbers.emplace_back(name->string, value_text(name));
+        else
+            member.names.push_back(value_text(name));
+    }
+}
+
 member_description read_member(const cJSON *node)
 {
-    member_description member = {};
+    member_description member;
     member.name = node->string;
     member.kind = string_of(member_of(node, "kind"));
     member.min = value_text(member_of(node, "min"));
     member.max = value_text(member_of(node, "max"));
     member.default_value = value_text(member_of(node, "default"));
+    member.start = value_text(member_of(node, "start"));
     member.current = value_text(member_of(node, "current"));
-    const cJSON *name = nullptr;
-    cJSON_ArrayForEach(name, member_of(node, "names"))
-    {
-        member.names.push_back(value_text(name));
-    }
+    read_names(member_of(node, "names"), member);
+    member.unit = string_of(member_of(node, "unit"));
+    member.label = string_of(member_of(node, "label"));
+    member.help = string_of(member_of(node, "help"));
     member.read_only = cJSON_IsTrue(member_of(node, "read_only"));
+    member.secret = cJSON_IsTrue(member_of(node, "secret"));
     member.node = node;
     return member;
 }
@@ -126,6 +140,13 @@ std::string member_description::limits() const
         return text;
     }
     return min.empty() || max.empty() ? kind : kind + ", " + min + " to " + max;
+}
+
+std::string member_description::number_of(const std::string &text) const
+{
+    const auto found = std::find_if(names_of_numbers.begin(), names_of_numbers.end(),
+                                    [&](const auto &one) { return one.second == text; });
+    return found != names_of_numbers.end() ? found->first : text;
 }
 
 const member_description *module_description::find(const std::string &member) const

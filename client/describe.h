@@ -3,21 +3,28 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "client/client.h"
 #include "client/setting.h"
 
 struct member_description {
-    std::string name;
-    std::string kind; // "number", "enum", "text", or one that a later host adds
-    std::string min, max, default_value, current;
-    std::vector<std::string> names; // of an enum
-    bool read_only;                 // set requests cannot change it
-    const cJSON *node;              // owned by the answer
+    std::string name; // empty: the module is itself the setting
+    std::string kind; // "number", "enum", "text", "json", or one that a later host adds
+    std::string min, max, default_value, start, current;
+    std::vector<std::string> names;                                    // of an enum
+    std::vector<std::pair<std::string, std::string>> names_of_numbers; // number and name
+    std::string unit, label, help;
+    bool read_only = false; // set requests cannot change it
+    bool secret = false;
+    const cJSON *node = nullptr; // owned by the answer
 
     // Such as "number, 0 to 100" or "one of AAC, G711A".
     std::string limits() const;
+
+    // The number of a name, or the text itself.
+    std::string number_of(const std::string &text) const;
 };
 
 struct module_description {

@@ -180,8 +180,8 @@ void tell_waiting(json_builder &reply)
     const lock_guard guard(mutex);
     list_waiting(reply, "waiting");
     if (old_values != nullptr) {
-        const long long rest_ms = std::max(end_ms - monotonic_ms(), 0LL);
-        reply.number(reply.root(), "seconds", static_cast<double>((rest_ms + 999) / 1000));
+        const long long seconds = (std::max(end_ms - monotonic_ms(), 0LL) + 999) / 1000;
+        reply.number(reply.root(), "seconds", static_cast<double>(seconds));
     }
 }
 

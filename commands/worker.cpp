@@ -122,7 +122,7 @@ void *do_late_work(void *)
     for (take(next); !next.ends; take(next)) {
         if (next.timed != nullptr)
             next.timed();
-        else
+        else if (next.count > 0)
             answer(next);
     }
     return nullptr;

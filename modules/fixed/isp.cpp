@@ -207,7 +207,7 @@ int para_init_isp(const char *)
 
 int para_isp_cur_restore_isp_def()
 {
-    int before[PARA_ISP_INSTANCES * PARA_ISP_SLOTS];
+    int before[PARA_ISP_INSTANCES * PARA_ISP_SLOTS] = {};
     for (int slot = 0; slot < slot_count(isp); slot++) {
         before[slot] = load_word(isp.values.cur[slot]);
         store_word(isp.values.cur[slot], load_word(isp.values.def[slot]));
