@@ -6,6 +6,19 @@
 
 namespace {
 
+struct options {
+    std::string command;
+    std::vector<std::string> members;
+    bool as_get = false, as_set = false;
+    form_options value;
+
+    // A command that is given members most likely changes something.
+    const char *type() const
+    {
+        return as_set || (!as_get && !members.empty()) ? "api_set" : "api_get";
+    }
+};
+
 json_ptr data_of(const std::vector<std::string> &members, value_form form)
 {
     json_ptr data(cJSON_CreateObject());
@@ -14,19 +27,35 @@ json_ptr data_of(const std::vector<std::string> &members, value_form form)
     return data;
 }
 
-} // namespace
-
-exit_code call_command(client &host, const std::string &command, const char *type,
-                       const std::vector<std::string> &members, value_form form, bool as_json)
+exit_code run(program &all, options &given)
 {
+    client host(all.server);
     const json_ptr answer =
-        host.call(type, command, members.empty() ? nullptr : data_of(members, form));
+        host.call(given.type(), given.command,
+                  given.members.empty() ? nullptr : data_of(given.members, given.value.form()));
     if (!answer)
-        throw failure(REFUSED, "the host does not know the command \"" + command +
-                                   "\", or refused it; it was sent as " + type +
+        throw failure(REFUSED, "the host does not know the command \"" + given.command +
+                                   "\", or refused it; it was sent as " + given.type() +
                                    ", see --set and --get");
 
-    if (as_json || cJSON_GetArraySize(answer.get()) > 0)
-        puts(as_json ? print_line(answer.get()).c_str() : print_pretty(answer.get()).c_str());
+    if (all.as_json || cJSON_GetArraySize(answer.get()) > 0)
+        puts(all.as_json ? print_line(answer.get()).c_str() : print_pretty(answer.get()).c_str());
     return outcome_of(answer.get()).status();
+}
+
+} // namespace
+
+void add_call(CLI::App &app, program &all)
+{
+    CLI::App *const call = app.add_subcommand("call", "Run a command that the host offers");
+    options &given = run_by(call, all, run);
+    call->add_option("command", given.command, "Name of the command")
+        ->type_name("COMMAND")
+        ->required();
+    call->add_option("members", given.members, "Parameters; integers are sent as numbers")
+        ->type_name("MEMBER=VALUE");
+    CLI::Option *const set =
+        call->add_flag("--set", given.as_set, "Send it as api_set [default with parameters]");
+    call->add_flag("--get", given.as_get, "Send it as api_get [default without]")->excludes(set);
+    add_form_options(call, given.value);
 }

@@ -4,6 +4,7 @@
 #include "client/describe.h"
 #include "client/outcome.h"
 #include "commands.h"
+#include "get.h"
 #include "output.h"
 
 namespace {
@@ -53,7 +54,7 @@ void print_values(const setting_name &name, const cJSON *found)
 
 } // namespace
 
-exit_code get_settings(client &host, const std::vector<std::string> &texts, bool as_json)
+exit_code print_settings(client &host, const std::vector<std::string> &texts, bool as_json)
 {
     std::vector<setting_name> names;
     for (const std::string &text : texts)
@@ -79,4 +80,26 @@ exit_code get_settings(client &host, const std::vector<std::string> &texts, bool
     result.missing = static_cast<int>(missing.size());
     result.done = static_cast<int>(names.size() - missing.size());
     return result.status();
+}
+
+namespace {
+
+struct options {
+    std::vector<std::string> names;
+};
+
+exit_code run(program &all, options &given)
+{
+    client host(all.server);
+    return print_settings(host, given.names, all.as_json);
+}
+
+} // namespace
+
+void add_get(CLI::App &app, program &all)
+{
+    CLI::App *const get = app.add_subcommand("get", "Print values, one per line");
+    get->add_option("settings", run_by(get, all, run).names, "Modules or settings")
+        ->type_name("MODULE[.MEMBER]")
+        ->required();
 }

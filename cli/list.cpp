@@ -2,6 +2,7 @@
 
 #include "client/describe.h"
 #include "commands.h"
+#include "get.h"
 #include "output.h"
 
 namespace {
@@ -69,20 +70,24 @@ exit_code list_values(client &host, const setting_name &wanted, bool as_json)
     if (wanted.module.empty())
         throw failure(OTHER, "the host does not describe its settings; name a module, such as "
                              "\"camparam list af\"");
-    return get_settings(host, {wanted.text()}, as_json);
+    return print_settings(host, {wanted.text()}, as_json);
 }
 
-} // namespace
+struct options {
+    std::string filter;
+};
 
-exit_code list_settings(client &host, const std::string &filter, bool as_json)
+exit_code run(program &all, options &given)
 {
+    client host(all.server);
+    const std::string &filter = given.filter;
     const setting_name wanted = filter.empty() ? setting_name{} : parse_setting_name(filter);
     std::vector<std::string> modules;
     if (!filter.empty())
         modules.push_back(wanted.module);
     const std::optional<description> described = describe(host, modules);
     if (!described)
-        return list_values(host, wanted, as_json);
+        return list_values(host, wanted, all.as_json);
 
     const module_description *const found = described->find(wanted.module);
     const bool is_known =
@@ -95,6 +100,16 @@ exit_code list_settings(client &host, const std::string &filter, bool as_json)
         if (wanted.module.empty() || wanted.module == module.name)
             add_module(list, module, wanted.member);
     }
-    print_list(list, wanted, as_json);
+    print_list(list, wanted, all.as_json);
     return DONE;
+}
+
+} // namespace
+
+void add_list(CLI::App &app, program &all)
+{
+    CLI::App *const list = app.add_subcommand(
+        "list", "Show settings: kind, range, default and value; * marks a changed one");
+    list->add_option("setting", run_by(list, all, run).filter, "Only this module or setting")
+        ->type_name("MODULE[.MEMBER]");
 }

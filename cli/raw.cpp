@@ -4,8 +4,13 @@
 
 #include "commands.h"
 
-exit_code send_raw(client &host)
+namespace {
+
+struct options {};
+
+exit_code run(program &all, options &)
 {
+    client host(all.server);
     const std::string request(std::istreambuf_iterator<char>(std::cin), {});
     const json_ptr tree = parse_json(request);
     // The store answers neither of these, so waiting would only time out.
@@ -18,4 +23,13 @@ exit_code send_raw(client &host)
     fwrite(answer.data(), 1, answer.size(), stdout);
     putchar('\n');
     return member_of(parse_json(answer).get(), "err") != nullptr ? REFUSED : DONE;
+}
+
+} // namespace
+
+void add_raw(CLI::App &app, program &all)
+{
+    run_by(
+        app.add_subcommand("raw", "Send the JSON request on standard input and print the answer"),
+        all, run);
 }

@@ -74,18 +74,33 @@ json_ptr apply(client &host, const std::string &module, const std::vector<change
     return found;
 }
 
-} // namespace
+struct options {
+    std::vector<std::string> values;
+    form_options value;
+};
 
-exit_code set_settings(client &host, const std::vector<std::string> &texts, value_form form,
-                       bool as_json)
+exit_code run(program &all, options &given)
 {
-    const std::vector<setting_value> requested = parse(texts);
+    client host(all.server);
+    const std::vector<setting_value> requested = parse(given.values);
     const std::vector<std::string> modules = modules_of(requested);
     const std::optional<description> described = describe(host, modules);
-    const std::vector<change> changes = plan_all(host, requested, described, form);
+    const std::vector<change> changes = plan_all(host, requested, described, given.value.form());
 
     const json_ptr values(cJSON_CreateObject());
     for (const std::string &module : modules)
         cJSON_AddItemToObject(values.get(), module.c_str(), apply(host, module, changes).release());
-    return report_changes(host, changes, values.get(), as_json);
+    return report_changes(host, changes, values.get(), all.as_json);
+}
+
+} // namespace
+
+void add_set(CLI::App &app, program &all)
+{
+    CLI::App *const set = app.add_subcommand("set", "Change settings and read them back");
+    options &given = run_by(set, all, run);
+    set->add_option("values", given.values, "Settings and their new values")
+        ->type_name("MODULE.MEMBER=VALUE")
+        ->required();
+    add_form_options(set, given.value);
 }

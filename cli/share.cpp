@@ -43,20 +43,41 @@ std::string module_of(const std::string &shared, int instance)
     return shared + std::to_string(instance);
 }
 
-} // namespace
+struct options {
+    std::string value;
+    int instance = 0;
+    form_options form;
+};
 
-exit_code share_setting(client &host, const std::string &text, int instance, value_form form,
-                        bool as_json)
+exit_code run(program &all, options &chosen)
 {
-    const setting_value given = parse_setting_value(text);
-    const std::string module = module_of(given.name.module, instance);
+    client host(all.server);
+    const setting_value given = parse_setting_value(chosen.value);
+    const std::string module = module_of(given.name.module, chosen.instance);
     const setting_value wanted = {{module, given.name.member}, given.value};
     const std::optional<description> described = describe(host, {module});
-    const change planned = plan_change(host, wanted, described, form);
+    const change planned = plan_change(host, wanted, described, chosen.form.form());
 
-    host.send(datagram_of(given.name.module, instance, planned.value));
+    host.send(datagram_of(given.name.module, chosen.instance, planned.value));
     const json_ptr values(cJSON_CreateObject());
     cJSON *const found = cJSON_AddObjectToObject(values.get(), module.c_str());
     host.get(module, {planned.name.member}, found);
-    return report_changes(host, {planned}, values.get(), as_json);
+    return report_changes(host, {planned}, values.get(), all.as_json);
+}
+
+} // namespace
+
+void add_share(CLI::App &app, program &all)
+{
+    CLI::App *const share = app.add_subcommand(
+        "share", "Change a setting by share datagram and read it back by request");
+    options &given = run_by(share, all, run);
+    share->add_option("value", given.value, "Setting of video, audio or isp, and its new value")
+        ->type_name("MODULE.MEMBER=VALUE")
+        ->required();
+    share->add_option("--instance", given.instance, "Stream, or image processor")
+        ->type_name("N")
+        ->check(CLI::Range(0, 255))
+        ->capture_default_str();
+    add_form_options(share, given.form);
 }

@@ -81,8 +81,6 @@ void print_refusals(const cJSON *answer)
     }
 }
 
-} // namespace
-
 exit_code show_styles(client &host, bool as_json)
 {
     const style_list styles = ask(host);
@@ -99,4 +97,29 @@ exit_code apply_style(client &host, const std::string &name, bool as_default, bo
     print_refusals(answer.get());
     print(ask(host), {name}, as_json);
     return outcome_of(answer.get()).status();
+}
+
+struct options {
+    std::string name;
+    bool as_default = false;
+};
+
+exit_code run(program &all, options &given)
+{
+    client host(all.server);
+    if (given.name.empty())
+        return show_styles(host, all.as_json);
+    return apply_style(host, given.name, given.as_default, all.as_json);
+}
+
+} // namespace
+
+void add_style(CLI::App &app, program &all)
+{
+    CLI::App *const style =
+        app.add_subcommand("style", "Show the picture styles, or apply one with all its values");
+    options &given = run_by(style, all, run);
+    CLI::Option *const name =
+        style->add_option("style", given.name, "The style to apply")->type_name("NAME");
+    style->add_flag("--default", given.as_default, "Make it the default style, too")->needs(name);
 }

@@ -128,8 +128,6 @@ exit_code report(const pair_list &wanted, const pair_list &shown, const std::str
     return result.status();
 }
 
-} // namespace
-
 exit_code get_page(client &host, const std::string &page, bool as_json)
 {
     print(ask(host, page), as_json);
@@ -143,4 +141,39 @@ exit_code set_page(client &host, const std::string &page, const std::string &que
     const pair_list wanted = pairs_of(query);
     set_shown(host, wanted, ask(host, page), page);
     return report(last_of_each(wanted), ask(host, page), page, as_json);
+}
+
+struct options {
+    std::string page, query;
+};
+
+exit_code run_get(program &all, options &given)
+{
+    client host(all.server);
+    return get_page(host, given.page, all.as_json);
+}
+
+exit_code run_set(program &all, options &given)
+{
+    client host(all.server);
+    return set_page(host, given.page, given.query, all.as_json);
+}
+
+} // namespace
+
+void add_www(CLI::App &app, program &all)
+{
+    CLI::App *const www =
+        app.add_subcommand("www", "Read or change settings in the names of the web pages");
+    www->require_subcommand(1);
+    CLI::App *const get = www->add_subcommand("get", "Print the values of a page, one per line");
+    get->add_option("page", run_by(get, all, run_get).page, "Name of the page")
+        ->type_name("PAGE")
+        ->required();
+    CLI::App *const set = www->add_subcommand("set", "Change values of a page and read them back");
+    options &given = run_by(set, all, run_set);
+    set->add_option("page", given.page, "Name of the page")->type_name("PAGE")->required();
+    set->add_option("query", given.query, "New values, sent without escaping")
+        ->type_name("NAME=VALUE&...")
+        ->required();
 }
