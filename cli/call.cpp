@@ -45,17 +45,15 @@ exit_code run(program &all, options &given)
 
 } // namespace
 
-void add_call(CLI::App &app, program &all)
+void add_call(const arguments &words, program &all)
 {
-    CLI::App *const call = app.add_subcommand("call", "Run a command that the host offers");
-    options &given = run_by(call, all, run);
-    call->add_option("command", given.command, "Name of the command")
-        ->type_name("COMMAND")
-        ->required();
-    call->add_option("members", given.members, "Parameters; integers are sent as numbers")
-        ->type_name("MEMBER=VALUE");
-    CLI::Option *const set =
-        call->add_flag("--set", given.as_set, "Send it as api_set [default with parameters]");
-    call->add_flag("--get", given.as_get, "Send it as api_get [default without]")->excludes(set);
+    const auto [call, given] =
+        add_command(words, all, {"call", "Run a command that the host offers"}, run);
+    call.text(given.command, {"command", "COMMAND", "Name of the command"}).required();
+    call.texts(given.members,
+               {"members", "MEMBER=VALUE", "Parameters; integers are sent as numbers"});
+    const argument set =
+        call.flag(given.as_set, "--set", "Send it as api_set [default with parameters]");
+    call.flag(given.as_get, "--get", "Send it as api_get [default without]").excludes(set);
     add_form_options(call, given.value);
 }

@@ -28,7 +28,8 @@ _camparam()
 
     case "$word,$command" in
     -*) mapfile -t COMPREPLY < <(compgen -W "--help --version --host --port --timeout --retries
-        --json --number --text --get --set --default --instance" -- "$word") ;;
+        --json --show-secrets --number --text --get --set --default --instance --changed
+        --partly --create --wait-saved --confirm" -- "$word") ;;
     *,) mapfile -t COMPREPLY < <(compgen -W "list get set call style www share raw" -- "$word") ;;
     *,list | *,get) mapfile -t COMPREPLY < <(compgen -W "$(_camparam_settings)" -- "$word") ;;
     *,set)

@@ -3,16 +3,16 @@
 
 #include "program.h"
 
-void add_call(CLI::App &app, program &all);
-void add_get(CLI::App &app, program &all);
-void add_list(CLI::App &app, program &all);
-void add_raw(CLI::App &app, program &all);
-void add_set(CLI::App &app, program &all);
-void add_share(CLI::App &app, program &all);
-void add_style(CLI::App &app, program &all);
-void add_www(CLI::App &app, program &all);
+void add_call(const arguments &words, program &all);
+void add_get(const arguments &words, program &all);
+void add_list(const arguments &words, program &all);
+void add_raw(const arguments &words, program &all);
+void add_set(const arguments &words, program &all);
+void add_share(const arguments &words, program &all);
+void add_style(const arguments &words, program &all);
+void add_www(const arguments &words, program &all);
 
-using command_adder = void (*)(CLI::App &app, program &all);
+using command_adder = void (*)(const arguments &words, program &all);
 
 // In the order of the help.
 inline constexpr command_adder commands[] = {

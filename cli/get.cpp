@@ -5,6 +5,7 @@
 #include "client/outcome.h"
 #include "commands.h"
 #include "get.h"
+#include "list.h"
 #include "output.h"
 
 namespace {
@@ -91,15 +92,16 @@ struct options {
 exit_code run(program &all, options &given)
 {
     client host(all.server);
+    if (given.names.empty())
+        return print_modules(host, {}, all);
     return print_settings(host, given.names, all.as_json);
 }
 
 } // namespace
 
-void add_get(CLI::App &app, program &all)
+void add_get(const arguments &words, program &all)
 {
-    CLI::App *const get = app.add_subcommand("get", "Print values, one per line");
-    get->add_option("settings", run_by(get, all, run).names, "Modules or settings")
-        ->type_name("MODULE[.MEMBER]")
-        ->required();
+    const auto [get, given] = add_command(words, all, {"get", "Print values, one per line"}, run);
+    get.texts(given.names,
+              {"settings", "MODULE[.MEMBER]", "Modules or settings; none: lists the modules"});
 }

@@ -1,13 +1,19 @@
+#include "list.h"
+
+#include <algorithm>
 #include <cstdio>
 
-#include "client/describe.h"
+#include "client/selection.h"
 #include "commands.h"
 #include "get.h"
 #include "output.h"
 
 namespace {
 
-using table_rows = std::vector<std::vector<std::string>>;
+struct options {
+    std::vector<std::string> patterns;
+    bool changed = false;
+};
 
 const std::vector<std::string> header = {"NAME", "KIND", "MIN", "MAX", "DEFAULT", "VALUE", ""};
 
@@ -20,96 +26,145 @@ std::string cell(const std::string &text)
 // An empty text is a value, unlike an absent member.
 std::string value_cell(const member_description &member, const char *key, const std::string &text)
 {
-    return member_of(member.node, key) != nullptr && text.empty() ? "\"\"" : cell(text);
+    const cJSON *const value = member_of(member.node, key);
+    if (value == nullptr && member.secret)
+        return "secret";
+    return value != nullptr && text.empty() ? "\"\"" : cell(text);
 }
 
-std::vector<std::string> row_of(const std::string &name, const member_description &member)
+std::string mark_of(const member_description &member)
 {
-    return {visible(name),
+    if (member.read_only)
+        return differs_from_default(member) ? "* read-only" : "read-only";
+    return differs_from_default(member) ? "*" : "";
+}
+
+std::vector<std::string> row_of(const described_setting &setting)
+{
+    const member_description &member = *setting.member;
+    return {visible(setting.name().text()),
             cell(member.kind),
             cell(member.min),
             cell(member.max),
             value_cell(member, "default", member.default_value),
             value_cell(member, "current", member.current),
-            member.current != member.default_value ? "*" : ""};
+            mark_of(member)};
 }
 
-struct listing {
-    table_rows rows = {header};
-    json_ptr tree{cJSON_CreateObject()};
-    std::string names; // of the last member's values, if it is an enum
-};
-
-// Adds the module's members, or only the wanted one.
-void add_module(listing &list, const module_description &module, const std::string &wanted)
+// The defaults of the image processor are those of the default style.
+void explain_marks(client &host, const std::vector<described_setting> &settings)
 {
-    cJSON *const object = cJSON_AddObjectToObject(list.tree.get(), module.name.c_str());
-    for (const member_description &member : module.members) {
-        if (!wanted.empty() && wanted != member.name)
-            continue;
-        list.rows.push_back(row_of(setting_name{module.name, member.name}.text(), member));
-        cJSON_AddItemToObject(object, member.name.c_str(), cJSON_Duplicate(member.node, 1));
-        list.names = member.names.empty() ? "" : member.limits();
-    }
-}
-
-void print_list(const listing &list, const setting_name &wanted, bool as_json)
-{
-    if (as_json) {
-        puts(print_pretty(list.tree.get()).c_str());
+    const bool any_of_isp =
+        std::any_of(settings.begin(), settings.end(), [](const described_setting &setting) {
+            return setting.module->name == "isp0" && differs_from_default(*setting.member);
+        });
+    if (!any_of_isp)
         return;
+    const json_ptr styles = host.call("api_get", "style", nullptr);
+    const std::string name = string_of(member_of(styles.get(), "default"));
+    if (!name.empty())
+        printf("* of isp0: differs from the style \"%s\"\n", visible(name).c_str());
+}
+
+void print_tree(const std::vector<described_setting> &settings)
+{
+    const json_ptr tree(cJSON_CreateObject());
+    for (const described_setting &setting : settings) {
+        cJSON *module = cJSON_GetObjectItemCaseSensitive(tree.get(), setting.module->name.c_str());
+        if (module == nullptr)
+            module = cJSON_AddObjectToObject(tree.get(), setting.module->name.c_str());
+        cJSON_AddItemToObject(module, setting.member->name.c_str(),
+                              cJSON_Duplicate(setting.member->node, 1));
     }
-    print_table(list.rows);
-    if (!wanted.member.empty() && !list.names.empty())
-        printf("%s\n", visible(list.names).c_str());
+    puts(print_pretty(tree.get()).c_str());
+}
+
+void print_rows(client &host, const std::vector<described_setting> &settings)
+{
+    std::vector<std::vector<std::string>> rows = {header};
+    for (const described_setting &setting : settings)
+        rows.push_back(row_of(setting));
+    print_table(rows);
+    explain_marks(host, settings);
 }
 
 // A host without descriptions still answers with the values of a module.
-exit_code list_values(client &host, const setting_name &wanted, bool as_json)
+exit_code list_values(client &host, const std::vector<std::string> &patterns, bool as_json)
 {
-    if (wanted.module.empty())
+    if (patterns.empty())
         throw failure(OTHER, "the host does not describe its settings; name a module, such as "
                              "\"camparam list af\"");
-    return print_settings(host, {wanted.text()}, as_json);
+    return print_settings(host, patterns, as_json);
 }
 
-struct options {
-    std::string filter;
-};
+exit_code list_settings(client &host, const options &given, const program &all)
+{
+    for (const std::string &pattern : given.patterns)
+        parse_setting_name(pattern);
+    const std::optional<description> described =
+        describe(host, modules_in(given.patterns), all.show_secrets);
+    if (!described)
+        return list_values(host, given.patterns, all.as_json);
+
+    std::vector<described_setting> settings = select_settings(host, *described, given.patterns);
+    if (given.changed)
+        settings.erase(std::remove_if(settings.begin(), settings.end(),
+                                      [](const described_setting &setting) {
+                                          return !differs_from_default(*setting.member);
+                                      }),
+                       settings.end());
+    if (all.as_json)
+        print_tree(settings);
+    else
+        print_rows(host, settings);
+    const bool is_one = given.patterns.size() == 1 && settings.size() == 1 &&
+                        given.patterns[0] == settings[0].name().text();
+    if (!all.as_json && is_one && !settings[0].member->names.empty())
+        printf("%s\n", visible(settings[0].member->limits()).c_str());
+    return DONE;
+}
 
 exit_code run(program &all, options &given)
 {
     client host(all.server);
-    const std::string &filter = given.filter;
-    const setting_name wanted = filter.empty() ? setting_name{} : parse_setting_name(filter);
-    std::vector<std::string> modules;
-    if (!filter.empty())
-        modules.push_back(wanted.module);
-    const std::optional<description> described = describe(host, modules);
-    if (!described)
-        return list_values(host, wanted, all.as_json);
-
-    const module_description *const found = described->find(wanted.module);
-    const bool is_known =
-        found != nullptr && (wanted.member.empty() || found->find(wanted.member) != nullptr);
-    if (!filter.empty() && !is_known)
-        throw failure(NO_SUCH_SETTING, no_such_setting(host, wanted));
-
-    listing list;
-    for (const module_description &module : described->modules) {
-        if (wanted.module.empty() || wanted.module == module.name)
-            add_module(list, module, wanted.member);
-    }
-    print_list(list, wanted, all.as_json);
-    return DONE;
+    return list_settings(host, given, all);
 }
 
 } // namespace
 
-void add_list(CLI::App &app, program &all)
+bool is_list_of_modules(const std::vector<std::string> &texts)
 {
-    CLI::App *const list = app.add_subcommand(
-        "list", "Show settings: kind, range, default and value; * marks a changed one");
-    list->add_option("setting", run_by(list, all, run).filter, "Only this module or setting")
-        ->type_name("MODULE[.MEMBER]");
+    return std::none_of(texts.begin(), texts.end(), [](const std::string &text) {
+        return text.empty() || text.find_first_of(".=") != std::string::npos;
+    });
+}
+
+exit_code print_modules(client &host, const std::vector<std::string> &names, const program &all)
+{
+    if (!names.empty())
+        return list_settings(host, {names, false}, all);
+    const description described = describe_selected(host, {}, false);
+    if (all.as_json) {
+        const json_ptr modules(cJSON_CreateObject());
+        for (const module_description &module : described.modules)
+            cJSON_AddNumberToObject(modules.get(), module.name.c_str(),
+                                    static_cast<double>(module.members.size()));
+        puts(print_pretty(modules.get()).c_str());
+        return DONE;
+    }
+    std::vector<std::vector<std::string>> rows = {{"MODULE", "SETTINGS"}};
+    for (const module_description &module : described.modules)
+        rows.push_back({visible(module.name), std::to_string(module.members.size())});
+    print_table(rows);
+    return DONE;
+}
+
+void add_list(const arguments &words, program &all)
+{
+    const auto [list, given] = add_command(
+        words, all,
+        {"list", "Show settings: kind, range, default and value; * marks a changed one"}, run);
+    list.texts(given.patterns,
+               {"settings", "GLOB", "Only these modules or settings, such as af or isp0.*gain*"});
+    list.flag(given.changed, "--changed", "Only what differs from its default");
 }

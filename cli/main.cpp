@@ -25,24 +25,20 @@ const char *const examples = R"(Examples:
 Exit status: 0 done, 1 other failure, 2 wrong usage, 3 no answer, 4 refused,
 5 no such setting, 6 partly done.)";
 
-void add_options(CLI::App &app, program &all)
+void add_options(const arguments &words, program &all)
 {
-    app.add_option("--host", all.server.host, "Name or address of the camera")
-        ->type_name("HOST")
-        ->capture_default_str();
-    app.add_option("--port", all.server.port, "UDP port of its message server")
-        ->type_name("PORT")
-        ->check(CLI::Range(1, 65535))
-        ->capture_default_str();
-    app.add_option("--timeout", all.server.timeout_s, "Seconds to wait for each answer")
-        ->type_name("SECONDS")
-        ->capture_default_str();
-    app.add_option("--retries", all.server.retries, "Repeats of a request without an answer")
-        ->type_name("COUNT")
-        ->check(CLI::Range(0, 1000))
-        ->capture_default_str();
-    app.add_flag("--json", all.as_json, "Print results as JSON");
-    app.set_version_flag("--version", "camparam " CAMPARAM_VERSION);
+    words.text(all.server.host, {"--host", "HOST", "Name or address of the camera"})
+        .shows_default();
+    words.integer(all.server.port, {"--port", "PORT", "UDP port of its message server"}, 1, 65535)
+        .shows_default();
+    words.number(all.server.timeout_s, {"--timeout", "SECONDS", "Seconds to wait for each answer"})
+        .shows_default();
+    words
+        .integer(all.server.retries,
+                 {"--retries", "COUNT", "Repeats of a request without an answer"}, 0, 1000)
+        .shows_default();
+    words.flag(all.as_json, "--json", "Print results as JSON");
+    words.flag(all.show_secrets, "--show-secrets", "Show the values of secrets, too");
 }
 
 void check_options(const program &all)
@@ -61,10 +57,12 @@ int main(int argc, char **argv)
     app.footer(examples);
     app.require_subcommand(1);
     app.fallthrough(); // options of the program are accepted after the subcommand too
-    add_options(app, all);
+    app.set_version_flag("--version", "camparam " CAMPARAM_VERSION);
+    const arguments words(&app);
+    add_options(words, all);
     app.parse_complete_callback([&all] { check_options(all); }); // before the command runs
     for (const command_adder add : commands)
-        add(app, all);
+        add(words, all);
 
     try {
         app.parse(argc, argv);

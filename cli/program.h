@@ -1,10 +1,9 @@
 // What the commands of the program share.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 
+#include "arguments.h"
 #include "client/client.h"
 #include "client/failure.h"
 #include "client/setting.h"
@@ -12,16 +11,30 @@
 struct program {
     server_address server;
     bool as_json = false;
+    bool show_secrets = false;
     exit_code status = DONE; // of the command that ran
 };
 
-// Has a command run with its options. Returns these; they last as long as the command.
+// A command and where its arguments go.
+template <typename options> struct command_with {
+    arguments words;
+    options &given;
+};
+
+struct command_text {
+    const char *name;
+    const char *help;
+};
+
+// Adds a command that runs with its options; these last as long as the command.
 template <typename options>
-options &run_by(CLI::App *command, program &all, exit_code (*run)(program &all, options &given))
+command_with<options> add_command(const arguments &words, program &all, const command_text &about,
+                                  exit_code (*run)(program &all, options &given))
 {
     const auto given = std::make_shared<options>();
-    command->callback([given, &all, run] { all.status = run(all, *given); });
-    return *given;
+    return {words.command(about.name, about.help,
+                          [given, &all, run] { all.status = run(all, *given); }),
+            *given};
 }
 
 // How values are sent, of commands that set some.
@@ -36,4 +49,4 @@ struct form_options {
     }
 };
 
-void add_form_options(CLI::App *command, form_options &given);
+void add_form_options(const arguments &command, form_options &given);

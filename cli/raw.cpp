@@ -27,9 +27,8 @@ exit_code run(program &all, options &)
 
 } // namespace
 
-void add_raw(CLI::App &app, program &all)
+void add_raw(const arguments &words, program &all)
 {
-    run_by(
-        app.add_subcommand("raw", "Send the JSON request on standard input and print the answer"),
-        all, run);
+    add_command(words, all, {"raw", "Send the JSON request on standard input and print the answer"},
+                run);
 }

@@ -2,15 +2,25 @@
 
 #include <cstdio>
 
-#include "client/outcome.h"
 #include "output.h"
 
 namespace {
 
+// Such as: the number 5
+std::string shown(const cJSON *value)
+{
+    if (cJSON_IsNumber(value))
+        return "the number " + value_text(value);
+    return cJSON_IsString(value) ? "the text \"" + value_text(value) + "\"" : value_text(value);
+}
+
 std::string refusal(const change &wanted, const cJSON *found)
 {
-    std::string text = wanted.name.text() + ": \"" + wanted.value.value + "\" was not taken, ";
-    text += "the value is \"" + value_text(found) + "\"";
+    const bool same_text = value_text(found) == wanted.value.value;
+    std::string text = wanted.name.text() + ": \"" + wanted.value.value + "\" was not taken";
+    if (same_text)
+        text += std::string(wanted.value.number ? " as a number" : " as a text");
+    text += ", the value is " + (same_text ? shown(found) : "\"" + value_text(found) + "\"");
     if (wanted.described != nullptr)
         text += " (" + wanted.described->limits() + ")";
     return text;
@@ -18,10 +28,9 @@ std::string refusal(const change &wanted, const cJSON *found)
 
 } // namespace
 
-exit_code report_changes(client &host, const std::vector<change> &changes, const cJSON *values,
-                         bool as_json)
+void report_changes(client &host, const std::vector<change> &changes, const cJSON *values,
+                    bool as_json, outcome &result)
 {
-    outcome result;
     for (const change &one : changes) {
         const cJSON *const module = member_of(values, one.name.module.c_str());
         const cJSON *const found = member_of(module, one.name.member.c_str());
@@ -39,5 +48,4 @@ exit_code report_changes(client &host, const std::vector<change> &changes, const
     }
     if (as_json)
         puts(print_pretty(values).c_str());
-    return result.status();
 }

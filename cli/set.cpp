@@ -1,11 +1,22 @@
 #include <algorithm>
+#include <cstdio>
 
 #include "client/outcome.h"
+#include "client/saved.h"
 #include "commands.h"
+#include "list.h"
 #include "output.h"
 #include "report.h"
 
 namespace {
+
+struct options {
+    std::vector<std::string> values;
+    form_options value;
+    bool partly = false, create = false;
+    double wait_saved_s = 0; // 0: does not wait
+    int confirm_s = 0;       // 0: needs no confirmation
+};
 
 std::vector<setting_value> parse(const std::vector<std::string> &texts)
 {
@@ -31,76 +42,124 @@ std::vector<std::string> modules_of(const std::vector<setting_value> &values)
     return modules;
 }
 
-// Plans all changes before any is sent. If some cannot be sent, prints why and throws a failure.
-std::vector<change> plan_all(client &host, const std::vector<setting_value> &values,
-                             const std::optional<description> &described, value_form form)
-{
+struct plan {
     std::vector<change> changes;
-    std::vector<failure> failures;
-    outcome result;
+    outcome refused; // what cannot be sent
+};
+
+// All are planned before any is sent. Prints why some cannot be sent; then none is, unless partly.
+plan plan_all(client &host, const std::vector<setting_value> &values,
+              const std::optional<description> &described, const options &given)
+{
+    plan made;
+    const change_rules rules = {given.value.form(), given.create};
     for (const setting_value &value : values) {
         try {
-            changes.push_back(plan_change(host, value, described, form));
+            made.changes.push_back(plan_change(host, value, described, rules));
         } catch (const failure &error) {
             if (error.code != REFUSED && error.code != NO_SUCH_SETTING)
                 throw;
-            (error.code == REFUSED ? result.refused : result.missing)++;
-            failures.push_back(error);
+            (error.code == REFUSED ? made.refused.refused : made.refused.missing)++;
+            print_message(error.what());
         }
     }
-    if (failures.empty())
-        return changes;
-    for (const failure &error : failures)
-        print_message(error.what());
-    throw failure(result.status(), "nothing was set");
+    const bool all = made.changes.size() == values.size();
+    if (made.changes.empty() || !(all || given.partly))
+        throw failure(made.refused.status(), "nothing was set");
+    return made;
 }
 
-// Sends the changes of a module and returns the values that it has afterwards.
-json_ptr apply(client &host, const std::string &module, const std::vector<change> &changes)
+exit_code wait_until_saved(client &host, const std::vector<change> &changes, double seconds)
 {
-    std::vector<assignment> values;
-    std::vector<std::string> members;
-    std::string command;
-    for (const change &one : changes) {
-        if (one.name.module != module)
-            continue;
-        values.push_back(one.value);
-        members.push_back(one.name.member);
-        command = one.command;
-    }
-    host.set(module, command, values);
-    json_ptr found(cJSON_CreateObject());
-    host.get(module, members, found.get());
-    return found;
+    const std::vector<unsaved_module> unsaved =
+        wait_until_saved(host, modules_of(changes), seconds);
+    for (const unsaved_module &module : unsaved)
+        print_message(module.name + " is not saved: " + module.reason);
+    return unsaved.empty() ? DONE : UNSAVED;
 }
 
-struct options {
-    std::vector<std::string> values;
-    form_options value;
-};
+exit_code set_now(client &host, const std::vector<change> &changes, bool as_json, outcome &result)
+{
+    const json_ptr values(cJSON_CreateObject());
+    for (const std::string &module : modules_of(changes))
+        send_changes(host, module, changes, cJSON_AddObjectToObject(values.get(), module.c_str()));
+    report_changes(host, changes, values.get(), as_json, result);
+    return result.status();
+}
+
+json_ptr values_by_module(const std::vector<change> &changes)
+{
+    json_ptr modules(cJSON_CreateObject());
+    for (const change &one : changes) {
+        cJSON *module = cJSON_GetObjectItemCaseSensitive(modules.get(), one.name.module.c_str());
+        if (module == nullptr)
+            module = cJSON_AddObjectToObject(modules.get(), one.name.module.c_str());
+        add_value(module, one.value);
+    }
+    return modules;
+}
+
+// The host takes the values back by itself.
+exit_code set_for_a_time(client &host, const std::vector<change> &changes, const options &given,
+                         bool as_json)
+{
+    json_ptr data(cJSON_CreateObject());
+    cJSON_AddNumberToObject(data.get(), "seconds", given.confirm_s);
+    cJSON_AddItemToObject(data.get(), "set", values_by_module(changes).release());
+    const json_ptr answer = host.call("api_set", "confirm", std::move(data));
+    if (!answer)
+        throw failure(OTHER, "the host does not take values back");
+    if (as_json)
+        puts(print_line(answer.get()).c_str());
+    const cJSON *reason = nullptr;
+    cJSON_ArrayForEach(reason, member_of(answer.get(), "refused"))
+    {
+        print_message(std::string(reason->string) + ": " + string_of(reason));
+    }
+    const outcome result = outcome_of(answer.get());
+    if (result.done > 0)
+        print_message("set for " + std::to_string(given.confirm_s) +
+                      " s; \"camparam confirm\" keeps it");
+    return result.status();
+}
 
 exit_code run(program &all, options &given)
 {
     client host(all.server);
-    const std::vector<setting_value> requested = parse(given.values);
-    const std::vector<std::string> modules = modules_of(requested);
-    const std::optional<description> described = describe(host, modules);
-    const std::vector<change> changes = plan_all(host, requested, described, given.value.form());
+    if (is_list_of_modules(given.values))
+        return print_modules(host, given.values, all);
 
-    const json_ptr values(cJSON_CreateObject());
-    for (const std::string &module : modules)
-        cJSON_AddItemToObject(values.get(), module.c_str(), apply(host, module, changes).release());
-    return report_changes(host, changes, values.get(), all.as_json);
+    const std::vector<setting_value> requested = parse(given.values);
+    const std::optional<description> described = describe(host, modules_of(requested));
+    plan made = plan_all(host, requested, described, given);
+    if (given.confirm_s > 0)
+        return set_for_a_time(host, made.changes, given, all.as_json);
+    const exit_code status = set_now(host, made.changes, all.as_json, made.refused);
+    if (given.wait_saved_s > 0 && made.refused.done > 0) {
+        const exit_code saved = wait_until_saved(host, made.changes, given.wait_saved_s);
+        return status == DONE ? saved : status;
+    }
+    return status;
 }
 
 } // namespace
 
-void add_set(CLI::App &app, program &all)
+void add_set(const arguments &words, program &all)
 {
-    CLI::App *const set = app.add_subcommand("set", "Change settings and read them back");
-    options &given = run_by(set, all, run);
-    set->add_option("values", given.values, "Settings and their new values")
-        ->type_name("MODULE.MEMBER=VALUE")
-        ->required();
+    const auto [set, given] = add_command(
+        words, all, {"set", "Change settings and read them back: all or none, if one cannot be"},
+        run);
+    set.texts(given.values,
+              {"values", "MODULE.MEMBER=VALUE",
+               "Settings and their new values; of modules alone shows what can be set"});
     add_form_options(set, given.value);
+    set.flag(given.partly, "--partly", "Set what can be set");
+    set.flag(given.create, "--create", "Set what the host does not describe, as new keys");
+    set.number(given.wait_saved_s,
+               {"--wait-saved", "SECONDS", "Return when the camera has saved them"}, 0, 3600)
+        .is_usually("10");
+    set.integer(given.confirm_s,
+                {"--confirm", "SECONDS",
+                 "Have the host take them back, unless \"camparam confirm\" comes in time"},
+                1, 3600);
 }

@@ -56,28 +56,29 @@ exit_code run(program &all, options &chosen)
     const std::string module = module_of(given.name.module, chosen.instance);
     const setting_value wanted = {{module, given.name.member}, given.value};
     const std::optional<description> described = describe(host, {module});
-    const change planned = plan_change(host, wanted, described, chosen.form.form());
+    const change planned = plan_change(host, wanted, described, {chosen.form.form(), false});
 
     host.send(datagram_of(given.name.module, chosen.instance, planned.value));
     const json_ptr values(cJSON_CreateObject());
     cJSON *const found = cJSON_AddObjectToObject(values.get(), module.c_str());
     host.get(module, {planned.name.member}, found);
-    return report_changes(host, {planned}, values.get(), all.as_json);
+    outcome result;
+    report_changes(host, {planned}, values.get(), all.as_json, result);
+    return result.status();
 }
 
 } // namespace
 
-void add_share(CLI::App &app, program &all)
+void add_share(const arguments &words, program &all)
 {
-    CLI::App *const share = app.add_subcommand(
-        "share", "Change a setting by share datagram and read it back by request");
-    options &given = run_by(share, all, run);
-    share->add_option("value", given.value, "Setting of video, audio or isp, and its new value")
-        ->type_name("MODULE.MEMBER=VALUE")
-        ->required();
-    share->add_option("--instance", given.instance, "Stream, or image processor")
-        ->type_name("N")
-        ->check(CLI::Range(0, 255))
-        ->capture_default_str();
+    const auto [share, given] = add_command(
+        words, all, {"share", "Change a setting by share datagram and read it back by request"},
+        run);
+    share
+        .text(given.value,
+              {"value", "MODULE.MEMBER=VALUE", "Setting of video, audio or isp, and its new value"})
+        .required();
+    share.integer(given.instance, {"--instance", "N", "Stream, or image processor"}, 0, 255)
+        .shows_default();
     add_form_options(share, given.form);
 }

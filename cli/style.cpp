@@ -114,12 +114,10 @@ exit_code run(program &all, options &given)
 
 } // namespace
 
-void add_style(CLI::App &app, program &all)
+void add_style(const arguments &words, program &all)
 {
-    CLI::App *const style =
-        app.add_subcommand("style", "Show the picture styles, or apply one with all its values");
-    options &given = run_by(style, all, run);
-    CLI::Option *const name =
-        style->add_option("style", given.name, "The style to apply")->type_name("NAME");
-    style->add_flag("--default", given.as_default, "Make it the default style, too")->needs(name);
+    const auto [style, given] = add_command(
+        words, all, {"style", "Show the picture styles, or apply one with all its values"}, run);
+    const argument name = style.text(given.name, {"style", "NAME", "The style to apply"});
+    style.flag(given.as_default, "--default", "Make it the default style, too").needs(name);
 }

@@ -161,19 +161,16 @@ exit_code run_set(program &all, options &given)
 
 } // namespace
 
-void add_www(CLI::App &app, program &all)
+void add_www(const arguments &words, program &all)
 {
-    CLI::App *const www =
-        app.add_subcommand("www", "Read or change settings in the names of the web pages");
-    www->require_subcommand(1);
-    CLI::App *const get = www->add_subcommand("get", "Print the values of a page, one per line");
-    get->add_option("page", run_by(get, all, run_get).page, "Name of the page")
-        ->type_name("PAGE")
-        ->required();
-    CLI::App *const set = www->add_subcommand("set", "Change values of a page and read them back");
-    options &given = run_by(set, all, run_set);
-    set->add_option("page", given.page, "Name of the page")->type_name("PAGE")->required();
-    set->add_option("query", given.query, "New values, sent without escaping")
-        ->type_name("NAME=VALUE&...")
-        ->required();
+    const arguments www =
+        words.group("www", "Read or change settings in the names of the web pages");
+    const auto [get, page] =
+        add_command(www, all, {"get", "Print the values of a page, one per line"}, run_get);
+    get.text(page.page, {"page", "PAGE", "Name of the page"}).required();
+    const auto [set, given] =
+        add_command(www, all, {"set", "Change values of a page and read them back"}, run_set);
+    set.text(given.page, {"page", "PAGE", "Name of the page"}).required();
+    set.text(given.query, {"query", "NAME=VALUE&...", "New values, sent without escaping"})
+        .required();
 }

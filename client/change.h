@@ -16,10 +16,22 @@ struct change {
     std::string command;                 // that sets the module; empty: a set request
 };
 
-// Chooses the type of the value in the request, as told by the user or else by the description.
-// Throws a failure when the value cannot be sent.
+struct change_rules {
+    value_form form = value_form::automatic;
+    bool may_create = false; // settings that the host does not describe
+};
+
+// Checks the value against the description and chooses its type, unless the user has. Throws a
+// failure when it cannot be sent, or would not be taken.
 change plan_change(client &host, const setting_value &value,
-                   const std::optional<description> &described, value_form form);
+                   const std::optional<description> &described, const change_rules &rules);
 
 // Whether the value that was read back is the wanted one.
 bool is_taken(const change &wanted, const cJSON *found);
+
+// Sends the changes of a module and adds its values of the changed members to the object.
+void send_changes(client &host, const std::string &module, const std::vector<change> &changes,
+                  cJSON *found);
+
+// The modules of the changes, each once, in their order.
+std::vector<std::string> modules_of(const std::vector<change> &changes);

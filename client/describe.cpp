@@ -72,10 +72,18 @@ module_description read_module(const cJSON *node)
     return module;
 }
 
+struct wanted {
+    const std::vector<std::string> &modules;
+    bool show_secrets;
+};
+
 // An empty cursor asks for the first page.
-json_ptr ask(client &host, const std::vector<std::string> &modules, const std::string &cursor)
+json_ptr ask(client &host, const wanted &what, const std::string &cursor)
 {
+    const std::vector<std::string> &modules = what.modules;
     json_ptr data(cJSON_CreateObject());
+    if (what.show_secrets)
+        cJSON_AddTrueToObject(data.get(), "secrets");
     if (!modules.empty()) {
         cJSON *const names = cJSON_AddArrayToObject(data.get(), "modules");
         for (const std::string &module : modules)
@@ -104,14 +112,14 @@ void add_page(cJSON *modules, cJSON *page)
 }
 
 // All pages as one answer. Nothing when the settings changed on the way.
-std::optional<json_ptr> ask_for_pages(client &host, const std::vector<std::string> &modules)
+std::optional<json_ptr> ask_for_pages(client &host, const wanted &what)
 {
-    json_ptr first = ask(host, modules, "");
+    json_ptr first = ask(host, what, "");
     cJSON *const all = cJSON_GetObjectItemCaseSensitive(first.get(), "modules");
     std::string next = value_text(member_of(first.get(), "next"));
     const std::string revision = value_text(member_of(first.get(), "revision"));
     while (cJSON_IsObject(all) && !next.empty()) {
-        const json_ptr page = ask(host, modules, next);
+        const json_ptr page = ask(host, what, next);
         if (value_text(member_of(page.get(), "revision")) != revision)
             return std::nullopt;
         add_page(all, cJSON_GetObjectItemCaseSensitive(page.get(), "modules"));
@@ -120,10 +128,10 @@ std::optional<json_ptr> ask_for_pages(client &host, const std::vector<std::strin
     return first;
 }
 
-json_ptr ask_for_all(client &host, const std::vector<std::string> &modules)
+json_ptr ask_for_all(client &host, const wanted &what)
 {
     for (int tries = 0; tries < 5; tries++) {
-        if (std::optional<json_ptr> answer = ask_for_pages(host, modules))
+        if (std::optional<json_ptr> answer = ask_for_pages(host, what))
             return std::move(*answer);
     }
     throw failure(OTHER, "the host's settings change all the time");
@@ -140,6 +148,12 @@ std::string member_description::limits() const
         return text;
     }
     return min.empty() || max.empty() ? kind : kind + ", " + min + " to " + max;
+}
+
+bool differs_from_default(const member_description &member)
+{
+    const cJSON *const usual = member_of(member.node, "default");
+    return usual != nullptr && cJSON_Compare(usual, member_of(member.node, "current"), 1) == 0;
 }
 
 std::string member_description::number_of(const std::string &text) const
@@ -159,10 +173,11 @@ const module_description *description::find(const std::string &module) const
     return find_by_name(modules, module);
 }
 
-std::optional<description> describe(client &host, const std::vector<std::string> &modules)
+std::optional<description> describe(client &host, const std::vector<std::string> &modules,
+                                    bool show_secrets)
 {
     description described;
-    described.answer = ask_for_all(host, modules);
+    described.answer = ask_for_all(host, {modules, show_secrets});
     const cJSON *const found = member_of(described.answer.get(), "modules");
     if (!cJSON_IsObject(found))
         return std::nullopt; // or the answer of another command whose name begins with "describe"

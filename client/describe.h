@@ -27,6 +27,9 @@ struct member_description {
     std::string number_of(const std::string &text) const;
 };
 
+// Of a setting with a default.
+bool differs_from_default(const member_description &member);
+
 struct module_description {
     std::string name;
     std::string command; // that sets members; empty: set requests do
@@ -43,8 +46,9 @@ struct description {
 };
 
 // Requests the description of some modules, or of all for an empty list. Nothing if the host does
-// not describe its settings.
-std::optional<description> describe(client &host, const std::vector<std::string> &modules);
+// not describe its settings. Values of secrets are absent unless they are to be shown.
+std::optional<description> describe(client &host, const std::vector<std::string> &modules,
+                                    bool show_secrets = false);
 
 // "no module ..." or "no setting ...", with a similar name if the host describes one.
 std::string no_such_setting(client &host, const setting_name &name);

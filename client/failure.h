@@ -12,6 +12,8 @@ enum exit_code {
     REFUSED = 4,
     NO_SUCH_SETTING = 5,
     PARTLY_DONE = 6,
+    DIFFERENT = 7,
+    UNSAVED = 8,
 };
 
 // Ends the program with a message and an exit status.

@@ -50,7 +50,7 @@ TEST_F(Completion, OffersCommandsAndOptions)
 TEST_F(Completion, OffersEveryOptionOfTheHelp)
 {
     const std::string offered = " " + offers("get --");
-    const std::regex option("--[a-z]+");
+    const std::regex option("--[a-z]+(-[a-z]+)*");
     for (const std::vector<std::string> &words :
          std::vector<std::vector<std::string>>{{"--help"},
                                                {"set", "--help"},

@@ -157,8 +157,11 @@ TEST_F(ValueForm, ValuesThatJustExceedADatagramTravelInTwo)
         return std::vector<std::string>{reply_to(request, "'overlay':{}")};
     });
     const auto set = [](size_t length) {
-        return run({"set", "--text", "overlay.a=" + std::string(2000, 'x'),
-                    "overlay.b=" + std::string(length, 'x')});
+        std::vector<std::string> words = {"set", "--text"};
+        for (char member = 'a'; member < 'p'; member++)
+            words.push_back(std::string("overlay.") + member + "=" + std::string(255, 'x'));
+        words.push_back("overlay.z=" + std::string(length, 'x'));
+        return run(words);
     };
 
     set(0);
@@ -166,23 +169,48 @@ TEST_F(ValueForm, ValuesThatJustExceedADatagramTravelInTwo)
     for (const std::string &request : camera.requests())
         shortest = is_for(request, "set") ? request.size() : shortest;
     const size_t longest = PARA_MESSAGE_MAX - shortest; // for identifiers of as many digits
-    for (size_t length = longest - 1; length <= longest + 3; length++) {
-        const run_result got = set(length);
-        EXPECT_EQ(got.errors.find("bytes"), std::string::npos) << got.errors;
-    }
+    ASSERT_LT(longest + 3, 256U);
+    size_t largest = 0;
+    for (size_t length = longest - 1; length <= longest + 3; length++)
+        set(length);
     for (const std::string &request : camera.requests())
-        EXPECT_LE(request.size(), size_t{PARA_MESSAGE_MAX});
+        largest = std::max(largest, request.size());
+    EXPECT_LE(largest, size_t{PARA_MESSAGE_MAX});
+    EXPECT_GT(largest, size_t{PARA_MESSAGE_MAX - 4});
 }
 
-TEST_F(ValueForm, AValueThatFitsInNoDatagramIsAUsageError)
+TEST_F(ValueForm, ATextThatTheHostCannotKeepIsNotSent)
 {
-    const fake_server camera(describing(modules, values));
+    const std::string longest(255, 'x');
+    const fake_server camera(describing(modules, "'netport':{'http':'" + longest + "'}"));
 
-    const run_result set = run({"set", "netport.http=" + std::string(PARA_MESSAGE_MAX, 'x')});
+    EXPECT_EQ(run({"set", "netport.http=" + longest}).status, 0);
+    EXPECT_NE(last_set(camera), "none");
 
-    EXPECT_EQ(set.status, 2);
-    EXPECT_NE(set.errors.find("bytes, the host takes 4096"), std::string::npos) << set.errors;
+    const run_result set = run({"set", "netport.http=" + longest + "x"});
+    EXPECT_EQ(set.status, 4);
+    EXPECT_EQ(set.errors, "camparam: netport.http: a text of 256 bytes, and the host keeps at most "
+                          "255\ncamparam: nothing was set\n");
+    EXPECT_EQ(run({"set", "--text", "netport.http=" + longest + "x"}).status, 4);
+}
+
+TEST_F(ValueForm, OfATypeThatIsNotTakenIsNamed)
+{
+    const fake_server camera(describing(modules, "'video0':{'gop':60}"));
+
+    EXPECT_EQ(run({"set", "--text", "video0.gop=60"}).errors,
+              "camparam: video0.gop: \"60\" was not taken as a text, the value is the number 60 "
+              "(number, 1 to 400)\n");
+}
+
+TEST_F(ValueForm, OfASettingThatIsNotDescribedNeedsAnOption)
+{
+    const fake_server camera(describing(modules, "'netport':{'new':'5'}"));
+
+    EXPECT_EQ(run({"set", "--text", "netport.new=5"}).status, 5);
     EXPECT_EQ(last_set(camera), "none");
+    EXPECT_EQ(run({"set", "--create", "netport.new=5"}).status, 0);
+    EXPECT_EQ(last_set(camera), "{'msg_type':'set','msg_name':'camparam','netport':{'new':'5'}}");
 }
 
 } // namespace

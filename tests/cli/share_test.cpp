@@ -52,8 +52,7 @@ TEST_F(ShareCommand, NamesAValueThatWasNotTaken)
 
     const run_result range = run({"share", "video.gop=301"});
     EXPECT_EQ(range.status, 4);
-    EXPECT_EQ(range.errors, "camparam: video0.gop: \"301\" was not taken, the value is \"60\" "
-                            "(number, 1 to 300)\n");
+    EXPECT_EQ(range.errors, "camparam: video0.gop: \"301\" is out of range (number, 1 to 300)\n");
     EXPECT_EQ(run({"share", "video.rcMode=QVBR"}).status, 4);
     EXPECT_EQ(run({"share", "video.gop=fast"}).status, 4);
     EXPECT_EQ(run({"share", "isp.rgain_tuning=3"}).status, 4);

@@ -1,0 +1,54 @@
+// The arguments of the program and of its commands, without the library that reads them, which
+// takes long to compile.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+// One option, flag or positional argument.
+class argument {
+public:
+    explicit argument(CLI::Option *of) : option(of) {}
+
+    argument required() const;
+    argument shows_default() const;
+    argument excludes(const argument &other) const;
+    argument needs(const argument &other) const;
+    // The value may be left out, and is this then.
+    argument is_usually(const std::string &value) const;
+
+private:
+    CLI::Option *option;
+};
+
+// What a name, a value's type in the help, and the help are.
+struct argument_text {
+    const char *name;
+    const char *type;
+    const char *help;
+};
+
+class arguments {
+public:
+    explicit arguments(CLI::App *of) : app(of) {}
+
+    // A command of the program, or of a command. Runs when all arguments are read.
+    arguments command(const char *name, const char *help, std::function<void()> run) const;
+    arguments group(const char *name, const char *help) const; // of commands
+
+    argument flag(bool &into, const char *name, const char *help) const;
+    argument text(std::string &into, const argument_text &about) const;
+    argument texts(std::vector<std::string> &into, const argument_text &about) const;
+    argument integer(int &into, const argument_text &about, int min, int max) const;
+    argument number(double &into, const argument_text &about) const;
+    argument number(double &into, const argument_text &about, double min, double max) const;
+
+private:
+    CLI::App *app;
+};
