@@ -18,11 +18,10 @@ std::string module_part(const std::string &pattern)
     return pattern.substr(0, pattern.find('.'));
 }
 
-bool is_meant(const std::string &pattern, const described_setting &setting)
+bool is_meant(const std::string &pattern, const setting_name &name)
 {
     const bool whole_modules = pattern.find('.') == std::string::npos;
-    const std::string text = whole_modules ? setting.module->name : setting.name().text();
-    return fnmatch(pattern.c_str(), text.c_str(), 0) == 0;
+    return fnmatch(pattern.c_str(), (whole_modules ? name.module : name.text()).c_str(), 0) == 0;
 }
 
 [[noreturn]] void nothing_meant(client &host, const std::string &pattern)
@@ -42,6 +41,13 @@ bool is_module(const description &described, const std::string &pattern)
 }
 
 } // namespace
+
+bool is_meant(const std::vector<std::string> &patterns, const setting_name &name)
+{
+    return patterns.empty() ||
+           std::any_of(patterns.begin(), patterns.end(),
+                       [&](const std::string &pattern) { return is_meant(pattern, name); });
+}
 
 std::vector<std::string> modules_in(const std::vector<std::string> &patterns)
 {
@@ -64,7 +70,7 @@ std::vector<described_setting> select_settings(client &host, const description &
             const described_setting setting = {&module, &member};
             bool meant = patterns.empty();
             for (size_t i = 0; i < patterns.size(); i++) {
-                if (is_meant(patterns[i], setting))
+                if (is_meant(patterns[i], setting.name()))
                     meant = used[i] = true;
             }
             if (meant)

@@ -14,6 +14,9 @@ struct described_setting {
     setting_name name() const { return {module->name, member->name}; }
 };
 
+// Whether any of the patterns means the setting; no pattern means all.
+bool is_meant(const std::vector<std::string> &patterns, const setting_name &name);
+
 // The modules that the patterns can mean; none: all must be asked for.
 std::vector<std::string> modules_in(const std::vector<std::string> &patterns);
 

@@ -1,0 +1,39 @@
+#include <cstdio>
+
+#include "commands.h"
+#include "output.h"
+
+namespace {
+
+struct options {
+    bool show = false;
+};
+
+exit_code run(program &all, options &given)
+{
+    client host(all.server);
+    const json_ptr answer = host.call(given.show ? "api_get" : "api_set", "confirm", nullptr);
+    const cJSON *const names = member_of(answer.get(), given.show ? "waiting" : "confirmed");
+    if (!cJSON_IsArray(names))
+        throw failure(OTHER, "the host takes no values back");
+    if (all.as_json)
+        puts(print_line(answer.get()).c_str());
+    const cJSON *name = nullptr;
+    cJSON_ArrayForEach(name, names)
+    {
+        if (!all.as_json)
+            puts(visible(string_of(name)).c_str());
+    }
+    if (!given.show && cJSON_GetArraySize(names) == 0)
+        throw failure(REFUSED, "nothing waits to be confirmed");
+    return DONE;
+}
+
+} // namespace
+
+void add_confirm(const arguments &words, program &all)
+{
+    const auto [confirm, given] =
+        add_command(words, all, {"confirm", "Keep what \"camparam set --confirm\" has set"}, run);
+    confirm.flag(given.show, "--show", "Only show what waits to be confirmed");
+}

@@ -1,0 +1,146 @@
+#include <cstdio>
+#include <map>
+
+#include "client/change.h"
+#include "client/dump.h"
+#include "client/outcome.h"
+#include "commands.h"
+#include "output.h"
+
+namespace {
+
+struct options {
+    std::string file;
+    bool dry_run = false, replace = false, merge = false;
+};
+
+struct counts {
+    int parsed = 0, changed = 0, unchanged = 0, unknown = 0, refused = 0;
+
+    outcome result() const { return {changed + unchanged, refused, unknown}; }
+};
+
+// What is to be set: what the file holds and, to replace, the defaults of all that it lacks.
+std::vector<setting_value> wanted_values(const cJSON *dump, const description &described,
+                                         bool replaces)
+{
+    std::vector<setting_value> values;
+    const cJSON *module = nullptr, *member = nullptr;
+    cJSON_ArrayForEach(module, dump)
+    {
+        if (!cJSON_IsObject(module))
+            values.push_back({{module->string, ""}, value_text(module)});
+        cJSON_ArrayForEach(member, module)
+        {
+            if (cJSON_IsObject(module))
+                values.push_back({{module->string, member->string}, value_text(member)});
+        }
+    }
+    if (!replaces)
+        return values;
+    for (const module_description &each : described.modules) {
+        for (const member_description &one : each.members) {
+            const bool is_there =
+                member_of(member_of(dump, each.name.c_str()), one.name.c_str()) != nullptr;
+            if (!is_there && !one.read_only && member_of(one.node, "default") != nullptr)
+                values.push_back({{each.name, one.name}, one.default_value});
+        }
+    }
+    return values;
+}
+
+bool is_in_force(const change &planned)
+{
+    return planned.described != nullptr &&
+           is_taken(planned, member_of(planned.described->node, "current"));
+}
+
+// Prints why what cannot be set cannot be.
+std::vector<change> plan(client &host, const std::vector<setting_value> &values,
+                         const std::optional<description> &described, counts &counted)
+{
+    std::vector<change> changes;
+    for (const setting_value &value : values) {
+        counted.parsed++;
+        try {
+            change planned = plan_change(host, value, described, {});
+            if (is_in_force(planned))
+                counted.unchanged++;
+            else
+                changes.push_back(std::move(planned));
+        } catch (const failure &error) {
+            if (error.code != REFUSED && error.code != NO_SUCH_SETTING)
+                throw;
+            (error.code == REFUSED ? counted.refused : counted.unknown)++;
+            print_message(error.what());
+        }
+    }
+    return changes;
+}
+
+void set_all(client &host, const std::vector<change> &changes, counts &counted)
+{
+    for (const std::string &module : modules_of(changes)) {
+        const json_ptr found(cJSON_CreateObject());
+        send_changes(host, module, changes, found.get());
+        for (const change &one : changes) {
+            if (one.name.module != module)
+                continue;
+            if (is_taken(one, member_of(found.get(), one.name.member.c_str()))) {
+                counted.changed++;
+                continue;
+            }
+            counted.refused++;
+            print_message(one.name.text() + ": \"" + one.value.value + "\" was not taken");
+        }
+    }
+}
+
+void print(const counts &counted, const options &given, bool as_json)
+{
+    const char *const changed = given.dry_run ? "would_change" : "changed";
+    if (!as_json) {
+        printf("%d parsed, %d %s, %d unchanged, %d unknown, %d refused\n", counted.parsed,
+               counted.changed, given.dry_run ? "would change" : "changed", counted.unchanged,
+               counted.unknown, counted.refused);
+        return;
+    }
+    const json_ptr tree(cJSON_CreateObject());
+    const std::pair<const char *, int> members[] = {{"parsed", counted.parsed},
+                                                    {changed, counted.changed},
+                                                    {"unchanged", counted.unchanged},
+                                                    {"unknown", counted.unknown},
+                                                    {"refused", counted.refused}};
+    for (const auto &[name, number] : members)
+        cJSON_AddNumberToObject(tree.get(), name, number);
+    puts(print_line(tree.get()).c_str());
+}
+
+exit_code run(program &all, options &given)
+{
+    const json_ptr dump = read_dump(given.file);
+    client host(all.server);
+    const std::optional<description> described = describe_selected(host, {}, true);
+    counts counted;
+    const std::vector<change> changes =
+        plan(host, wanted_values(dump.get(), *described, given.replace), described, counted);
+    if (given.dry_run)
+        counted.changed = static_cast<int>(changes.size());
+    else
+        set_all(host, changes, counted);
+    print(counted, given, all.as_json);
+    return counted.result().status();
+}
+
+} // namespace
+
+void add_load(const arguments &words, program &all)
+{
+    const auto [load, given] = add_command(
+        words, all, {"load", "Set what a dump holds, and count what became of it"}, run);
+    load.text(given.file, {"file", "FILE", "The dump; \"-\" is standard input"}).required();
+    load.flag(given.dry_run, "--dry-run", "Only tell what would change");
+    const argument replace =
+        load.flag(given.replace, "--replace", "Reset what the dump does not hold");
+    load.flag(given.merge, "--merge", "Leave that alone [default]").excludes(replace);
+}

@@ -1,0 +1,41 @@
+#include "client/log.h"
+
+#include <cstdio>
+
+#include "client/selection.h"
+#include "commands.h"
+#include "output.h"
+#include "time_text.h"
+
+namespace {
+
+struct options {
+    std::vector<std::string> patterns;
+};
+
+exit_code run(program &all, options &given)
+{
+    client host(all.server);
+    for (const logged_change &change : read_log(host, 0).changes) {
+        if (!is_meant(given.patterns, change.name))
+            continue;
+        if (all.as_json) {
+            puts(print_line(change.entry.get()).c_str());
+            continue;
+        }
+        printf("%s  %s: %s -> %s  by %s\n", time_text(change.time_ms).c_str(),
+               visible(change.name.text()).c_str(), visible(change.value("old")).c_str(),
+               visible(change.value("new")).c_str(), visible(change.sender()).c_str());
+    }
+    return DONE;
+}
+
+} // namespace
+
+void add_log(const arguments &words, program &all)
+{
+    const auto [log, given] = add_command(
+        words, all, {"log", "Show the last changes, and who made them: the last 256 at the most"},
+        run);
+    log.texts(given.patterns, {"settings", "GLOB", "Only these modules or settings"});
+}

@@ -1,0 +1,55 @@
+#include "client/dump.h"
+
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include "client/failure.h"
+
+json_ptr dump_of(const std::vector<described_setting> &settings)
+{
+    json_ptr modules(cJSON_CreateObject());
+    for (const described_setting &setting : settings) {
+        const cJSON *const value = member_of(setting.member->node, "current");
+        if (setting.member->read_only || value == nullptr)
+            continue;
+        const char *const name = setting.module->name.c_str();
+        if (setting.member->name.empty()) { // the module is itself the setting
+            cJSON_AddItemToObject(modules.get(), name, cJSON_Duplicate(value, 1));
+            continue;
+        }
+        cJSON *module = cJSON_GetObjectItemCaseSensitive(modules.get(), name);
+        if (module == nullptr)
+            module = cJSON_AddObjectToObject(modules.get(), name);
+        cJSON_AddItemToObject(module, setting.member->name.c_str(), cJSON_Duplicate(value, 1));
+    }
+    return modules;
+}
+
+namespace {
+
+std::string read_all(std::istream &from)
+{
+    return {std::istreambuf_iterator<char>(from), {}};
+}
+
+std::string read_file(const std::string &path)
+{
+    if (path == "-")
+        return read_all(std::cin);
+    std::ifstream file(path, std::ios::binary);
+    std::string text = read_all(file);
+    if (!file.is_open() || file.bad())
+        throw failure(OTHER, "cannot read \"" + path + "\"");
+    return text;
+}
+
+} // namespace
+
+json_ptr read_dump(const std::string &path)
+{
+    json_ptr dump = parse_json(read_file(path));
+    if (!cJSON_IsObject(dump.get()))
+        throw failure(USAGE, "\"" + path + "\" holds no JSON object of modules");
+    return dump;
+}

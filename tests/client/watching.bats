@@ -1,0 +1,150 @@
+# Commands that tell how the camera fares.
+load host
+
+# What a line of a table holds, with single blanks.
+row()
+{
+    "$@" | tr -s ' ' | grep "^$word "
+}
+
+@test "describe: all that is known of settings" {
+    camparam set af.focus_mode=manual
+    run camparam describe 'af.*'
+    is 0 'af.focus_mode: Focus mode' '  takes     number, 0 to 2' '  names     0 auto, 1 manual' \
+        '  default   0 (auto)' '  start     0 (auto)' '  now       1 (manual)' \
+        'af.zoom_value: Zoom' '            0 is wide.' '  takes     number, 0 to 1000, in steps' \
+        '  default   20' '  start     20' '  now       20'
+}
+
+@test "describe: secrets are hidden" {
+    run camparam describe netport.key
+    is 0 'netport.key' '  takes     text' '            secret'
+    run camparam describe netport.key --show-secrets
+    is 0 'netport.key' '  takes     text' '  default   hush' '  now       hush' '            secret'
+}
+
+@test "describe: needs settings, and finds similar ones" {
+    run camparam describe
+    [ "$status" = 2 ]
+    run camparam describe af.zoom
+    is 5 'camparam: no setting "af.zoom"; did you mean "af.zoom_value"?'
+}
+
+@test "list: secrets are hidden, and what changed can be asked for" {
+    camparam set netport.key=other panel.level=7
+    run camparam list netport.key
+    is 0 'NAME         KIND  MIN  MAX  DEFAULT  VALUE' 'netport.key  text  -    -    secret   secret'
+    run camparam list --changed
+    is 0 'NAME         KIND    MIN  MAX  DEFAULT  VALUE' 'panel.level  number  0    9    5        7      *'
+    run camparam list --changed --show-secrets 'netport.*'
+    is 0 'NAME         KIND  MIN  MAX  DEFAULT  VALUE' 'netport.key  text  -    -    hush     other  *'
+}
+
+@test "status: what is saved of each module" {
+    run camparam status
+    [ "$status" = 0 ]
+    [ "${lines[0]%, up*}" = 'version 1.0.0' ]
+    word=af
+    [ "$(row camparam status)" = 'af 0 0 - saved' ]
+    camparam set af.zoom_value=7 --wait-saved
+    [ "$(row camparam status | cut -d ' ' -f 1-3,6-)" = 'af 1 1 saved' ]
+    [ "$(camparam --json status | grep -c '"failed_saves":	0')" = 1 ]
+}
+
+@test "status: why a module is not saved" {
+    end_host
+    start_host --no-write-conf
+    camparam set netport.http_port=81
+    word=netport
+    [ "$(row camparam status)" = 'netport 1 0 - writing is off' ]
+    rm -rf "$folder/data"
+    camparam set af.zoom_value=7
+    run camparam call save
+    [ "$status" = 4 ]
+    word=af
+    [ "$(row camparam status)" = 'af 1 0 - No such file or directory' ]
+}
+
+@test "log: who changed what" {
+    run camparam log
+    is 0
+    camparam set af.zoom_value=7 netport.key=x
+    [ "$(camparam log | cut -d ' ' -f 4-)" = 'af.zoom_value: 20 -> 7  by 127.0.0.1
+netport.key: secret -> secret  by 127.0.0.1' ]
+    [ "$(camparam log 'netport.*' | wc -l)" = 1 ]
+    [ "$(camparam log --json | sed 's/"time":[0-9]*/"time":1/' | head -n 1)" = \
+        '{"number":1,"time":1,"module":"af","member":"zoom_value","old":20,"new":7,"by":"127.0.0.1"}' ]
+}
+
+@test "log: longer than a page" {
+    for value in 1 2 3 4 5 6 7 8 9 10; do
+        for setting in http_port; do
+            camparam set "netport.$setting=$(printf '%0250d' "$value")"
+        done
+    done
+    [ "$(camparam log | wc -l)" = 10 ]
+}
+
+@test "watch: a line for each change" {
+    camparam set af.zoom_value=1 # before: not told
+    camparam watch 'af.*' >"$folder/watch" 3>&- &
+    watcher=$!
+    wait_for sh -c "'$CAMPARAM' set af.zoom_value=2 af.focus_mode=0; sleep 0.3; '$CAMPARAM' set af.zoom_value=3;
+        grep -q 'zoom_value=3' '$folder/watch'"
+    camparam set panel.level=1
+    camparam set af.focus_mode=2
+    wait_for grep -q 'focus_mode=2' "$folder/watch"
+    kill "$watcher"
+    grep -qx 'af.zoom_value=3 (was 2, by 127.0.0.1)' "$folder/watch"
+    grep -qx 'af.focus_mode=2 (was 0, by 127.0.0.1)' "$folder/watch"
+    ! grep -q 'panel\|=1' "$folder/watch"
+}
+
+@test "watch: runs a command, prints JSON, sees the host go and come" {
+    "$CAMPARAM" --timeout 0.2 --retries 0 --json watch \
+        --on "echo \"\$CAMPARAM_SETTING \$CAMPARAM_OLD \$CAMPARAM_NEW \$CAMPARAM_BY\" >>'$folder/ran'" \
+        >"$folder/watch" 2>"$folder/told" 3>&- &
+    watcher=$!
+    wait_for sh -c "'$CAMPARAM' set af.zoom_value=2; '$CAMPARAM' set af.zoom_value=3; [ -s '$folder/ran' ]"
+    grep -q '^af.zoom_value [23]* [23] 127.0.0.1$' "$folder/ran"
+    grep -q '"member":"zoom_value"' "$folder/watch"
+    end_host
+    wait_for grep -q 'nothing listens\|no answer' "$folder/told"
+    start_host
+    wait_for grep -q 'started anew' "$folder/told"
+    camparam set af.zoom_value=9
+    wait_for grep -q '"new":9' "$folder/watch"
+    kill "$watcher"
+}
+
+@test "watch: ends after its time" {
+    run camparam watch --for 0.3
+    is 0
+}
+
+@test "confirm: keeps what was set for a time" {
+    run camparam confirm
+    is 4 'camparam: nothing waits to be confirmed'
+    camparam set netport.http_port=81 --confirm 60
+    run camparam confirm --show
+    is 0 'netport.http_port'
+    run camparam confirm
+    is 0 'netport.http_port'
+    run camparam confirm --json
+    is 4 '{"confirmed":[]}' 'camparam: nothing waits to be confirmed'
+}
+
+@test "set: tells of values that the host cannot take back" {
+    camparam set netport.http_port=81 --confirm 60
+    run camparam set af.zoom_value=3 --confirm 60
+    is 4 'camparam: af.zoom_value: another change waits to be confirmed'
+}
+
+@test "without a host each command ends with 3" {
+    end_host
+    for command in status log confirm dump diff 'describe af' 'reset af' 'test af.zoom_value 1' 'watch --for 1'; do
+        # shellcheck disable=SC2086 # words
+        run "$CAMPARAM" --timeout 0.2 --retries 0 $command
+        [ "$status" = 3 ]
+    done
+}
