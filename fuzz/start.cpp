@@ -134,6 +134,7 @@ file_set saved_files()
 }
 
 const char *const odm_file = "/data/persist/odm.json";
+const char *const legacy_odm_file = "/data/isp_odm.json";
 
 // "PIC_HD1" is read as "PIC_HD1080", whose name it begins.
 bool has_short_size(const std::string &contents)
@@ -148,12 +149,19 @@ bool has_no_keys(const std::string &name, const std::string &contents)
     return name == odm_file && contents[0] != '{';
 }
 
+// A legacy ODM file is moved as soon as nothing is in its way: a folder of that name cannot take
+// the place of a file, which the guard keeps as bad and so out of the way of the next start.
+bool has_moved(const std::string &name, const std::string &again)
+{
+    return name == legacy_odm_file && again.empty();
+}
+
 void check_second_start(const file_set &first, const file_set &second, bool guarded)
 {
     for (const auto &[name, contents] : first) {
         const std::string &again = second.at(name);
         const bool grows = !guarded && has_no_keys(name, contents);
-        require(contents == again || has_short_size(contents) || grows,
+        require(contents == again || has_short_size(contents) || grows || has_moved(name, again),
                 "%s: saved as\n%s\nand then as\n%s", name.c_str(), contents.c_str(), again.c_str());
     }
 }
@@ -202,7 +210,7 @@ void run_input(const uint8_t *data, size_t size)
     in_child([=] { run_store(settings); });
     const file_set first = saved_files();
     const bool guarded = (settings & 1) != 0;
-    const bool legacy_odm = files.count("/data/isp_odm.json") != 0; // was moved
+    const bool legacy_odm = files.count(legacy_odm_file) != 0; // was moved
     if (guarded && !legacy_odm)
         check_kept(files, first);
     in_child([=] { run_store(settings); });
