@@ -52,6 +52,10 @@ std::vector<request_kind> request_kinds()
         {"the command \"lens\"", "{'msg_type':'sget','msg_name':'lens'}", true},
         {"the command \"save\"", "{'msg_type':'sset','msg_name':'save'}", true},
         {"the command \"describe\"", "{'msg_type':'sget','msg_name':'describe'}", true},
+        {"the command \"changes\"", "{'msg_type':'sget','msg_name':'changes'}", true},
+        {"the command \"confirm\"", "{'msg_type':'sget','msg_name':'confirm'}", true},
+        {"the command \"log\"", "{'msg_type':'sget','msg_name':'log'}", true},
+        {"the command \"status\"", "{'msg_type':'sget','msg_name':'status'}", true},
         {"an unknown command", "{'msg_type':'sget','msg_name':'x'}", true},
         {"a command without a name", "{'msg_type':'sget'}"},
     };
@@ -127,6 +131,14 @@ protected:
     }
 };
 
+// So that a page of it is full.
+static void fill_log()
+{
+    Client client(host_port);
+    for (int i = 0; i < 60; i++)
+        client.ask("{'msg_type':'set','overlay':{'title':'" + std::to_string(i) + "'}}");
+}
+
 TEST_F(Amplification, OfTheStoreIsAsDocumented)
 {
     start_store();
@@ -144,6 +156,7 @@ TEST_F(Amplification, OfTheHostIsAsDocumented)
     const std::string address = distant_address();
     ASSERT_NE(address, "");
     start_host({"--trace", "0", "--port", std::to_string(host_port)});
+    fill_log();
     for (const request_kind &kind : request_kinds()) {
         const measured_kind measured = measure(address, host_port, kind);
         print("camparamd", measured);
