@@ -10,6 +10,12 @@ argument argument::required() const
     return *this;
 }
 
+argument argument::or_from_environment(const char *variable) const
+{
+    option->envname(variable);
+    return *this;
+}
+
 argument argument::shows_default() const
 {
     option->capture_default_str();
@@ -32,6 +38,14 @@ argument argument::is_usually(const std::string &value) const
 {
     option->expected(0, 1)->default_str(value);
     return *this;
+}
+
+std::vector<std::string> arguments::commands() const
+{
+    std::vector<std::string> names;
+    for (const CLI::App *const each : app->get_subcommands({}))
+        names.push_back(each->get_name());
+    return names;
 }
 
 arguments arguments::command(const char *name, const char *help, std::function<void()> run) const

@@ -17,6 +17,7 @@ public:
     explicit argument(CLI::Option *of) : option(of) {}
 
     argument required() const;
+    argument or_from_environment(const char *variable) const;
     argument shows_default() const;
     argument excludes(const argument &other) const;
     argument needs(const argument &other) const;
@@ -36,6 +37,8 @@ struct argument_text {
 
 class arguments {
 public:
+    std::vector<std::string> commands() const; // names
+
     explicit arguments(CLI::App *of) : app(of) {}
 
     // A command of the program, or of a command. Runs when all arguments are read.

@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <utility>
 
 #include "client/outcome.h"
 #include "commands.h"
@@ -19,11 +20,25 @@ struct options {
     }
 };
 
+// Arrays, objects and truth values go as they are, unless the user has chosen a form.
+json_ptr as_json_value(const assignment &value, value_form form)
+{
+    json_ptr parsed = form == value_form::automatic ? parse_json(value.value) : nullptr;
+    const cJSON *const node = parsed.get();
+    const bool is_meant = cJSON_IsArray(node) || cJSON_IsObject(node) || cJSON_IsBool(node);
+    return is_meant ? std::move(parsed) : nullptr;
+}
+
 json_ptr data_of(const std::vector<std::string> &members, value_form form)
 {
     json_ptr data(cJSON_CreateObject());
-    for (const std::string &text : members)
-        add_value(data.get(), parse_assignment(text, form));
+    for (const std::string &text : members) {
+        const assignment value = parse_assignment(text, form);
+        if (json_ptr node = as_json_value(value, form))
+            cJSON_AddItemToObject(data.get(), value.member.c_str(), node.release());
+        else
+            add_value(data.get(), value);
+    }
     return data;
 }
 
@@ -51,7 +66,8 @@ void add_call(const arguments &words, program &all)
         add_command(words, all, {"call", "Run a command that the host offers"}, run);
     call.text(given.command, {"command", "COMMAND", "Name of the command"}).required();
     call.texts(given.members,
-               {"members", "MEMBER=VALUE", "Parameters; integers are sent as numbers"});
+               {"members", "MEMBER=VALUE",
+                "Parameters; integers, arrays, objects, true and false are sent as such"});
     const argument set =
         call.flag(given.as_set, "--set", "Send it as api_set [default with parameters]");
     call.flag(given.as_get, "--get", "Send it as api_get [default without]").excludes(set);

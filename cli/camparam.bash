@@ -21,7 +21,8 @@ _camparam()
     local word="${COMP_WORDS[COMP_CWORD]}" command="" i
     for ((i = 1; i < COMP_CWORD; i++)); do
         case "$command,${COMP_WORDS[i]}" in
-        ,list | ,get | ,set | ,call | ,style | ,www | ,share | ,raw) command="${COMP_WORDS[i]}" ;;
+        ,list | ,get | ,set | ,describe | ,diff | ,reset | ,dump | ,load | ,watch | ,test | ,status | ,log | \
+            ,confirm | ,call | ,style | ,www | ,share | ,raw) command="${COMP_WORDS[i]}" ;;
         www,get | www,set) command="www ${COMP_WORDS[i]}" ;;
         esac
     done
@@ -29,9 +30,11 @@ _camparam()
     case "$word,$command" in
     -*) mapfile -t COMPREPLY < <(compgen -W "--help --version --host --port --timeout --retries
         --json --show-secrets --number --text --get --set --default --instance --changed
-        --partly --create --wait-saved --confirm" -- "$word") ;;
-    *,) mapfile -t COMPREPLY < <(compgen -W "list get set call style www share raw" -- "$word") ;;
-    *,list | *,get) mapfile -t COMPREPLY < <(compgen -W "$(_camparam_settings)" -- "$word") ;;
+        --partly --create --wait-saved --confirm --only --all --dry-run --merge --replace --on --for
+        --show" -- "$word") ;;
+    *,) mapfile -t COMPREPLY < <(compgen -W "list get set describe diff reset dump load watch test
+        status log confirm call style www share raw" -- "$word") ;;
+    *,list | *,get | *,describe | *,reset | *,dump | *,watch | *,test | *,log) mapfile -t COMPREPLY < <(compgen -W "$(_camparam_settings)" -- "$word") ;;
     *,set)
         mapfile -t COMPREPLY < <(compgen -S = -W "$(_camparam_settings)" -- "$word")
         compopt -o nospace 2>/dev/null
@@ -40,7 +43,8 @@ _camparam()
         mapfile -t COMPREPLY < <(compgen -S = -W "$(_camparam_shared)" -- "$word")
         compopt -o nospace 2>/dev/null
         ;;
-    *,call) mapfile -t COMPREPLY < <(compgen -W "describe lens reload save style" -- "$word") ;;
+    *,call) mapfile -t COMPREPLY < <(compgen -W "changes check confirm describe lens log
+        reload reset save status style" -- "$word") ;;
     *,style) mapfile -t COMPREPLY < <(compgen -W "$(_camparam_styles)" -- "$word") ;;
     *,www) mapfile -t COMPREPLY < <(compgen -W "get set" -- "$word") ;;
     esac

@@ -1,8 +1,10 @@
 // camparam: reads and changes the camera's settings from the command line.
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 
+#include "client/suggest.h"
 #include "commands.h"
 #include "output.h"
 
@@ -14,7 +16,11 @@ const char *const examples = R"(Examples:
   camparam get af                         every value of a module
   camparam get af.zoom_value af.focus_mode
   camparam set af.zoom_value=1200         set, and read back
-  camparam set misc.hdmivideoformat=1080P50 netport.http_port=8080
+  camparam set misc.hdmivideoformat=1080P50 netport.http_port=8080 --wait-saved
+  camparam diff                           what differs from its default
+  camparam dump >camera.json              keep all values, and bring them back:
+  camparam load camera.json
+  camparam watch 'isp0.*'                 a line for each change
   camparam style vivid --default          picture style, now and after each start
   camparam www get image                  a web page's values in web names
   camparam www set image 'hue=5&gamma=2'
@@ -23,11 +29,12 @@ const char *const examples = R"(Examples:
   echo '{"msg_type":"get","msg_id":1,"af":["all"]}' | camparam raw
 
 Exit status: 0 done, 1 other failure, 2 wrong usage, 3 no answer, 4 refused,
-5 no such setting, 6 partly done.)";
+5 no such setting, 6 partly done, 7 something differs, 8 not saved in time.)";
 
 void add_options(const arguments &words, program &all)
 {
-    words.text(all.server.host, {"--host", "HOST", "Name or address of the camera"})
+    words.text(all.host, {"--host", "HOST[:PORT]", "Name or address of the camera"})
+        .or_from_environment("CAMPARAM_HOST")
         .shows_default();
     words.integer(all.server.port, {"--port", "PORT", "UDP port of its message server"}, 1, 65535)
         .shows_default();
@@ -41,11 +48,45 @@ void add_options(const arguments &words, program &all)
     words.flag(all.show_secrets, "--show-secrets", "Show the values of secrets, too");
 }
 
-void check_options(const program &all)
+void check_options(program &all)
 {
+    set_host(all.server, all.host);
     const double longest_s = 3600;
     if (!(all.server.timeout_s > 0 && all.server.timeout_s <= longest_s)) // false for NaN, too
         throw failure(USAGE, "--timeout takes seconds, more than 0 and at most 3600");
+}
+
+// Whether the next argument is the option's value.
+bool takes_next(const CLI::App &app, const std::string &word)
+{
+    const CLI::Option *const option = app.get_option_no_throw(word);
+    return option != nullptr && option->get_items_expected_min() > 0;
+}
+
+// The first argument that is neither an option nor its value, if it is none of the commands.
+std::string unknown_command(const CLI::App &app, int argc, char **argv,
+                            const std::vector<std::string> &known)
+{
+    for (int i = 1; i < argc; i++) {
+        const std::string word = argv[i];
+        if (word.substr(0, 1) == "-")
+            i += takes_next(app, word) ? 1 : 0;
+        else
+            return std::find(known.begin(), known.end(), word) == known.end() ? word : "";
+    }
+    return "";
+}
+
+int wrong_usage(const CLI::App &app, const CLI::ParseError &error, const std::string &unknown,
+                const std::vector<std::string> &known)
+{
+    if (unknown.empty())
+        return app.exit(error) == 0 ? DONE : USAGE;
+    const std::string similar = most_similar(unknown, known);
+    print_message(
+        "no command \"" + unknown + "\"" +
+        (similar.empty() ? "; --help lists them" : "; did you mean \"" + similar + "\"?"));
+    return USAGE;
 }
 
 } // namespace
@@ -70,7 +111,8 @@ int main(int argc, char **argv)
             throw failure(OTHER, "cannot write the result");
         return all.status;
     } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? DONE : USAGE;
+        const std::vector<std::string> known = words.commands();
+        return wrong_usage(app, error, unknown_command(app, argc, argv, known), known);
     } catch (const failure &error) {
         print_message(error.what());
         return error.code;

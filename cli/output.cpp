@@ -25,18 +25,37 @@ std::vector<size_t> column_widths(const std::vector<std::vector<std::string>> &r
 
 } // namespace
 
+namespace {
+
+// U+0080 to U+009F, which terminals obey as they obey ESC.
+bool is_second_of_control(unsigned before, unsigned byte)
+{
+    return before == 0xc2 && (byte & 0xe0) == 0x80;
+}
+
+} // namespace
+
 std::string visible(const std::string &text)
 {
     std::string shown;
+    const auto escape = [&shown](unsigned byte) {
+        char digits[8];
+        snprintf(digits, sizeof digits, "\\x%02x", byte);
+        shown += digits;
+    };
+    unsigned before = 0;
     for (const char letter : text) {
         const unsigned byte = static_cast<unsigned char>(letter);
-        if (byte >= ' ' && byte != 0x7f) {
+        if (is_second_of_control(before, byte)) {
+            shown.pop_back();
+            escape(before);
+            escape(byte);
+        } else if (byte >= ' ' && byte != 0x7f) {
             shown += letter;
         } else {
-            char escape[8];
-            snprintf(escape, sizeof escape, "\\x%02x", byte);
-            shown += escape;
+            escape(byte);
         }
+        before = byte;
     }
     return shown;
 }

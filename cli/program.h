@@ -9,6 +9,7 @@
 #include "client/setting.h"
 
 struct program {
+    std::string host = "127.0.0.1"; // as given, perhaps with a port
     server_address server;
     bool as_json = false;
     bool show_secrets = false;

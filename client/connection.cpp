@@ -10,6 +10,7 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <regex>
 
 #include "client/failure.h"
 
@@ -36,7 +37,7 @@ public:
     explicit datagram_socket(const server_address &address) : server(address)
     {
         const auto found = look_up();
-        descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+        descriptor = socket(found->ai_family, SOCK_DGRAM | SOCK_CLOEXEC, 0);
         // A connected socket drops datagrams from elsewhere, and reports a closed port.
         if (descriptor < 0 || connect(descriptor, found->ai_addr, found->ai_addrlen) != 0) {
             const int error = errno;
@@ -76,11 +77,16 @@ private:
     address_list look_up() const
     {
         addrinfo hints = {};
-        hints.ai_family = AF_INET;
         hints.ai_socktype = SOCK_DGRAM;
         addrinfo *found = nullptr;
-        const int error =
-            getaddrinfo(server.host.c_str(), std::to_string(server.port).c_str(), &hints, &found);
+        int error = 0;
+        for (const int family : {AF_INET, AF_INET6}) { // stores have IPv4, relays may have IPv6
+            hints.ai_family = family;
+            error = getaddrinfo(server.host.c_str(), std::to_string(server.port).c_str(), &hints,
+                                &found);
+            if (error == 0)
+                break;
+        }
         if (error != 0)
             throw failure(OTHER,
                           "cannot find the host \"" + server.host + "\": " + gai_strerror(error));
@@ -120,6 +126,23 @@ private:
 }
 
 } // namespace
+
+void set_host(server_address &server, const std::string &text)
+{
+    static const std::regex usual(R"((?:\[([^\]]+)\]|([^:\[\]]+))(?::([0-9]{1,5}))?)");
+    static const std::regex bare_ipv6(R"([0-9A-Fa-f.]*:[0-9A-Fa-f:.]*:[0-9A-Fa-f:.]*(?:%.+)?)");
+    std::smatch found;
+    if (std::regex_match(text, bare_ipv6)) {
+        server.host = text;
+        return;
+    }
+    const bool matches = std::regex_match(text, found, usual);
+    const int port = matches && found[3].matched ? std::stoi(found[3]) : server.port;
+    if (!matches || port < 1 || port > 65535)
+        throw failure(USAGE, "\"" + text + "\" is not of the form HOST or HOST:PORT");
+    server.host = found[1].matched ? found[1] : found[2];
+    server.port = port;
+}
 
 std::string exchange(const server_address &server, const std::string &request,
                      const std::function<bool(const std::string &answer)> &fits)

@@ -13,6 +13,10 @@ struct server_address {
     int retries = 2;      // after the first request
 };
 
+// Reads HOST, HOST:PORT or [ADDRESS]:PORT into the address, whose port stays if none is given.
+// Throws a failure for another form.
+void set_host(server_address &server, const std::string &text);
+
 // Sends a request, again after each timeout, and returns the first answer that fits. Each call uses
 // a new socket, so that a late answer is dropped rather than taken for the next one. Throws a
 // failure when no answer arrives or the request is too long.

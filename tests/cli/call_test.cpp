@@ -99,4 +99,20 @@ TEST_F(CallCommand, TakesAnAnswerWithoutIdentifier)
     EXPECT_EQ(run({"call", "uptime", "--json"}).output, "{\"uptime\":5}\n");
 }
 
+TEST(CallValues, OfEachJsonTypeAreSentAsSuch)
+{
+    const fake_server camera([](const std::string &request) {
+        return std::vector<std::string>{reply_to(request, "'done':1")};
+    });
+    EXPECT_EQ(run({"call", "x", "a=[1,2]", "b={\"c\":null}", "d=true", "e=false", "f=null", "g=5",
+                   "h=text", "i=[1"})
+                  .status,
+              0);
+    const json sent(cJSON_Parse(camera.requests().back().c_str()));
+    EXPECT_EQ(compact(cJSON_GetObjectItem(sent.get(), "data")),
+              "{'a':[1,2],'b':{'c':null},'d':true,'e':false,'f':'null','g':5,'h':'text','i':'[1'}");
+    EXPECT_EQ(run({"call", "x", "--text", "a=[1,2]"}).status, 0);
+    EXPECT_NE(camera.requests().back().find("\"[1,2]\""), std::string::npos);
+}
+
 } // namespace

@@ -39,10 +39,11 @@ protected:
 
 TEST_F(Completion, OffersCommandsAndOptions)
 {
-    EXPECT_EQ(offers("''"), "list get set call style www share raw\n");
-    EXPECT_EQ(offers("l"), "list\n");
+    EXPECT_EQ(offers("''"), "list get set describe diff reset dump load watch test status log "
+                            "confirm call style www share raw\n");
+    EXPECT_EQ(offers("li"), "list\n");
     EXPECT_EQ(offers("get --ti"), "--timeout\n");
-    EXPECT_EQ(offers("call s"), "save style\n");
+    EXPECT_EQ(offers("call s"), "save status style\n");
     EXPECT_EQ(offers("www ''"), "get set\n");
     EXPECT_EQ(offers("www get ''"), "\n");
 }

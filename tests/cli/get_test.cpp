@@ -114,4 +114,13 @@ TEST_F(GetCommand, AsksForMoreNamesThanADatagramHolds)
     EXPECT_EQ(got.output.rfind("\naf.zoom_value=0\n"), got.output.size() - 17);
 }
 
+TEST(GetValues, ShowNoControlCharacter)
+{
+    const fake_server camera([](const std::string &request) {
+        return std::vector<std::string>{
+            reply_to(request, "'x':{'a':'\xc2\x9b[31m\xc3\xbc\x7f\\u001b','b':'\xc2\xa0'}")};
+    });
+    EXPECT_EQ(run({"get", "x"}).output, "x.a=\\xc2\\x9b[31m\xc3\xbc\\x7f\\x1b\nx.b=\xc2\xa0\n");
+}
+
 } // namespace

@@ -169,4 +169,44 @@ TEST_F(ClientNetwork, AnUnknownHostIsReported)
         << got.errors;
 }
 
+TEST(ClientHost, MayHaveAPort)
+{
+    const std::vector<std::string> quick = {"--retries", "0", "--timeout", "0.2", "get", "af"};
+    const struct {
+        const char *given, *reached;
+    } hosts[] = {
+        {"127.0.0.1:7", "127.0.0.1 port 7"},
+        {"127.0.0.1", "127.0.0.1 port 9"},
+        {"[127.0.0.1]:7", "127.0.0.1 port 7"},
+        {"[::1]:7", "::1 port 7"},
+        {"[::1]", "::1 port 9"},
+        {"::1", "::1 port 9"},
+        {"localhost:7", "localhost port 7"},
+    };
+    for (const auto &host : hosts) {
+        std::vector<std::string> words = {"--port", "9", "--host", host.given};
+        words.insert(words.end(), quick.begin(), quick.end());
+        const run_result got = run(words);
+        EXPECT_EQ(got.status, 3) << host.given;
+        EXPECT_NE(got.errors.find(host.reached), std::string::npos) << got.errors;
+    }
+}
+
+TEST(ClientHost, OfAnotherFormIsAUsageError)
+{
+    for (const char *host :
+         {"", "a:b", "a:0", "a:65536", "a:", "[::1", "[::1]x", "[]:5", "a:1:2:x"})
+        EXPECT_EQ(run({"--host", host, "get", "af"}).status, 2) << host;
+}
+
+TEST(ClientHost, MayComeFromTheEnvironment)
+{
+    setenv("CAMPARAM_HOST", "127.0.0.1:7", 1);
+    const run_result got = run({"--retries", "0", "--timeout", "0.2", "get", "af"});
+    EXPECT_NE(got.errors.find("127.0.0.1 port 7"), std::string::npos) << got.errors;
+    const run_result other =
+        run({"--host", "127.0.0.1:8", "--retries", "0", "--timeout", "0.2", "get", "af"});
+    EXPECT_NE(other.errors.find("port 8"), std::string::npos) << other.errors;
+}
+
 } // namespace

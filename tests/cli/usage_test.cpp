@@ -15,7 +15,9 @@ TEST(ClientUsage, HelpShowsCommandsOptionsAndExamples)
 
 TEST(ClientUsage, EachCommandHasHelp)
 {
-    for (const char *command : {"list", "get", "set", "call", "style", "www", "share", "raw"}) {
+    for (const char *command :
+         {"list", "get", "set", "describe", "diff", "reset", "dump", "load", "watch", "test",
+          "status", "log", "confirm", "call", "style", "www", "share", "raw"}) {
         const run_result help = run({command, "--help"});
         EXPECT_EQ(help.status, 0) << command;
         EXPECT_NE(help.output.find("Usage: camparam " + std::string(command)), std::string::npos)
@@ -93,6 +95,16 @@ TEST(ClientUsage, AResultThatCannotBeWrittenIsAFailure)
 
     EXPECT_EQ(client.wait_for_end(), 1);
     EXPECT_EQ(client.errors(), "camparam: cannot write the result\n");
+}
+
+TEST(ClientUsage, AMistypedCommandNamesTheNearest)
+{
+    EXPECT_EQ(run({"lst"}).errors, "camparam: no command \"lst\"; did you mean \"list\"?\n");
+    EXPECT_EQ(run({"statu", "--json"}).errors,
+              "camparam: no command \"statu\"; did you mean \"status\"?\n");
+    EXPECT_EQ(run({"photograph"}).errors,
+              "camparam: no command \"photograph\"; --help lists them\n");
+    EXPECT_EQ(run({"lst"}).status, 2);
 }
 
 } // namespace
