@@ -34,15 +34,20 @@ json_ptr ask(client &host, const std::vector<setting_name> &names)
             continue;
         asked.push_back(name.module);
         json_ptr found(cJSON_CreateObject());
-        if (host.get(name.module, members_of(names, name.module), found.get()))
-            cJSON_AddItemToObject(values.get(), name.module.c_str(), found.release());
+        if (!host.get(name.module, members_of(names, name.module), found.get()))
+            continue;
+        cJSON *const itself = cJSON_GetArraySize(found.get()) == 1
+                                  ? cJSON_DetachItemFromObjectCaseSensitive(found.get(), "")
+                                  : nullptr;
+        cJSON_AddItemToObject(values.get(), name.module.c_str(),
+                              itself != nullptr ? itself : found.release());
     }
     return values;
 }
 
 void print_values(const setting_name &name, const cJSON *found)
 {
-    if (!name.member.empty()) {
+    if (!name.member.empty() || !cJSON_IsObject(found)) {
         print_value(name.text(), found);
         return;
     }

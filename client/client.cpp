@@ -103,6 +103,11 @@ bool client::get(const std::string &module, const std::vector<std::string> &memb
         const cJSON *const values = member_of(answer.get(), module.c_str());
         if (values == nullptr)
             return;
+        if (members == std::vector<std::string>{"all"} && !cJSON_IsObject(values)) {
+            cJSON_AddItemToObject(found, "", cJSON_Duplicate(values, 1));
+            answered = true;
+            return;
+        }
         if (!cJSON_IsObject(values))
             throw failure(OTHER, "the host's answer for \"" + module + "\" is not understood");
         answered = true;

@@ -19,7 +19,8 @@ public:
     explicit client(server_address address) : server(std::move(address)) {}
 
     // Gets members of a module, or all for the one name "all", and adds them to the object. Returns
-    // whether the module answered.
+    // whether the module answered. One that is itself a setting is added as the member without a
+    // name.
     bool get(const std::string &module, const std::vector<std::string> &members, cJSON *found);
 
     // Sets members of a module by a set request, or by a command if one is named. The answer to a

@@ -123,4 +123,20 @@ TEST(GetValues, ShowNoControlCharacter)
     EXPECT_EQ(run({"get", "x"}).output, "x.a=\\xc2\\x9b[31m\xc3\xbc\\x7f\\x1b\nx.b=\xc2\xa0\n");
 }
 
+TEST(GetValues, ShowAModuleThatIsItselfASetting)
+{
+    shared_text value;
+    const fake_server camera([&](const std::string &request) {
+        return std::vector<std::string>{reply_to(request, "'lamp':" + std::string(value))};
+    });
+    for (const char *each : {"5", "-1.5", "[1,2]", "true", "null"}) {
+        value = each;
+        EXPECT_EQ(run({"get", "lamp"}).output, "lamp=" + std::string(each) + "\n");
+        EXPECT_EQ(squeeze(run({"get", "lamp", "--json"}).output),
+                  "{'lamp':" + std::string(each) + "}");
+    }
+    value = "'on'";
+    EXPECT_EQ(run({"get", "lamp"}).output, "lamp=on\n");
+}
+
 } // namespace
