@@ -62,6 +62,11 @@ arguments arguments::group(const char *name, const char *help) const
     return arguments(added);
 }
 
+void arguments::footer(const char *text) const
+{
+    app->footer(text);
+}
+
 argument arguments::flag(bool &into, const char *name, const char *help) const
 {
     return argument(app->add_flag(name, into, help));
@@ -94,4 +99,9 @@ argument arguments::number(double &into, const argument_text &about, double min,
     return argument(app->add_option(about.name, into, about.help)
                         ->type_name(about.type)
                         ->check(CLI::Range(min, max)));
+}
+
+argument arguments::number(std::optional<double> &into, const argument_text &about) const
+{
+    return argument(app->add_option(about.name, into, about.help)->type_name(about.type));
 }

@@ -3,10 +3,11 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
-namespace CLI {
+namespace CLI { // NOLINT(readability-identifier-naming): the library has named it
 class App;
 class Option;
 } // namespace CLI
@@ -45,12 +46,15 @@ public:
     arguments command(const char *name, const char *help, std::function<void()> run) const;
     arguments group(const char *name, const char *help) const; // of commands
 
+    void footer(const char *text) const; // of the help
+
     argument flag(bool &into, const char *name, const char *help) const;
     argument text(std::string &into, const argument_text &about) const;
     argument texts(std::vector<std::string> &into, const argument_text &about) const;
     argument integer(int &into, const argument_text &about, int min, int max) const;
     argument number(double &into, const argument_text &about) const;
     argument number(double &into, const argument_text &about, double min, double max) const;
+    argument number(std::optional<double> &into, const argument_text &about) const;
 
 private:
     CLI::App *app;

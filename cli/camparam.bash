@@ -22,7 +22,7 @@ _camparam()
     for ((i = 1; i < COMP_CWORD; i++)); do
         case "$command,${COMP_WORDS[i]}" in
         ,list | ,get | ,set | ,describe | ,diff | ,reset | ,dump | ,load | ,watch | ,test | ,status | ,log | \
-            ,confirm | ,call | ,style | ,www | ,share | ,raw) command="${COMP_WORDS[i]}" ;;
+            ,confirm | ,call | ,style | ,www | ,share | ,raw | ,wait | ,record | ,replay) command="${COMP_WORDS[i]}" ;;
         www,get | www,set) command="www ${COMP_WORDS[i]}" ;;
         esac
     done
@@ -31,9 +31,9 @@ _camparam()
     -*) mapfile -t COMPREPLY < <(compgen -W "--help --version --host --port --timeout --retries
         --json --show-secrets --number --text --get --set --default --instance --changed
         --partly --create --wait-saved --confirm --only --all --dry-run --merge --replace --on --for
-        --show" -- "$word") ;;
+        --show --listen --speed" -- "$word") ;;
     *,) mapfile -t COMPREPLY < <(compgen -W "list get set describe diff reset dump load watch test
-        status log confirm call style www share raw" -- "$word") ;;
+        status log confirm call style www share raw wait record replay" -- "$word") ;;
     *,list | *,get | *,describe | *,reset | *,dump | *,watch | *,test | *,log) mapfile -t COMPREPLY < <(compgen -W "$(_camparam_settings)" -- "$word") ;;
     *,set)
         mapfile -t COMPREPLY < <(compgen -S = -W "$(_camparam_settings)" -- "$word")
@@ -46,6 +46,10 @@ _camparam()
     *,call) mapfile -t COMPREPLY < <(compgen -W "changes check confirm describe lens log
         reload reset save status style" -- "$word") ;;
     *,style) mapfile -t COMPREPLY < <(compgen -W "$(_camparam_styles)" -- "$word") ;;
+    *,record | *,replay | *,load | *,diff)
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+        compopt -o filenames 2>/dev/null
+        ;;
     *,www) mapfile -t COMPREPLY < <(compgen -W "get set" -- "$word") ;;
     esac
 }

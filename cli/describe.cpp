@@ -16,7 +16,7 @@ std::string shown(const member_description &member, const char *key, const std::
         return "";
     for (const auto &[number, name] : member.names_of_numbers) {
         if (number == text)
-            return text + " (" + name + ")";
+            return std::string(text).append(" (").append(name).append(")");
     }
     return text.empty() ? "\"\"" : text;
 }

@@ -27,6 +27,9 @@ const char *const examples = R"(Examples:
   camparam share video.bitRate=4096 --instance 1
   camparam call save                      run a command of the host
   echo '{"msg_type":"get","msg_id":1,"af":["all"]}' | camparam raw
+  camparam wait --for 30                  until the host answers
+  camparam record day.jsonl               write down what clients send to port 6801
+  camparam replay day.jsonl               send it again and compare the answers
 
 Exit status: 0 done, 1 other failure, 2 wrong usage, 3 no answer, 4 refused,
 5 no such setting, 6 partly done, 7 something differs, 8 not saved in time.)";

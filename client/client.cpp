@@ -57,6 +57,13 @@ void copy_members(const cJSON *from, cJSON *to)
 
 } // namespace
 
+bool may_answer(const cJSON *request, const std::string &answer)
+{
+    const json_ptr tree = parse_json(answer);
+    const bool is_other = cJSON_IsObject(tree.get()) && !is_answer_to(request, tree.get());
+    return !answer.empty() && !is_other;
+}
+
 void add_value(cJSON *object, const assignment &value)
 {
     if (value.number)
@@ -150,12 +157,8 @@ json_ptr client::call(const char *type, const std::string &command, json_ptr dat
 std::string client::raw(const std::string &request)
 {
     const json_ptr tree = parse_json(request);
-    return exchange(server, request, [&](const std::string &text) {
-        const json_ptr answer = parse_json(text);
-        const bool is_other =
-            cJSON_IsObject(answer.get()) && !is_answer_to(tree.get(), answer.get());
-        return !text.empty() && !is_other;
-    });
+    return exchange(server, request,
+                    [&](const std::string &text) { return may_answer(tree.get(), text); });
 }
 
 std::string client::web(const char *type, const std::string &page, const std::string &query)
@@ -170,6 +173,11 @@ std::string client::web(const char *type, const std::string &page, const std::st
         const bool is_cut = !text.empty() && page.compare(0, text.size(), text) == 0;
         return is_cut || text.find('=') != std::string::npos;
     });
+}
+
+void client::ping()
+{
+    request_answer(start_request("get", "camparam").get(), false);
 }
 
 void client::send(const std::string &datagram)

@@ -40,6 +40,9 @@ public:
     // answer: a query, or an error text such as "PAGE=null".
     std::string web(const char *type, const std::string &page, const std::string &query);
 
+    // Asks for nothing. Throws a failure when the host does not answer.
+    void ping();
+
     // Sends a datagram that gets no answer.
     void send(const std::string &datagram);
 
@@ -51,6 +54,10 @@ private:
     server_address server;
     int last_id = 0;
 };
+
+// Whether a text may be the answer to a request, which is null when it is no JSON: it is not empty
+// and does not repeat the identifiers of another request.
+bool may_answer(const cJSON *request, const std::string &answer);
 
 // Adds a value to an object as a number or a string.
 void add_value(cJSON *object, const assignment &value);

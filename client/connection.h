@@ -17,11 +17,18 @@ struct server_address {
 // Throws a failure for another form.
 void set_host(server_address &server, const std::string &text);
 
+// As messages call it: "192.168.1.10 port 6800".
+std::string name_of(const server_address &server);
+
 // Sends a request, again after each timeout, and returns the first answer that fits. Each call uses
 // a new socket, so that a late answer is dropped rather than taken for the next one. Throws a
 // failure when no answer arrives or the request is too long.
 std::string exchange(const server_address &server, const std::string &request,
                      const std::function<bool(const std::string &answer)> &fits);
+
+// As exchange(), for a request of any length, such as one that the host shall refuse.
+std::string exchange_datagrams(const server_address &server, const std::string &request,
+                               const std::function<bool(const std::string &answer)> &fits);
 
 // Sends a datagram that gets no answer. Throws a failure when it cannot be sent.
 void send_datagram(const server_address &server, const std::string &bytes);

@@ -18,6 +18,16 @@ json_ptr parse_json(const std::string &text)
     return json_ptr(cJSON_ParseWithLength(text.data(), text.size()));
 }
 
+json_ptr parse_whole_json(const std::string &text)
+{
+    const char *end = nullptr;
+    json_ptr tree(cJSON_ParseWithLengthOpts(text.data(), text.size(), &end, 0));
+    if (!tree || text.find_first_not_of(" \t\r\n", static_cast<size_t>(end - text.data())) !=
+                     std::string::npos)
+        return nullptr;
+    return tree;
+}
+
 std::string print_line(const cJSON *node)
 {
     return take_text(cJSON_PrintUnformatted(node));

@@ -15,6 +15,9 @@ using json_ptr = std::unique_ptr<cJSON, json_delete>;
 // The tree, or null when the text is not JSON.
 json_ptr parse_json(const std::string &text);
 
+// As parse_json(); null, too, when anything but blanks follows.
+json_ptr parse_whole_json(const std::string &text);
+
 // As one line, or with line breaks and tabs.
 std::string print_line(const cJSON *node);
 std::string print_pretty(const cJSON *node);

@@ -16,8 +16,9 @@ TEST(ClientUsage, HelpShowsCommandsOptionsAndExamples)
 TEST(ClientUsage, EachCommandHasHelp)
 {
     for (const char *command :
-         {"list", "get", "set", "describe", "diff", "reset", "dump", "load", "watch", "test",
-          "status", "log", "confirm", "call", "style", "www", "share", "raw"}) {
+         {"list",  "get",   "set",   "describe", "diff", "reset",   "dump",
+          "load",  "watch", "test",  "status",   "log",  "confirm", "call",
+          "style", "www",   "share", "raw",      "wait", "record",  "replay"}) {
         const run_result help = run({command, "--help"});
         EXPECT_EQ(help.status, 0) << command;
         EXPECT_NE(help.output.find("Usage: camparam " + std::string(command)), std::string::npos)
@@ -68,6 +69,17 @@ TEST(ClientUsage, MistakesAreUsageErrors)
              {"share", "video.gop=5", "--instance", "256"},
              {"share", "video.gop=5", "--instance", "one"},
              {"share", "audio.mute=1", "--instance", "1"},
+             {"wait", "now"},
+             {"wait", "--for", "0"},
+             {"record"},
+             {"record", "/dev/null", "--listen", "-1"},
+             {"record", "/dev/null", "--listen", "65536"},
+             {"record", "/dev/null", "more"},
+             {"replay"},
+             {"replay", "/dev/null", "--speed", "0"},
+             {"replay", "/dev/null", "--speed", "-1"},
+             {"replay", "/dev/null", "--speed", "nan"},
+             {"replay", "/dev/null", "--speed", "1000001"},
              {"get", "af", "--port", "0"},
              {"get", "af", "--port", "65536"},
              {"get", "af", "--timeout", "0"},
