@@ -31,9 +31,9 @@ _camparam()
     -*) mapfile -t COMPREPLY < <(compgen -W "--help --version --host --port --timeout --retries
         --json --show-secrets --number --text --get --set --default --instance --changed
         --partly --create --wait-saved --confirm --only --all --dry-run --merge --replace --on --for
-        --show --listen --speed" -- "$word") ;;
+        --show --listen --speed --data" -- "$word") ;;
     *,) mapfile -t COMPREPLY < <(compgen -W "list get set describe diff reset dump load watch test
-        status log confirm call style www share raw wait record replay" -- "$word") ;;
+        status log confirm call style www share raw wait record replay check" -- "$word") ;;
     *,list | *,get | *,describe | *,reset | *,dump | *,watch | *,test | *,log) mapfile -t COMPREPLY < <(compgen -W "$(_camparam_settings)" -- "$word") ;;
     *,set)
         mapfile -t COMPREPLY < <(compgen -S = -W "$(_camparam_settings)" -- "$word")
@@ -46,7 +46,7 @@ _camparam()
     *,call) mapfile -t COMPREPLY < <(compgen -W "changes check confirm describe lens log
         reload reset save status style" -- "$word") ;;
     *,style) mapfile -t COMPREPLY < <(compgen -W "$(_camparam_styles)" -- "$word") ;;
-    *,record | *,replay | *,load | *,diff)
+    *,record | *,replay | *,load | *,diff | *,check)
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
         compopt -o filenames 2>/dev/null
         ;;

@@ -4,6 +4,7 @@
 #include "program.h"
 
 void add_call(const arguments &words, program &all);
+void add_check(const arguments &words, program &all);
 void add_confirm(const arguments &words, program &all);
 void add_describe(const arguments &words, program &all);
 void add_diff(const arguments &words, program &all);
@@ -29,7 +30,7 @@ using command_adder = void (*)(const arguments &words, program &all);
 
 // In the order of the help.
 inline constexpr command_adder commands[] = {
-    add_list, add_get,   add_set,  add_describe, add_diff, add_reset,   add_dump,
-    add_load, add_watch, add_test, add_status,   add_log,  add_confirm, add_style,
-    add_www,  add_share, add_call, add_raw,      add_wait, add_record,  add_replay,
+    add_list,  add_get,  add_set,    add_describe, add_diff,    add_reset, add_dump, add_load,
+    add_watch, add_test, add_status, add_log,      add_confirm, add_style, add_www,  add_share,
+    add_call,  add_raw,  add_wait,   add_record,   add_replay,  add_check,
 };

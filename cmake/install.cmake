@@ -16,6 +16,7 @@ if(CAMPARAM_TOOLS)
         /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
     set_target_properties(camparamd camparam_cli PROPERTIES
         INSTALL_RPATH "$ORIGIN/${from_bin_to_lib}")
+    set_target_properties(camparam_client PROPERTIES INSTALL_RPATH "$ORIGIN")
     install(TARGETS camparamd camparam_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
     install(TARGETS camparam_client LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_SKIP)
     install(FILES cli/camparam.bash RENAME camparam

@@ -40,7 +40,7 @@ protected:
 TEST_F(Completion, OffersCommandsAndOptions)
 {
     EXPECT_EQ(offers("''"), "list get set describe diff reset dump load watch test status log "
-                            "confirm call style www share raw wait record replay\n");
+                            "confirm call style www share raw wait record replay check\n");
     EXPECT_EQ(offers("li"), "list\n");
     EXPECT_EQ(offers("get --ti"), "--timeout\n");
     EXPECT_EQ(offers("call s"), "save status style\n");
