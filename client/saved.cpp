@@ -17,7 +17,7 @@ std::string reason_of(const cJSON *module)
         return "the host does not tell";
     if (changes->valuedouble == saved->valuedouble && error.empty())
         return "";
-    const std::string obstacle = string_of(member_of(module, "cannot_be_saved"));
+    std::string obstacle = string_of(member_of(module, "cannot_be_saved"));
     if (!obstacle.empty())
         return obstacle;
     return error.empty() ? "not yet" : error;

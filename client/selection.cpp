@@ -60,6 +60,22 @@ std::vector<std::string> modules_in(const std::vector<std::string> &patterns)
     return modules;
 }
 
+namespace {
+
+// Whether a pattern means the setting; marks those that do.
+bool is_meant(const std::vector<std::string> &patterns, const setting_name &name,
+              std::vector<bool> &used)
+{
+    bool meant = patterns.empty();
+    for (size_t i = 0; i < patterns.size(); i++) {
+        if (is_meant(patterns[i], name))
+            meant = used[i] = true;
+    }
+    return meant;
+}
+
+} // namespace
+
 std::vector<described_setting> select_settings(client &host, const description &described,
                                                const std::vector<std::string> &patterns)
 {
@@ -68,12 +84,7 @@ std::vector<described_setting> select_settings(client &host, const description &
     for (const module_description &module : described.modules) {
         for (const member_description &member : module.members) {
             const described_setting setting = {&module, &member};
-            bool meant = patterns.empty();
-            for (size_t i = 0; i < patterns.size(); i++) {
-                if (is_meant(patterns[i], setting.name()))
-                    meant = used[i] = true;
-            }
-            if (meant)
+            if (is_meant(patterns, setting.name(), used))
                 selected.push_back(setting);
         }
     }
