@@ -151,7 +151,8 @@ TEST_F(CheckOfFiles, FoldersThatAreMissingAreTold)
 // The bytes of a file, spoiled in some places.
 std::string spoiled(std::string bytes, std::mt19937 &chance)
 {
-    static const std::string replacements = std::string("{}[]\",:=#0-9.eE\\n\0\n\xff tfS*", 27);
+    static const char letters[] = "{}[]\",:=#0-9.eE\\n\0\n\xff tfS*";
+    static const std::string replacements(letters, sizeof letters - 1);
     for (unsigned times = 1 + chance() % 8; times > 0 && !bytes.empty(); times--) {
         const size_t place = chance() % bytes.size();
         switch (chance() % 4) {
