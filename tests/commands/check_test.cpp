@@ -2,9 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
 
 #include "commands/kit.h"
+#include "host/fake_server.h"
 
 class CheckCommand : public Kit {
 protected:
@@ -21,6 +23,7 @@ protected:
                                  .need_save = nullptr,
                                  .save = nullptr};
         EXPECT_EQ(register_para_handle_extern(&row), 0);
+        lamp = "{'level':5,'state':'on','list':[1]}";
         platformparam_set_setting_observer([](const para_setting_change *) { changes++; });
         start_store();
     }
@@ -42,8 +45,8 @@ protected:
         return compact(reply.get());
     }
 
-    static inline std::string lamp = "{'level':5,'state':'on','list':[1]}";
-    static inline int changes = 0;
+    static inline shared_text lamp;
+    static inline std::atomic<int> changes{0};
 
 private:
     static int answer(const char *, const cJSON *, cJSON **reply, const char *)

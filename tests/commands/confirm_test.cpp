@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
 
 #include "commands/kit.h"
@@ -85,19 +86,19 @@ TEST_F(ConfirmCommand, LeavesWhatOthersHaveSetSince)
 
 TEST_F(ConfirmCommand, RefusesWhatCannotBeTakenBack)
 {
-    static int sets = 0;
-    const para_module row = {
-        .name = "lamp",
-        .init = nullptr,
-        .init_stage2 = nullptr,
-        .set_opt = [](const char *, const cJSON *, const char *) { return sets++; },
-        .get_opt =
-            [](const char *, const cJSON *, cJSON **answer, const char *) {
-                *answer = parse("{'level':5}").release();
-                return 0;
-            },
-        .need_save = nullptr,
-        .save = nullptr};
+    static std::atomic<int> sets{0};
+    const para_module row = {.name = "lamp",
+                             .init = nullptr,
+                             .init_stage2 = nullptr,
+                             .set_opt = [](const char *, const cJSON *,
+                                           const char *) { return static_cast<int>(sets++); },
+                             .get_opt =
+                                 [](const char *, const cJSON *, cJSON **answer, const char *) {
+                                     *answer = parse("{'level':5}").release();
+                                     return 0;
+                                 },
+                             .need_save = nullptr,
+                             .save = nullptr};
     ASSERT_EQ(register_para_handle_extern(&row), 0);
     start_store();
     EXPECT_EQ(set_for(60, "{'lamp':{'level':7},'af':{'zoom_value':9}}"),

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "commands/kit.h"
+#include "host/fake_server.h"
 
 using testing::AllOf;
 using testing::HasSubstr;
@@ -166,12 +167,13 @@ TEST_F(UnusableDescriptions, HideTextsWhenTheyAreTooLong)
 
 namespace {
 
-std::string host_answer; // JSON, an apostrophe for a quote
+shared_text host_answer; // JSON, an apostrophe for a quote
 
 int answer_of_host(const char *, const cJSON *item, cJSON **answer, const char *)
 {
-    if (cJSON_IsArray(item) && !host_answer.empty())
-        *answer = parse(host_answer).release();
+    const std::string text = host_answer;
+    if (cJSON_IsArray(item) && !text.empty())
+        *answer = parse(text).release();
     return 0;
 }
 
