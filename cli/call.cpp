@@ -37,7 +37,7 @@ json_ptr data_of(const std::vector<std::string> &members, value_form form)
         if (json_ptr node = as_json_value(value, form))
             cJSON_AddItemToObject(data.get(), value.member.c_str(), node.release());
         else
-            add_value(data.get(), value);
+            cJSON_AddItemToObject(data.get(), value.member.c_str(), value.as_node().release());
     }
     return data;
 }

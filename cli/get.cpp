@@ -28,20 +28,8 @@ std::vector<std::string> members_of(const std::vector<setting_name> &names,
 json_ptr ask(client &host, const std::vector<setting_name> &names)
 {
     json_ptr values(cJSON_CreateObject());
-    std::vector<std::string> asked;
-    for (const setting_name &name : names) {
-        if (std::find(asked.begin(), asked.end(), name.module) != asked.end())
-            continue;
-        asked.push_back(name.module);
-        json_ptr found(cJSON_CreateObject());
-        if (!host.get(name.module, members_of(names, name.module), found.get()))
-            continue;
-        cJSON *const itself = cJSON_GetArraySize(found.get()) == 1
-                                  ? cJSON_DetachItemFromObjectCaseSensitive(found.get(), "")
-                                  : nullptr;
-        cJSON_AddItemToObject(values.get(), name.module.c_str(),
-                              itself != nullptr ? itself : found.release());
-    }
+    for (const std::string &module : modules_of(names))
+        host.get(module, members_of(names, module), values.get());
     return values;
 }
 
@@ -69,9 +57,7 @@ exit_code print_settings(client &host, const std::vector<std::string> &texts, bo
     const json_ptr values = ask(host, names);
     std::vector<setting_name> missing;
     for (const setting_name &name : names) {
-        const cJSON *const module = member_of(values.get(), name.module.c_str());
-        const cJSON *const found =
-            name.member.empty() ? module : member_of(module, name.member.c_str());
+        const cJSON *const found = value_in(values.get(), name);
         if (found == nullptr)
             missing.push_back(name);
         else if (!as_json)

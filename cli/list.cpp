@@ -70,10 +70,8 @@ void print_tree(const std::vector<described_setting> &settings)
 {
     const json_ptr tree(cJSON_CreateObject());
     for (const described_setting &setting : settings) {
-        cJSON *module = cJSON_GetObjectItemCaseSensitive(tree.get(), setting.module->name.c_str());
-        if (module == nullptr)
-            module = cJSON_AddObjectToObject(tree.get(), setting.module->name.c_str());
-        cJSON_AddItemToObject(module, setting.member->name.c_str(),
+        cJSON_AddItemToObject(object_in(tree.get(), setting.module->name),
+                              setting.member->name.c_str(),
                               cJSON_Duplicate(setting.member->node, 1));
     }
     puts(print_pretty(tree.get()).c_str());

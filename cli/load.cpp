@@ -6,6 +6,7 @@
 #include "client/outcome.h"
 #include "commands.h"
 #include "output.h"
+#include "report.h"
 
 namespace {
 
@@ -40,10 +41,10 @@ std::vector<setting_value> wanted_values(const cJSON *dump, const description &d
         return values;
     for (const module_description &each : described.modules) {
         for (const member_description &one : each.members) {
-            const bool is_there =
-                member_of(member_of(dump, each.name.c_str()), one.name.c_str()) != nullptr;
+            const setting_name name = {each.name, one.name};
+            const bool is_there = value_in(dump, name) != nullptr;
             if (!is_there && !one.read_only && member_of(one.node, "default") != nullptr)
-                values.push_back({{each.name, one.name}, one.default_value});
+                values.push_back({name, one.default_value});
         }
     }
     return values;
@@ -80,20 +81,18 @@ std::vector<change> plan(client &host, const std::vector<setting_value> &values,
 
 void set_all(client &host, const std::vector<change> &changes, counts &counted)
 {
+    outcome result;
     for (const std::string &module : modules_of(changes)) {
-        const json_ptr found(cJSON_CreateObject());
-        send_changes(host, module, changes, found.get());
+        const json_ptr values(cJSON_CreateObject());
+        send_changes(host, module, changes, values.get());
         for (const change &one : changes) {
-            if (one.name.module != module)
-                continue;
-            if (is_taken(one, member_of(found.get(), one.name.member.c_str()))) {
-                counted.changed++;
-                continue;
-            }
-            counted.refused++;
-            print_message(one.name.text() + ": \"" + one.value.value + "\" was not taken");
+            if (one.name.module == module)
+                report_change(host, one, values.get(), result);
         }
     }
+    counted.changed += result.done;
+    counted.refused += result.refused;
+    counted.unknown += result.missing;
 }
 
 void print(const counts &counted, const options &given, bool as_json)

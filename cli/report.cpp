@@ -6,21 +6,30 @@
 
 namespace {
 
-// Such as: the number 5
-std::string shown(const cJSON *value)
+// The same text in another type: "the number 5".
+std::string with_type(const cJSON *value)
 {
     if (cJSON_IsNumber(value))
         return "the number " + value_text(value);
     return cJSON_IsString(value) ? "the text \"" + value_text(value) + "\"" : value_text(value);
 }
 
+// Empty for a secret.
+std::string present_value(const change &wanted, const cJSON *found)
+{
+    if (wanted.described != nullptr && wanted.described->secret)
+        return "";
+    if (value_text(found) != wanted.value.value)
+        return ", the value is \"" + value_text(found) + "\"";
+    const char *const type = wanted.value.type == value_type::json ? "number" : "text";
+    return std::string(" as a ") + type + ", the value is " + with_type(found);
+}
+
 std::string refusal(const change &wanted, const cJSON *found)
 {
-    const bool same_text = value_text(found) == wanted.value.value;
-    std::string text = wanted.name.text() + ": \"" + wanted.value.value + "\" was not taken";
-    if (same_text)
-        text += std::string(wanted.value.number ? " as a number" : " as a text");
-    text += ", the value is " + (same_text ? shown(found) : "\"" + value_text(found) + "\"");
+    std::string text = wanted.name.text() + ": " +
+                       shown_value(wanted.value.value, wanted.described) + " was not taken" +
+                       present_value(wanted, found);
     if (wanted.described != nullptr)
         text += " (" + wanted.described->limits() + ")";
     return text;
@@ -28,23 +37,29 @@ std::string refusal(const change &wanted, const cJSON *found)
 
 } // namespace
 
+bool report_change(client &host, const change &wanted, const cJSON *values, outcome &result)
+{
+    const cJSON *const found = value_in(values, wanted.name);
+    if (found == nullptr) {
+        result.missing++;
+        print_message(no_such_setting(host, wanted.name));
+        return false;
+    }
+    if (!is_taken(wanted, found)) {
+        result.refused++;
+        print_message(refusal(wanted, found));
+        return false;
+    }
+    result.done++;
+    return true;
+}
+
 void report_changes(client &host, const std::vector<change> &changes, const cJSON *values,
                     bool as_json, outcome &result)
 {
     for (const change &one : changes) {
-        const cJSON *const module = member_of(values, one.name.module.c_str());
-        const cJSON *const found = member_of(module, one.name.member.c_str());
-        if (found == nullptr) {
-            result.missing++;
-            print_message(no_such_setting(host, one.name));
-        } else if (!is_taken(one, found)) {
-            result.refused++;
-            print_message(refusal(one, found));
-        } else {
-            result.done++;
-            if (!as_json)
-                print_value(one.name.text(), found);
-        }
+        if (report_change(host, one, values, result) && !as_json)
+            print_value(one.name.text(), value_in(values, one.name));
     }
     if (as_json)
         puts(print_pretty(values).c_str());

@@ -6,7 +6,10 @@
 #include "client/change.h"
 #include "client/outcome.h"
 
-// Compares the changes with the values that were read back, an object for each module, and counts.
-// Prints the accepted values on standard output and the rest as messages.
+// Compares a change with the value that was read back, in an object of modules, and counts. Prints
+// a message unless it was taken. Returns whether it was.
+bool report_change(client &host, const change &wanted, const cJSON *values, outcome &result);
+
+// The same for several. Prints the accepted values, or all as JSON, on standard output.
 void report_changes(client &host, const std::vector<change> &changes, const cJSON *values,
                     bool as_json, outcome &result);

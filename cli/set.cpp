@@ -32,16 +32,6 @@ std::vector<setting_value> parse(const std::vector<std::string> &texts)
     return values;
 }
 
-std::vector<std::string> modules_of(const std::vector<setting_value> &values)
-{
-    std::vector<std::string> modules;
-    for (const setting_value &value : values) {
-        if (std::find(modules.begin(), modules.end(), value.name.module) == modules.end())
-            modules.push_back(value.name.module);
-    }
-    return modules;
-}
-
 struct plan {
     std::vector<change> changes;
     outcome refused; // what cannot be sent
@@ -82,35 +72,39 @@ exit_code set_now(client &host, const std::vector<change> &changes, bool as_json
 {
     const json_ptr values(cJSON_CreateObject());
     for (const std::string &module : modules_of(changes))
-        send_changes(host, module, changes, cJSON_AddObjectToObject(values.get(), module.c_str()));
+        send_changes(host, module, changes, values.get());
     report_changes(host, changes, values.get(), as_json, result);
     return result.status();
 }
 
-json_ptr values_by_module(const std::vector<change> &changes)
+bool is_listed(const cJSON *names, const std::string &name)
 {
-    json_ptr modules(cJSON_CreateObject());
-    for (const change &one : changes) {
-        cJSON *module = cJSON_GetObjectItemCaseSensitive(modules.get(), one.name.module.c_str());
-        if (module == nullptr)
-            module = cJSON_AddObjectToObject(modules.get(), one.name.module.c_str());
-        add_value(module, one.value);
+    const cJSON *each = nullptr;
+    cJSON_ArrayForEach(each, names)
+    {
+        if (string_of(each) == name)
+            return true;
     }
-    return modules;
+    return false;
 }
 
 // The host takes the values back by itself.
-exit_code set_for_a_time(client &host, const std::vector<change> &changes, const options &given,
-                         bool as_json)
+exit_code set_for_a_time(client &host, const plan &made, const options &given, bool as_json)
 {
     json_ptr data(cJSON_CreateObject());
     cJSON_AddNumberToObject(data.get(), "seconds", given.confirm_s);
-    cJSON_AddItemToObject(data.get(), "set", values_by_module(changes).release());
+    cJSON *const values = cJSON_AddObjectToObject(data.get(), "set");
+    for (const change &one : made.changes)
+        add_setting(values, one.name, one.value.as_node());
     const json_ptr answer = host.call("api_set", "confirm", std::move(data));
     if (!answer)
         throw failure(OTHER, "the host does not take values back");
     if (as_json)
         puts(print_line(answer.get()).c_str());
+    for (const change &one : made.changes) {
+        if (!as_json && is_listed(member_of(answer.get(), "accepted"), one.name.text()))
+            print_value(one.name.text(), one.value.as_node().get());
+    }
     const cJSON *reason = nullptr;
     cJSON_ArrayForEach(reason, member_of(answer.get(), "refused"))
     {
@@ -120,7 +114,7 @@ exit_code set_for_a_time(client &host, const std::vector<change> &changes, const
     if (result.done > 0)
         print_message("set for " + std::to_string(given.confirm_s) +
                       " s; \"camparam confirm\" keeps it");
-    return result.status();
+    return (made.refused + result).status();
 }
 
 exit_code run(program &all, options &given)
@@ -133,7 +127,7 @@ exit_code run(program &all, options &given)
     const std::optional<description> described = describe(host, modules_of(requested));
     plan made = plan_all(host, requested, described, given);
     if (given.confirm_s > 0)
-        return set_for_a_time(host, made.changes, given, all.as_json);
+        return set_for_a_time(host, made, given, all.as_json);
     const exit_code status = set_now(host, made.changes, all.as_json, made.refused);
     if (given.wait_saved_s > 0 && made.refused.done > 0) {
         const exit_code saved = wait_until_saved(host, made.changes, given.wait_saved_s);
@@ -155,11 +149,13 @@ void add_set(const arguments &words, program &all)
     add_form_options(set, given.value);
     set.flag(given.partly, "--partly", "Set what can be set");
     set.flag(given.create, "--create", "Set what the host does not describe, as new keys");
-    set.number(given.wait_saved_s,
-               {"--wait-saved", "SECONDS", "Return when the camera has saved them"}, 0, 3600)
-        .is_usually("10");
+    const argument wait_saved =
+        set.number(given.wait_saved_s,
+                   {"--wait-saved", "SECONDS", "Return when the camera has saved them"}, 0, 3600)
+            .is_usually("10");
     set.integer(given.confirm_s,
                 {"--confirm", "SECONDS",
                  "Have the host take them back, unless \"camparam confirm\" comes in time"},
-                1, 3600);
+                1, 3600)
+        .excludes(wait_saved);
 }

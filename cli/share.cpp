@@ -18,10 +18,11 @@ template <size_t size> void fill(char (&field)[size], const std::string &text)
 std::string datagram_of(const std::string &module, int instance, const assignment &value)
 {
     para_share_datagram datagram = {};
-    datagram.type = value.number ? PARA_SHARE_NUMBER : PARA_SHARE_TEXT;
+    const bool is_number = value.type == value_type::json;
+    datagram.type = is_number ? PARA_SHARE_NUMBER : PARA_SHARE_TEXT;
     datagram.instance = static_cast<uint32_t>(instance);
-    if (value.number)
-        datagram.number = *parse_int(value.value);
+    if (is_number)
+        datagram.number = parse_int(value.value).value_or(0);
     else
         fill(datagram.text, value.value);
     fill(datagram.module, module);
@@ -53,6 +54,8 @@ exit_code run(program &all, options &chosen)
 {
     client host(all.server);
     const setting_value given = parse_setting_value(chosen.value);
+    if (given.name.member.empty())
+        throw failure(USAGE, "\"" + chosen.value + "\" is not of the form MODULE.MEMBER=VALUE");
     const std::string module = module_of(given.name.module, chosen.instance);
     const setting_value wanted = {{module, given.name.member}, given.value};
     const std::optional<description> described = describe(host, {module});
@@ -60,8 +63,7 @@ exit_code run(program &all, options &chosen)
 
     host.send(datagram_of(given.name.module, chosen.instance, planned.value));
     const json_ptr values(cJSON_CreateObject());
-    cJSON *const found = cJSON_AddObjectToObject(values.get(), module.c_str());
-    host.get(module, {planned.name.member}, found);
+    host.get(module, {planned.name.member}, values.get());
     outcome result;
     report_changes(host, {planned}, values.get(), all.as_json, result);
     return result.status();

@@ -15,7 +15,7 @@ struct options {
 void ask_host(client &host, const change &planned)
 {
     json_ptr data(cJSON_CreateObject());
-    add_value(cJSON_AddObjectToObject(data.get(), planned.name.module.c_str()), planned.value);
+    add_setting(data.get(), planned.name, planned.value.as_node());
     const json_ptr answer = host.call("api_get", "check", std::move(data));
     const cJSON *const refused = member_of(answer.get(), "refused");
     if (cJSON_GetArraySize(refused) > 0)
@@ -33,7 +33,7 @@ exit_code run(program &all, options &given)
     if (all.as_json) {
         const json_ptr result(cJSON_CreateObject());
         cJSON_AddStringToObject(result.get(), "setting", name.text().c_str());
-        add_value(result.get(), {"value", planned.value.value, planned.value.number});
+        cJSON_AddItemToObject(result.get(), "value", planned.value.as_node().release());
         puts(print_line(result.get()).c_str());
     } else {
         printf("%s=%s would be taken\n", visible(name.text()).c_str(),

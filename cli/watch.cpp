@@ -50,8 +50,8 @@ private:
         if (counts == found)
             return;
         const bool is_first = !counts;
-        counts = found;
         read_changes(is_first);
+        counts = found; // told by then
     }
 
     void read_changes(bool is_first)

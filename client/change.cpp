@@ -6,82 +6,117 @@ namespace {
 
 constexpr size_t longest_text = 255; // that the store reads back
 
-[[noreturn]] void refuse(const setting_value &value, const std::string &reason)
-{
-    throw failure(REFUSED, value.name.text() + ": " + reason);
-}
-
-std::string in_quotes(const setting_value &value)
-{
-    return "\"" + value.value + "\"";
-}
-
-void check_number(const setting_value &value, const std::string &limits)
-{
-    if (!parse_int(value.value))
-        refuse(value, in_quotes(value) + " is no 32-bit integer (" + limits + ")");
-}
-
-void check_range(const setting_value &value, const member_description &member)
-{
-    check_number(value, member.limits());
-    const std::optional<int> min = parse_int(member.min), max = parse_int(member.max);
-    const int number = parse_int(value.value).value_or(0);
-    if (min && max && (number < *min || number > *max))
-        refuse(value, in_quotes(value) + " is out of range (" + member.limits() + ")");
-}
-
-void check_name(const setting_value &value, const member_description &member)
-{
-    if (std::find(member.names.begin(), member.names.end(), value.value) == member.names.end())
-        refuse(value, "no " + in_quotes(value) + " here (" + member.limits() + ")");
-}
-
-void check_length(const setting_value &value)
-{
-    if (value.value.size() > longest_text)
-        refuse(value, "a text of " + std::to_string(value.value.size()) +
-                          " bytes, and the host keeps at most 255");
-}
-
-// --number and --text override the description.
-assignment with_form(const setting_value &value, value_form form)
-{
-    if (form == value_form::number)
-        check_number(value, "--number");
-    else
-        check_length(value);
-    return {value.name.member, value.value, form == value_form::number};
-}
-
-// An invalid value is not sent: the store would match a name by its beginning, or take an unknown
-// one for 0.
-assignment with_description(const setting_value &value, const member_description &member)
-{
-    if (member.kind == "number") {
-        const setting_value sent = {value.name, member.number_of(value.value)};
-        check_range(sent, member);
-        return {value.name.member, sent.value, true};
+// Makes one value ready to be sent, or throws a failure that says why it is not.
+class planning {
+public:
+    // Null: the host does not describe the setting.
+    planning(const setting_value &of, const member_description *described)
+        : value(of), member(described)
+    {
     }
-    if (!member.names.empty())
-        check_name(value, member);
-    check_length(value);
-    return {value.name.member, value.value, false};
-}
 
-assignment with_rules(const setting_value &value, const member_description *member,
-                      const change_rules &rules)
-{
-    if (member != nullptr && member->read_only)
-        refuse(value, "no request can change it");
-    if (rules.form != value_form::automatic)
-        return with_form(value, rules.form);
-    if (member == nullptr)
-        return with_form(value, value_form::text);
-    return with_description(value, *member);
-}
+    assignment plan(const change_rules &rules) const
+    {
+        if (member != nullptr && member->read_only)
+            refuse("no request can change it");
+        if (rules.form != value_form::automatic)
+            return by_form(rules.form);
+        return member != nullptr ? by_description() : by_form(value_form::text);
+    }
+
+private:
+    // --number and --text override the description.
+    assignment by_form(value_form form) const
+    {
+        if (form == value_form::number) {
+            check_int(value.value, "--number");
+            return as(value_type::json, value.value);
+        }
+        check_length();
+        return as(value_type::text, value.value);
+    }
+
+    // An invalid value is not sent: the store would match a name by its beginning, or take an
+    // unknown one for 0.
+    assignment by_description() const
+    {
+        const bool is_number = member->kind == "number";
+        if (member->kind == "json" || (is_number && !member->has_limits()))
+            return as_json();
+        if (is_number) {
+            const std::string number = member->number_of(value.value);
+            check_range(number);
+            return as(value_type::json, number);
+        }
+        if (!member->names.empty())
+            check_name();
+        check_length();
+        return as(value_type::text, value.value);
+    }
+
+    // Of the host's own modules: numbers of any size, and whatever else JSON has.
+    assignment as_json() const
+    {
+        const json_ptr parsed = parse_whole_json(value.value);
+        if (member->kind == "number" && !cJSON_IsNumber(parsed.get()))
+            refuse(shown() + " is no number");
+        if (parsed == nullptr)
+            refuse(shown() + " is no JSON");
+        return as(value_type::json, value.value);
+    }
+
+    int check_int(const std::string &number, const std::string &limits) const
+    {
+        const std::optional<int> parsed = parse_int(number);
+        if (!parsed)
+            refuse(shown() + " is no 32-bit integer (" + limits + ")");
+        return *parsed;
+    }
+
+    void check_range(const std::string &number) const
+    {
+        const int wanted = check_int(number, member->limits());
+        const std::optional<int> min = parse_int(member->min), max = parse_int(member->max);
+        if (min && max && (wanted < *min || wanted > *max))
+            refuse(shown() + " is out of range (" + member->limits() + ")");
+    }
+
+    void check_name() const
+    {
+        const std::vector<std::string> &names = member->names;
+        if (std::find(names.begin(), names.end(), value.value) == names.end())
+            refuse("no " + shown() + " here (" + member->limits() + ")");
+    }
+
+    void check_length() const
+    {
+        if (value.value.size() > longest_text)
+            refuse("a text of " + std::to_string(value.value.size()) +
+                   " bytes, and the host keeps at most 255");
+    }
+
+    [[noreturn]] void refuse(const std::string &reason) const
+    {
+        throw failure(REFUSED, value.name.text() + ": " + reason);
+    }
+
+    std::string shown() const { return shown_value(value.value, member); }
+
+    assignment as(value_type type, const std::string &text) const
+    {
+        return {value.name.member, text, type};
+    }
+
+    const setting_value &value;
+    const member_description *const member;
+};
 
 } // namespace
+
+std::string shown_value(const std::string &value, const member_description *member)
+{
+    return member != nullptr && member->secret ? "the value" : "\"" + value + "\"";
+}
 
 change plan_change(client &host, const setting_value &value,
                    const std::optional<description> &described, const change_rules &rules)
@@ -90,24 +125,28 @@ change plan_change(client &host, const setting_value &value,
         described ? described->find(value.name.module) : nullptr;
     const member_description *const member =
         module != nullptr ? module->find(value.name.member) : nullptr;
+    if (value.name.member.empty() && module != nullptr && member == nullptr)
+        throw failure(USAGE, "\"" + value.name.module +
+                                 "\" is a module; name a setting of it, as in \"" +
+                                 value.name.module + ".MEMBER=VALUE\"");
     if (!described && rules.form == value_form::automatic)
         throw failure(USAGE, "the host does not describe its settings; say with --number or "
                              "--text how their values are sent");
     if (described && member == nullptr && !rules.may_create)
         throw failure(NO_SUCH_SETTING, no_such_setting(host, value.name));
-    return {value.name, with_rules(value, member, rules), member,
+    return {value.name, planning(value, member).plan(rules), member,
             module != nullptr ? module->command : ""};
 }
 
 bool is_taken(const change &wanted, const cJSON *found)
 {
-    if (wanted.value.number)
-        return cJSON_IsNumber(found) && found->valuedouble == *parse_int(wanted.value.value);
+    if (wanted.value.type == value_type::json)
+        return cJSON_Compare(wanted.value.as_node().get(), found, 1) != 0;
     return cJSON_IsString(found) && string_of(found) == wanted.value.value;
 }
 
 void send_changes(client &host, const std::string &module, const std::vector<change> &changes,
-                  cJSON *found)
+                  cJSON *modules)
 {
     std::vector<assignment> values;
     std::vector<std::string> members;
@@ -120,15 +159,6 @@ void send_changes(client &host, const std::string &module, const std::vector<cha
         command = one.command;
     }
     host.set(module, command, values);
-    host.get(module, members, found);
-}
-
-std::vector<std::string> modules_of(const std::vector<change> &changes)
-{
-    std::vector<std::string> modules;
-    for (const change &one : changes) {
-        if (std::find(modules.begin(), modules.end(), one.name.module) == modules.end())
-            modules.push_back(one.name.module);
-    }
-    return modules;
+    const bool is_itself = members.size() == 1 && members[0].empty();
+    host.get(module, is_itself ? std::vector<std::string>{"all"} : members, modules);
 }

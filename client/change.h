@@ -21,6 +21,9 @@ struct change_rules {
     bool may_create = false; // settings that the host does not describe
 };
 
+// A value in quotes, as messages show it; a secret stands in none. The description may be null.
+std::string shown_value(const std::string &value, const member_description *member);
+
 // Checks the value against the description and chooses its type, unless the user has. Throws a
 // failure when it cannot be sent, or would not be taken.
 change plan_change(client &host, const setting_value &value,
@@ -29,9 +32,6 @@ change plan_change(client &host, const setting_value &value,
 // Whether the value that was read back is the wanted one.
 bool is_taken(const change &wanted, const cJSON *found);
 
-// Sends the changes of a module and adds its values of the changed members to the object.
+// Sends the changes of a module and adds the values that are then in force to an object of modules.
 void send_changes(client &host, const std::string &module, const std::vector<change> &changes,
-                  cJSON *found);
-
-// The modules of the changes, each once, in their order.
-std::vector<std::string> modules_of(const std::vector<change> &changes);
+                  cJSON *modules);

@@ -64,12 +64,10 @@ bool may_answer(const cJSON *request, const std::string &answer)
     return !answer.empty() && !is_other;
 }
 
-void add_value(cJSON *object, const assignment &value)
+json_ptr assignment::as_node() const
 {
-    if (value.number)
-        cJSON_AddNumberToObject(object, value.member.c_str(), parse_int(value.value).value_or(0));
-    else
-        cJSON_AddStringToObject(object, value.member.c_str(), value.value.c_str());
+    return type == value_type::json ? parse_json(value)
+                                    : json_ptr(cJSON_CreateString(value.c_str()));
 }
 
 json_ptr client::start_request(const char *type, const std::string &name)
@@ -93,7 +91,7 @@ json_ptr client::request_answer(const cJSON *request, bool id_may_lack)
     return answer;
 }
 
-bool client::get(const std::string &module, const std::vector<std::string> &members, cJSON *found)
+bool client::get(const std::string &module, const std::vector<std::string> &members, cJSON *modules)
 {
     const auto build = [&](const std::string *first, size_t count) {
         json_ptr request = start_request("get", "camparam");
@@ -110,15 +108,14 @@ bool client::get(const std::string &module, const std::vector<std::string> &memb
         const cJSON *const values = member_of(answer.get(), module.c_str());
         if (values == nullptr)
             return;
-        if (members == std::vector<std::string>{"all"} && !cJSON_IsObject(values)) {
-            cJSON_AddItemToObject(found, "", cJSON_Duplicate(values, 1));
-            answered = true;
-            return;
-        }
-        if (!cJSON_IsObject(values))
+        const bool is_itself = !cJSON_IsObject(values);
+        if (is_itself && members != std::vector<std::string>{"all"})
             throw failure(OTHER, "the host's answer for \"" + module + "\" is not understood");
+        if (is_itself)
+            cJSON_AddItemToObject(modules, module.c_str(), cJSON_Duplicate(values, 1));
+        else
+            copy_members(values, object_in(modules, module));
         answered = true;
-        copy_members(values, found);
     };
     send_in_parts(members.data(), members.size(), build, send);
     return answered;
@@ -131,10 +128,15 @@ void client::set(const std::string &module, const std::string &command,
     const auto build = [&](const assignment *first, size_t count) {
         json_ptr request =
             plain ? start_request("set", "camparam") : start_request("api_set", command);
+        if (first->member.empty()) {
+            cJSON_AddItemToObject(request.get(), module.c_str(), first->as_node().release());
+            return request;
+        }
         cJSON *const object =
             cJSON_AddObjectToObject(request.get(), plain ? module.c_str() : "data");
-        std::for_each(first, first + count,
-                      [&](const assignment &value) { add_value(object, value); });
+        std::for_each(first, first + count, [&](const assignment &value) {
+            cJSON_AddItemToObject(object, value.member.c_str(), value.as_node().release());
+        });
         return request;
     };
     send_in_parts(values.data(), values.size(), build,

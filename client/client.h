@@ -7,21 +7,28 @@
 #include "client/connection.h"
 #include "client/json.h"
 
+enum class value_type {
+    text,
+    json, // the text is JSON, a number for the most part
+};
+
 // A member and its new value.
 struct assignment {
-    std::string member;
+    json_ptr as_node() const;
+
+    std::string member; // empty: the module is itself the setting
     std::string value;
-    bool number; // sent as a number, as the text has passed parse_int(); else as a string
+    value_type type;
 };
 
 class client {
 public:
     explicit client(server_address address) : server(std::move(address)) {}
 
-    // Gets members of a module, or all for the one name "all", and adds them to the object. Returns
-    // whether the module answered. One that is itself a setting is added as the member without a
-    // name.
-    bool get(const std::string &module, const std::vector<std::string> &members, cJSON *found);
+    // Gets members of a module, or all for the one name "all", and adds the module to an object of
+    // modules: an object of members or, of a module that is itself a setting, its value. Returns
+    // whether the module answered.
+    bool get(const std::string &module, const std::vector<std::string> &members, cJSON *modules);
 
     // Sets members of a module by a set request, or by a command if one is named. The answer to a
     // set request does not tell what was accepted: read the values back.
@@ -58,6 +65,3 @@ private:
 // Whether a text may be the answer to a request, which is null when it is no JSON: it is not empty
 // and does not repeat the identifiers of another request.
 bool may_answer(const cJSON *request, const std::string &answer);
-
-// Adds a value to an object as a number or a string.
-void add_value(cJSON *object, const assignment &value);

@@ -147,7 +147,7 @@ std::string member_description::limits() const
             text += (&one == &names.front() ? " " : ", ") + one;
         return text;
     }
-    return min.empty() || max.empty() ? kind : kind + ", " + min + " to " + max;
+    return has_limits() ? kind + ", " + min + " to " + max : kind;
 }
 
 bool differs_from_default(const member_description &member)

@@ -23,6 +23,9 @@ struct member_description {
     // Such as "number, 0 to 100" or "one of AAC, G711A".
     std::string limits() const;
 
+    // Whether it is a number with a range.
+    bool has_limits() const { return !min.empty() && !max.empty(); }
+
     // The number of a name, or the text itself.
     std::string number_of(const std::string &text) const;
 };

@@ -13,15 +13,7 @@ json_ptr dump_of(const std::vector<described_setting> &settings)
         const cJSON *const value = member_of(setting.member->node, "current");
         if (setting.member->read_only || value == nullptr)
             continue;
-        const char *const name = setting.module->name.c_str();
-        if (setting.member->name.empty()) { // the module is itself the setting
-            cJSON_AddItemToObject(modules.get(), name, cJSON_Duplicate(value, 1));
-            continue;
-        }
-        cJSON *module = cJSON_GetObjectItemCaseSensitive(modules.get(), name);
-        if (module == nullptr)
-            module = cJSON_AddObjectToObject(modules.get(), name);
-        cJSON_AddItemToObject(module, setting.member->name.c_str(), cJSON_Duplicate(value, 1));
+        add_setting(modules.get(), setting.name(), json_ptr(cJSON_Duplicate(value, 1)));
     }
     return modules;
 }

@@ -48,6 +48,12 @@ const cJSON *member_of(const cJSON *object, const char *name)
     return cJSON_IsObject(object) ? cJSON_GetObjectItemCaseSensitive(object, name) : nullptr;
 }
 
+cJSON *object_in(cJSON *parent, const std::string &key)
+{
+    cJSON *const known = cJSON_GetObjectItemCaseSensitive(parent, key.c_str());
+    return known != nullptr ? known : cJSON_AddObjectToObject(parent, key.c_str());
+}
+
 std::string string_of(const cJSON *node)
 {
     return cJSON_IsString(node) && node->valuestring != nullptr ? node->valuestring : "";

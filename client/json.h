@@ -28,6 +28,9 @@ std::string value_text(const cJSON *node);
 // An object's member by its exact name, or null. The object may be null or of another type.
 const cJSON *member_of(const cJSON *object, const char *name);
 
+// The object under a key, made when there is none yet.
+cJSON *object_in(cJSON *parent, const std::string &key);
+
 // The text of a string node; empty for null and for any other type.
 std::string string_of(const cJSON *node);
 

@@ -10,6 +10,11 @@ struct outcome {
     int missing = 0; // no such setting
 
     exit_code status() const;
+
+    outcome operator+(const outcome &other) const
+    {
+        return {done + other.done, refused + other.refused, missing + other.missing};
+    }
 };
 
 // Counts the "accepted" and "refused" of an answer from a command that changes settings.

@@ -25,6 +25,31 @@ size_t find_equals(const std::string &text, const char *shape)
 
 } // namespace
 
+const cJSON *value_in(const cJSON *modules, const setting_name &name)
+{
+    const cJSON *const module = member_of(modules, name.module.c_str());
+    return name.member.empty() ? module : member_of(module, name.member.c_str());
+}
+
+void add_setting(cJSON *modules, const setting_name &name, json_ptr value)
+{
+    if (name.member.empty())
+        cJSON_AddItemToObject(modules, name.module.c_str(), value.release());
+    else
+        cJSON_AddItemToObject(object_in(modules, name.module), name.member.c_str(),
+                              value.release());
+}
+
+std::vector<std::string> modules_of(const std::vector<setting_name> &names)
+{
+    std::vector<std::string> modules;
+    for (const setting_name &name : names) {
+        if (std::find(modules.begin(), modules.end(), name.module) == modules.end())
+            modules.push_back(name.module);
+    }
+    return modules;
+}
+
 setting_name parse_setting_name(const std::string &text)
 {
     const size_t dot = text.find('.');
@@ -40,21 +65,18 @@ setting_name parse_setting_name(const std::string &text)
 
 setting_value parse_setting_value(const std::string &text)
 {
-    const char *const shape = "MODULE.MEMBER=VALUE";
-    const size_t equals = find_equals(text, shape);
-    const setting_name name = parse_setting_name(text.substr(0, equals));
-    if (name.member.empty())
-        throw failure(USAGE, "\"" + text + "\" is not of the form " + shape);
-    return {name, text.substr(equals + 1)};
+    const size_t equals = find_equals(text, "MODULE.MEMBER=VALUE");
+    return {parse_setting_name(text.substr(0, equals)), text.substr(equals + 1)};
 }
 
 assignment parse_assignment(const std::string &text, value_form form)
 {
     const size_t equals = find_equals(text, "MEMBER=VALUE");
-    assignment parsed = {text.substr(0, equals), text.substr(equals + 1), false};
+    assignment parsed = {text.substr(0, equals), text.substr(equals + 1), value_type::text};
     const bool is_int = parse_int(parsed.value).has_value();
     if (form == value_form::number && !is_int)
         throw failure(REFUSED, parsed.member + ": \"" + parsed.value + "\" is no 32-bit integer");
-    parsed.number = is_int && form != value_form::text;
+    if (is_int && form != value_form::text)
+        parsed.type = value_type::json;
     return parsed;
 }

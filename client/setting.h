@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "client/client.h"
 
@@ -13,6 +14,25 @@ struct setting_name {
     std::string text() const { return member.empty() ? module : module + "." + member; }
 };
 
+// Of an object of modules, such as a dump: the value of a setting or, without a member, of a
+// module. Null when there is none.
+const cJSON *value_in(const cJSON *modules, const setting_name &name);
+
+// Adds a value to such an object.
+void add_setting(cJSON *modules, const setting_name &name, json_ptr value);
+
+// The modules of settings, each once, in their order.
+std::vector<std::string> modules_of(const std::vector<setting_name> &names);
+
+// Of what has a name.
+template <typename named> std::vector<std::string> modules_of(const std::vector<named> &all)
+{
+    std::vector<setting_name> names;
+    for (const named &one : all)
+        names.push_back(one.name);
+    return modules_of(names);
+}
+
 // Parses MODULE[.MEMBER], or throws a failure.
 setting_name parse_setting_name(const std::string &text);
 
@@ -21,7 +41,8 @@ struct setting_value {
     std::string value;
 };
 
-// Parses MODULE.MEMBER=VALUE, or throws a failure. The value may be empty, and may contain "=".
+// Parses MODULE.MEMBER=VALUE, or MODULE=VALUE of a module that is itself a setting; or throws a
+// failure. The value may be empty, and may contain "=".
 setting_value parse_setting_value(const std::string &text);
 
 // The type of values in requests.

@@ -202,4 +202,40 @@ TEST_F(SetCommand, RefusesTheSameSettingTwice)
     EXPECT_FALSE(host_has_logged("af_set_notify"));
 }
 
+TEST_F(SetCommand, AModuleItselfTakesNoValue)
+{
+    start_host();
+
+    const run_result set = run({"set", "af=5"});
+    EXPECT_EQ(set.status, 2);
+    EXPECT_EQ(set.errors, "camparam: \"af\" is a module; name a setting of it, as in "
+                          "\"af.MEMBER=VALUE\"\n");
+    EXPECT_EQ(run({"set", "fa=5"}).status, 5);
+}
+
+TEST_F(SetCommand, MessagesShowNoSecrets)
+{
+    write_home("netport.conf", "key = 'hush'\n");
+    write_home("descriptions.json", "{'netport':{'key':{'secret':true}}}");
+    start_host();
+
+    const std::string longer(256, 's');
+    const run_result set = run({"set", "netport.key=" + longer});
+    EXPECT_EQ(set.status, 4);
+    EXPECT_EQ(set.errors.find(longer), std::string::npos) << set.errors;
+}
+
+TEST(ClientMessages, ShowNoSecretThatTheHostKeeps)
+{
+    const fake_server camera(describing("'net':{'members':{'key':{'kind':'text','secret':true}}}",
+                                        "'net':{'key':'hush'}"));
+
+    for (const std::vector<std::string> &words :
+         std::vector<std::vector<std::string>>{{"set", "net.key=other"}, {"load", "-"}}) {
+        const run_result set = run(words, R"({"net":{"key":"other"}})");
+        EXPECT_EQ(set.status, 4);
+        EXPECT_EQ(set.errors, "camparam: net.key: the value was not taken (text)\n");
+    }
+}
+
 } // namespace

@@ -46,7 +46,6 @@ TEST(ClientUsage, MistakesAreUsageErrors)
              {"get", ".zoom_value"},
              {"list", "af."},
              {"set", "af.zoom_value"},
-             {"set", "af=5"},
              {"set", "=5"},
              {"set", "af.=5"},
              {"set", "--number", "--text", "af.zoom_value=5"},

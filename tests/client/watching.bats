@@ -134,6 +134,17 @@ netport.key: secret -> secret  by 127.0.0.1' ]
     is 4 '{"confirmed":[]}' 'camparam: nothing waits to be confirmed'
 }
 
+@test "confirm: what is set for a time is shown, with what cannot be" {
+    run camparam set af.zoom_value=3 panel.level=4 --confirm 60
+    is 0 'af.zoom_value=3' 'panel.level=4' 'camparam: set for 60 s; "camparam confirm" keeps it'
+    camparam confirm
+    run camparam set --partly af.zoom_value=5 panel.level=44 --confirm 60
+    is 6 'camparam: panel.level: "44" is out of range (number, 0 to 9)' 'af.zoom_value=5' \
+        'camparam: set for 60 s; "camparam confirm" keeps it'
+    run camparam set af.zoom_value=5 --confirm 60 --wait-saved
+    [ "$status" = 2 ]
+}
+
 @test "set: tells of values that the host cannot take back" {
     camparam set netport.http_port=81 --confirm 60
     run camparam set af.zoom_value=3 --confirm 60
