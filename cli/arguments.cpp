@@ -10,12 +10,6 @@ argument argument::required() const
     return *this;
 }
 
-argument argument::or_from_environment(const char *variable) const
-{
-    option->envname(variable);
-    return *this;
-}
-
 argument argument::shows_default() const
 {
     option->capture_default_str();
@@ -82,7 +76,22 @@ argument arguments::texts(std::vector<std::string> &into, const argument_text &a
     return argument(app->add_option(about.name, into, about.help)->type_name(about.type));
 }
 
+argument arguments::several(std::vector<std::string> &into, const argument_text &about) const
+{
+    return argument(app->add_option(about.name, into, about.help)
+                        ->type_name(about.type)
+                        ->allow_extra_args(false));
+}
+
 argument arguments::integer(int &into, const argument_text &about, int min, int max) const
+{
+    return argument(app->add_option(about.name, into, about.help)
+                        ->type_name(about.type)
+                        ->check(CLI::Range(min, max)));
+}
+
+argument arguments::integer(std::optional<int> &into, const argument_text &about, int min,
+                            int max) const
 {
     return argument(app->add_option(about.name, into, about.help)
                         ->type_name(about.type)

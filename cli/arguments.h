@@ -18,7 +18,6 @@ public:
     explicit argument(CLI::Option *of) : option(of) {}
 
     argument required() const;
-    argument or_from_environment(const char *variable) const;
     argument shows_default() const;
     argument excludes(const argument &other) const;
     argument needs(const argument &other) const;
@@ -51,7 +50,10 @@ public:
     argument flag(bool &into, const char *name, const char *help) const;
     argument text(std::string &into, const argument_text &about) const;
     argument texts(std::vector<std::string> &into, const argument_text &about) const;
+    // An option that takes one text, and may be given several times.
+    argument several(std::vector<std::string> &into, const argument_text &about) const;
     argument integer(int &into, const argument_text &about, int min, int max) const;
+    argument integer(std::optional<int> &into, const argument_text &about, int min, int max) const;
     argument number(double &into, const argument_text &about) const;
     argument number(double &into, const argument_text &about, double min, double max) const;
     argument number(std::optional<double> &into, const argument_text &about) const;

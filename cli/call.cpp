@@ -44,7 +44,7 @@ json_ptr data_of(const std::vector<std::string> &members, value_form form)
 
 exit_code run(program &all, options &given)
 {
-    client host(all.server);
+    client host = all.connect();
     const json_ptr answer =
         host.call(given.type(), given.command,
                   given.members.empty() ? nullptr : data_of(given.members, given.value.form()));
@@ -53,8 +53,10 @@ exit_code run(program &all, options &given)
                                    "\", or refused it; it was sent as " + given.type() +
                                    ", see --set and --get");
 
-    if (all.as_json || cJSON_GetArraySize(answer.get()) > 0)
-        puts(all.as_json ? print_line(answer.get()).c_str() : print_pretty(answer.get()).c_str());
+    if (all.as_json)
+        print_json_line(answer.get());
+    else if (cJSON_GetArraySize(answer.get()) > 0)
+        print_json(answer.get());
     return outcome_of(answer.get()).status();
 }
 
@@ -63,7 +65,7 @@ exit_code run(program &all, options &given)
 void add_call(const arguments &words, program &all)
 {
     const auto [call, given] =
-        add_command(words, all, {"call", "Run a command that the host offers"}, run);
+        add_command<options>(words, all, {"call", "Run a command that the host offers", run});
     call.text(given.command, {"command", "COMMAND", "Name of the command"}).required();
     call.texts(given.members,
                {"members", "MEMBER=VALUE",

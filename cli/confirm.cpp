@@ -11,13 +11,13 @@ struct options {
 
 exit_code run(program &all, options &given)
 {
-    client host(all.server);
+    client host = all.connect();
     const json_ptr answer = host.call(given.show ? "api_get" : "api_set", "confirm", nullptr);
     const cJSON *const names = member_of(answer.get(), given.show ? "waiting" : "confirmed");
     if (!cJSON_IsArray(names))
         throw failure(OTHER, "the host takes no values back");
     if (all.as_json)
-        puts(print_line(answer.get()).c_str());
+        print_json_line(answer.get());
     const cJSON *name = nullptr;
     cJSON_ArrayForEach(name, names)
     {
@@ -33,7 +33,7 @@ exit_code run(program &all, options &given)
 
 void add_confirm(const arguments &words, program &all)
 {
-    const auto [confirm, given] =
-        add_command(words, all, {"confirm", "Keep what \"camparam set --confirm\" has set"}, run);
+    const auto [confirm, given] = add_command<options>(
+        words, all, {"confirm", "Keep what \"camparam set --confirm\" has set", run});
     confirm.flag(given.show, "--show", "Only show what waits to be confirmed");
 }

@@ -52,7 +52,7 @@ void print(const described_setting &setting)
 
 exit_code run(program &all, options &given)
 {
-    client host(all.server);
+    client host = all.connect();
     const description described = describe_selected(host, given.patterns, all.show_secrets);
     const json_ptr tree(cJSON_CreateObject());
     for (const described_setting &setting : select_settings(host, described, given.patterns)) {
@@ -63,7 +63,7 @@ exit_code run(program &all, options &given)
             print(setting);
     }
     if (all.as_json)
-        puts(print_pretty(tree.get()).c_str());
+        print_json(tree.get());
     return DONE;
 }
 
@@ -72,6 +72,8 @@ exit_code run(program &all, options &given)
 void add_describe(const arguments &words, program &all)
 {
     const auto [describe, given] =
-        add_command(words, all, {"describe", "Tell all that is known of settings"}, run);
+        add_command<options>(words, all,
+                             {"describe", "Tell all that is known of settings", run, nullptr,
+                              nullptr, file_access::reads});
     describe.texts(given.patterns, {"settings", "GLOB", "Modules or settings"}).required();
 }

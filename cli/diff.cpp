@@ -3,11 +3,13 @@
 #include "client/dump.h"
 #include "commands.h"
 #include "output.h"
+#include "several.h"
 
 namespace {
 
 struct options {
     std::string file;
+    json_ptr dump; // what it holds; null: no file
     std::vector<std::string> patterns;
 };
 
@@ -75,14 +77,6 @@ std::vector<difference> from_dump(const cJSON *expected, const cJSON *found,
     return differences;
 }
 
-std::string cell(const json_ptr &value)
-{
-    if (value == nullptr)
-        return "-";
-    const std::string text = value_text(value.get());
-    return text.empty() ? "\"\"" : visible(text);
-}
-
 void print_tree(const std::vector<difference> &differences, const char *expected)
 {
     const json_ptr tree(cJSON_CreateObject());
@@ -93,7 +87,7 @@ void print_tree(const std::vector<difference> &differences, const char *expected
         if (one.found != nullptr)
             cJSON_AddItemToObject(setting, "value", cJSON_Duplicate(one.found.get(), 1));
     }
-    puts(print_pretty(tree.get()).c_str());
+    print_json(tree.get());
 }
 
 void print_rows(const std::vector<difference> &differences, const char *expected)
@@ -102,20 +96,30 @@ void print_rows(const std::vector<difference> &differences, const char *expected
         return;
     std::vector<std::vector<std::string>> rows = {{"NAME", expected, "VALUE"}};
     for (const difference &one : differences)
-        rows.push_back({visible(one.name), cell(one.expected), cell(one.found)});
+        rows.push_back(
+            {visible(one.name), value_cell(one.expected.get()), value_cell(one.found.get())});
     print_table(rows);
+}
+
+void prepare(options &given)
+{
+    if (!given.file.empty())
+        given.dump = read_dump(given.file);
 }
 
 exit_code run(program &all, options &given)
 {
-    const bool has_file = !given.file.empty();
-    const json_ptr expected = has_file ? read_dump(given.file) : nullptr;
-    client host(all.server);
+    client host = all.connect();
     const description described = describe_selected(host, given.patterns, all.show_secrets);
     const std::vector<described_setting> settings =
         select_settings(host, described, given.patterns);
+    const bool has_file = given.dump != nullptr;
+    if (all.one_of_several && !has_file) { // they are compared with each other
+        print_json(dump_of(settings).get());
+        return DONE;
+    }
     const std::vector<difference> differences =
-        has_file ? from_dump(expected.get(), dump_of(settings).get(), given.patterns)
+        has_file ? from_dump(given.dump.get(), dump_of(settings).get(), given.patterns)
                  : from_defaults(settings);
     if (all.as_json)
         print_tree(differences, has_file ? "file" : "default");
@@ -124,14 +128,66 @@ exit_code run(program &all, options &given)
     return differences.empty() ? DONE : DIFFERENT;
 }
 
+// --- Of several hosts ---
+
+// All from the file, where any host differs from it.
+exit_code compare_with_file(const host_results &results)
+{
+    host_results hosts;
+    hosts.push_back({"FILE", DONE, nullptr});
+    for (const host_result &one : results)
+        hosts.push_back({one.host, one.status, nullptr});
+    host_table table(hosts);
+    const auto for_each_difference = [&](const auto &visit) {
+        for (size_t host = 0; host < results.size(); host++) {
+            const cJSON *setting = nullptr;
+            cJSON_ArrayForEach(setting, results[host].found.get())
+            {
+                visit(host, setting);
+            }
+        }
+    };
+    for_each_difference([&](size_t, const cJSON *setting) { // unless it differs, a host has it, too
+        const cJSON *const expected = member_of(setting, "file");
+        table.set(0, setting->string, expected);
+        for (size_t host = 0; host < results.size(); host++)
+            table.set(1 + host, setting->string,
+                      results[host].found != nullptr ? expected : nullptr);
+    });
+    for_each_difference([&](size_t host, const cJSON *setting) {
+        table.set(1 + host, setting->string, member_of(setting, "value"));
+    });
+    if (!table.is_empty())
+        table.print(value_cell);
+    return status_of(results);
+}
+
+exit_code compare(const program &all, const host_results &results, const options &given)
+{
+    if (given.dump != nullptr)
+        return all.as_json ? print_by_host(results) : compare_with_file(results);
+    host_table table(results);
+    for (size_t host = 0; host < results.size(); host++)
+        table.set_all(host, results[host].found.get());
+    table.keep_different();
+    if (all.as_json)
+        table.print_as_json();
+    else if (!table.is_empty())
+        table.print(value_cell);
+    const exit_code status = status_of(results);
+    return status == DONE && !table.is_empty() ? DIFFERENT : status;
+}
+
 } // namespace
 
 void add_diff(const arguments &words, program &all)
 {
-    const auto [diff, given] = add_command(
-        words, all,
-        {"diff", "Show what differs from its default, or from a dump; exit status 7 if anything"},
-        run);
+    const auto [diff, given] =
+        add_command<options>(words, all,
+                             {"diff",
+                              "Show what differs from its default, from a dump or between hosts; "
+                              "exit status 7 if anything",
+                              run, prepare, compare, file_access::reads});
     diff.text(given.file, {"file", "FILE", "A dump; \"-\" is standard input"});
     diff.texts(given.patterns, {"--only", "GLOB", "Only these modules or settings"});
 }

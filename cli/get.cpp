@@ -7,6 +7,7 @@
 #include "get.h"
 #include "list.h"
 #include "output.h"
+#include "several.h"
 
 namespace {
 
@@ -64,14 +65,25 @@ exit_code print_settings(client &host, const std::vector<std::string> &texts, bo
             print_values(name, found);
     }
     if (as_json)
-        puts(print_pretty(values.get()).c_str());
+        print_json(values.get());
 
     for (const setting_name &name : missing)
-        print_message(no_such_setting(host, name));
+        print_failure({NO_SUCH_SETTING, no_such_setting(host, name)});
     outcome result;
     result.missing = static_cast<int>(missing.size());
     result.done = static_cast<int>(names.size() - missing.size());
     return result.status();
+}
+
+exit_code compare_values(const program &all, const host_results &results)
+{
+    if (all.as_json)
+        return print_by_host(results);
+    host_table table(results);
+    for (size_t host = 0; host < results.size(); host++)
+        table.set_all(host, results[host].found.get());
+    table.print(value_cell);
+    return status_of(results);
 }
 
 namespace {
@@ -82,17 +94,24 @@ struct options {
 
 exit_code run(program &all, options &given)
 {
-    client host(all.server);
+    client host = all.connect();
     if (given.names.empty())
         return print_modules(host, {}, all);
     return print_settings(host, given.names, all.as_json);
+}
+
+exit_code compare(const program &all, const host_results &results, const options &)
+{
+    return compare_values(all, results);
 }
 
 } // namespace
 
 void add_get(const arguments &words, program &all)
 {
-    const auto [get, given] = add_command(words, all, {"get", "Print values, one per line"}, run);
+    const auto [get, given] = add_command<options>(
+        words, all,
+        {"get", "Print values, one per line", run, nullptr, compare, file_access::reads});
     get.texts(given.names,
               {"settings", "MODULE[.MEMBER]", "Modules or settings; none: lists the modules"});
 }

@@ -4,8 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "client/client.h"
-#include "client/failure.h"
+#include "program.h"
 
 // Of modules or settings, as texts on the command line.
 exit_code print_settings(client &host, const std::vector<std::string> &texts, bool as_json);
+
+// Of several hosts, each an object of modules.
+exit_code compare_values(const program &all, const host_results &results);

@@ -7,6 +7,7 @@
 #include "commands.h"
 #include "get.h"
 #include "output.h"
+#include "several.h"
 
 namespace {
 
@@ -24,12 +25,10 @@ std::string cell(const std::string &text)
 }
 
 // An empty text is a value, unlike an absent member.
-std::string value_cell(const member_description &member, const char *key, const std::string &text)
+std::string cell_of(const member_description &member, const char *key)
 {
     const cJSON *const value = member_of(member.node, key);
-    if (value == nullptr && member.secret)
-        return "secret";
-    return value != nullptr && text.empty() ? "\"\"" : cell(text);
+    return value == nullptr && member.secret ? "secret" : value_cell(value);
 }
 
 std::string mark_of(const member_description &member)
@@ -46,8 +45,8 @@ std::vector<std::string> row_of(const described_setting &setting)
             cell(member.kind),
             cell(member.min),
             cell(member.max),
-            value_cell(member, "default", member.default_value),
-            value_cell(member, "current", member.current),
+            cell_of(member, "default"),
+            cell_of(member, "current"),
             mark_of(member)};
 }
 
@@ -74,7 +73,7 @@ void print_tree(const std::vector<described_setting> &settings)
                               setting.member->name.c_str(),
                               cJSON_Duplicate(setting.member->node, 1));
     }
-    puts(print_pretty(tree.get()).c_str());
+    print_json(tree.get());
 }
 
 void print_rows(client &host, const std::vector<described_setting> &settings)
@@ -124,8 +123,32 @@ exit_code list_settings(client &host, const options &given, const program &all)
 
 exit_code run(program &all, options &given)
 {
-    client host(all.server);
+    client host = all.connect();
     return list_settings(host, given, all);
+}
+
+// Of a setting; or a value itself, from a host that does not describe its settings.
+std::string cell_by_host(const cJSON *found)
+{
+    if (member_of(found, "kind") == nullptr)
+        return value_cell(found);
+    if (cJSON_IsTrue(member_of(found, "secret")) && member_of(found, "current") == nullptr)
+        return "secret";
+    const cJSON *const usual = member_of(found, "default"), *const now =
+                                                                member_of(found, "current");
+    const bool differs = usual != nullptr && cJSON_Compare(usual, now, 1) == 0;
+    return value_cell(now) + (differs ? " *" : "");
+}
+
+exit_code compare(const program &all, const host_results &results, const options &)
+{
+    if (all.as_json)
+        return print_by_host(results);
+    host_table table(results);
+    for (size_t host = 0; host < results.size(); host++)
+        table.set_all(host, results[host].found.get());
+    table.print(cell_by_host);
+    return status_of(results);
 }
 
 } // namespace
@@ -147,7 +170,7 @@ exit_code print_modules(client &host, const std::vector<std::string> &names, con
         for (const module_description &module : described.modules)
             cJSON_AddNumberToObject(modules.get(), module.name.c_str(),
                                     static_cast<double>(module.members.size()));
-        puts(print_pretty(modules.get()).c_str());
+        print_json(modules.get());
         return DONE;
     }
     std::vector<std::vector<std::string>> rows = {{"MODULE", "SETTINGS"}};
@@ -159,9 +182,10 @@ exit_code print_modules(client &host, const std::vector<std::string> &names, con
 
 void add_list(const arguments &words, program &all)
 {
-    const auto [list, given] = add_command(
+    const auto [list, given] = add_command<options>(
         words, all,
-        {"list", "Show settings: kind, range, default and value; * marks a changed one"}, run);
+        {"list", "Show settings: kind, range, default and value; * marks a changed one", run,
+         nullptr, compare, file_access::reads});
     list.texts(given.patterns,
                {"settings", "GLOB", "Only these modules or settings, such as af or isp0.*gain*"});
     list.flag(given.changed, "--changed", "Only what differs from its default");

@@ -6,12 +6,15 @@
 #include "client/outcome.h"
 #include "commands.h"
 #include "output.h"
+#include "progress.h"
 #include "report.h"
+#include "several.h"
 
 namespace {
 
 struct options {
     std::string file;
+    json_ptr dump; // what it holds
     bool dry_run = false, replace = false, merge = false;
 };
 
@@ -73,7 +76,7 @@ std::vector<change> plan(client &host, const std::vector<setting_value> &values,
             if (error.code != REFUSED && error.code != NO_SUCH_SETTING)
                 throw;
             (error.code == REFUSED ? counted.refused : counted.unknown)++;
-            print_message(error.what());
+            print_failure(error);
         }
     }
     return changes;
@@ -82,7 +85,10 @@ std::vector<change> plan(client &host, const std::vector<setting_value> &values,
 void set_all(client &host, const std::vector<change> &changes, counts &counted)
 {
     outcome result;
-    for (const std::string &module : modules_of(changes)) {
+    const std::vector<std::string> modules = modules_of(changes);
+    progress done("modules", static_cast<double>(modules.size()));
+    for (const std::string &module : modules) {
+        done.step();
         const json_ptr values(cJSON_CreateObject());
         send_changes(host, module, changes, values.get());
         for (const change &one : changes) {
@@ -112,17 +118,21 @@ void print(const counts &counted, const options &given, bool as_json)
                                                     {"refused", counted.refused}};
     for (const auto &[name, number] : members)
         cJSON_AddNumberToObject(tree.get(), name, number);
-    puts(print_line(tree.get()).c_str());
+    print_json_line(tree.get());
+}
+
+void prepare(options &given)
+{
+    given.dump = read_dump(given.file);
 }
 
 exit_code run(program &all, options &given)
 {
-    const json_ptr dump = read_dump(given.file);
-    client host(all.server);
+    client host = all.connect();
     const std::optional<description> described = describe_selected(host, {}, true);
     counts counted;
     const std::vector<change> changes =
-        plan(host, wanted_values(dump.get(), *described, given.replace), described, counted);
+        plan(host, wanted_values(given.dump.get(), *described, given.replace), described, counted);
     if (given.dry_run)
         counted.changed = static_cast<int>(changes.size());
     else
@@ -131,12 +141,32 @@ exit_code run(program &all, options &given)
     return counted.result().status();
 }
 
+exit_code compare(const program &all, const host_results &results, const options &given)
+{
+    if (all.as_json)
+        return print_by_host(results);
+    const char *const changed = given.dry_run ? "WOULD CHANGE" : "CHANGED";
+    print_rows_by_host(results, {"PARSED", changed, "UNCHANGED", "UNKNOWN", "REFUSED"},
+                       [](const cJSON *counted) {
+                           std::vector<std::string> cells;
+                           const cJSON *count = nullptr;
+                           cJSON_ArrayForEach(count, counted)
+                           {
+                               cells.push_back(value_cell(count));
+                           }
+                           return cells;
+                       });
+    return status_of(results);
+}
+
 } // namespace
 
 void add_load(const arguments &words, program &all)
 {
-    const auto [load, given] = add_command(
-        words, all, {"load", "Set what a dump holds, and count what became of it"}, run);
+    const auto [load, given] =
+        add_command<options>(words, all,
+                             {"load", "Set what a dump holds, and count what became of it", run,
+                              prepare, compare, file_access::changes});
     load.text(given.file, {"file", "FILE", "The dump; \"-\" is standard input"}).required();
     load.flag(given.dry_run, "--dry-run", "Only tell what would change");
     const argument replace =

@@ -15,12 +15,12 @@ struct options {
 
 exit_code run(program &all, options &given)
 {
-    client host(all.server);
+    client host = all.connect();
     for (const logged_change &change : read_log(host, 0).changes) {
         if (!is_meant(given.patterns, change.name))
             continue;
         if (all.as_json) {
-            puts(print_line(change.entry.get()).c_str());
+            print_json_line(change.entry.get());
             continue;
         }
         printf("%s  %s: %s -> %s  by %s\n", time_text(change.time_ms).c_str(),
@@ -34,8 +34,8 @@ exit_code run(program &all, options &given)
 
 void add_log(const arguments &words, program &all)
 {
-    const auto [log, given] = add_command(
-        words, all, {"log", "Show the last changes, and who made them: the last 256 at the most"},
-        run);
+    const auto [log, given] = add_command<options>(
+        words, all,
+        {"log", "Show the last changes, and who made them: the last 256 at the most", run});
     log.texts(given.patterns, {"settings", "GLOB", "Only these modules or settings"});
 }

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 
 #include "client/suggest.h"
 #include "commands.h"
 #include "output.h"
+#include "several.h"
 
 namespace {
 
@@ -36,24 +38,43 @@ Exit status: 0 done, 1 other failure, 2 wrong usage, 3 no answer, 4 refused,
 
 void add_options(const arguments &words, program &all)
 {
-    words.text(all.host, {"--host", "HOST[:PORT]", "Name or address of the camera"})
-        .or_from_environment("CAMPARAM_HOST")
-        .shows_default();
+    const argument host =
+        words.several(all.hosts, {"--host", "HOST[:PORT]",
+                                  "Name or address of the camera, or of several; usually "
+                                  "$CAMPARAM_HOST or 127.0.0.1"});
+    const argument file =
+        words.text(all.hosts_file, {"--hosts", "FILE", "Hosts as well, one a line"});
+    words
+        .text(all.root,
+              {"--root", "HOME[:DATA]", "Work on a device's files instead, without a host"})
+        .excludes(host)
+        .excludes(file);
     words.integer(all.server.port, {"--port", "PORT", "UDP port of its message server"}, 1, 65535)
         .shows_default();
     words.number(all.server.timeout_s, {"--timeout", "SECONDS", "Seconds to wait for each answer"})
         .shows_default();
-    words
-        .integer(all.server.retries,
-                 {"--retries", "COUNT", "Repeats of a request without an answer"}, 0, 1000)
-        .shows_default();
+    words.integer(all.retries,
+                  {"--retries", "COUNT",
+                   "Repeats of a request without an answer, usually 2; given, they also wait for a "
+                   "port that is closed"},
+                  0, 1000);
     words.flag(all.as_json, "--json", "Print results as JSON");
     words.flag(all.show_secrets, "--show-secrets", "Show the values of secrets, too");
 }
 
 void check_options(program &all)
 {
-    set_host(all.server, all.host);
+    if (!all.hosts_file.empty())
+        read_hosts(all.hosts_file, all.hosts);
+    const char *const usual = getenv("CAMPARAM_HOST");
+    if (all.hosts.empty() && usual != nullptr)
+        all.hosts = {usual};
+    if (all.hosts.size() == 1)
+        set_host(all.server, all.hosts.front());
+    if (all.retries) {
+        all.server.retries = *all.retries;
+        all.server.waits_for_port = true;
+    }
     const double longest_s = 3600;
     if (!(all.server.timeout_s > 0 && all.server.timeout_s <= longest_s)) // false for NaN, too
         throw failure(USAGE, "--timeout takes seconds, more than 0 and at most 3600");
@@ -80,22 +101,32 @@ std::string unknown_command(const CLI::App &app, int argc, char **argv,
     return "";
 }
 
-int wrong_usage(const CLI::App &app, const CLI::ParseError &error, const std::string &unknown,
-                const std::vector<std::string> &known)
+exit_code wrong_usage(const CLI::App &app, const CLI::ParseError &error, const std::string &unknown,
+                      const std::vector<std::string> &known)
 {
+    if (error.get_exit_code() == 0) { // help that was asked for
+        app.exit(error);
+        return DONE;
+    }
     if (unknown.empty())
-        return app.exit(error) == 0 ? DONE : USAGE;
+        throw failure(USAGE, std::string(error.what()) + "; --help tells more");
     const std::string similar = most_similar(unknown, known);
-    print_message(
-        "no command \"" + unknown + "\"" +
-        (similar.empty() ? "; --help lists them" : "; did you mean \"" + similar + "\"?"));
-    return USAGE;
+    throw failure(USAGE, "no command \"" + unknown + "\"" +
+                             (similar.empty() ? "; --help lists them"
+                                              : "; did you mean \"" + similar + "\"?"));
+}
+
+bool is_given(int argc, char **argv, const std::string &option)
+{
+    return std::find(argv + 1, argv + argc, option) != argv + argc;
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
+    if (is_given(argc, argv, "--json"))
+        print_messages_as_json();
     program all;
     CLI::App app("Reads and changes the settings of a camera.", "camparam");
     app.footer(examples);
@@ -108,19 +139,13 @@ int main(int argc, char **argv)
     for (const command_adder add : commands)
         add(words, all);
 
-    try {
-        app.parse(argc, argv);
-        if (fflush(stdout) != 0 || ferror(stdout))
-            throw failure(OTHER, "cannot write the result");
-        return all.status;
-    } catch (const CLI::ParseError &error) {
-        const std::vector<std::string> known = words.commands();
-        return wrong_usage(app, error, unknown_command(app, argc, argv, known), known);
-    } catch (const failure &error) {
-        print_message(error.what());
-        return error.code;
-    } catch (const std::exception &error) {
-        print_message(error.what());
-        return OTHER;
-    }
+    return ended_well([&] {
+        try {
+            app.parse(argc, argv);
+            return all.status;
+        } catch (const CLI::ParseError &error) {
+            const std::vector<std::string> known = words.commands();
+            return wrong_usage(app, error, unknown_command(app, argc, argv, known), known);
+        }
+    });
 }

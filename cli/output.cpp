@@ -1,7 +1,13 @@
 #include "output.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "client/utf8.h"
 
 namespace {
 
@@ -23,14 +29,63 @@ std::vector<size_t> column_widths(const std::vector<std::vector<std::string>> &r
     return widths;
 }
 
-} // namespace
-
-namespace {
-
-// U+0080 to U+009F, which terminals obey as they obey ESC.
-bool is_second_of_control(unsigned before, unsigned byte)
+// U+007F to U+009F, which terminals obey as they obey ESC, given the bytes of one character.
+bool is_late_control(const std::string &character)
 {
-    return before == 0xc2 && (byte & 0xe0) == 0x80;
+    const auto byte = [&](size_t i) { return static_cast<unsigned char>(character[i]); };
+    return byte(0) == 0x7f || (byte(0) == 0xc2 && byte(1) < 0xa0);
+}
+
+std::string escaped(const char *form, unsigned number)
+{
+    char text[16];
+    snprintf(text, sizeof text, form, number);
+    return text;
+}
+
+// The characters of a text; such as are no UTF-8 byte by byte.
+template <typename visitor> void for_each_character(const std::string &text, const visitor &visit)
+{
+    for (size_t position = 0; position < text.size();) {
+        const size_t length = utf8_length_at(text, position);
+        const std::string character = text.substr(position, length > 0 ? length : 1);
+        visit(character, length > 0);
+        position += character.size();
+    }
+}
+
+// Control characters stand only in the strings of a JSON text.
+std::string printable_json(const std::string &text)
+{
+    std::string clean;
+    for_each_character(as_utf8(text), [&](const std::string &character, bool) {
+        const unsigned last = static_cast<unsigned char>(character.back());
+        clean += is_late_control(character) ? escaped("\\u%04x", last) : character;
+    });
+    return clean;
+}
+
+bool messages_are_json = false;
+
+// Escapes of terminals.
+constexpr const char *bold = "\033[1m", *red = "\033[31m", *yellow = "\033[33m";
+
+// In colour on a terminal alone, and unless the user wants none.
+std::string in_colour(int stream, const char *colour, const std::string &text)
+{
+    const char *const unwanted = getenv("NO_COLOR"), *const terminal = getenv("TERM");
+    const bool is_wanted = (unwanted == nullptr || *unwanted == '\0') && terminal != nullptr &&
+                           strcmp(terminal, "dumb") != 0;
+    return is_wanted && isatty(stream) == 1 ? colour + text + "\033[0m" : text;
+}
+
+// The header stands out, and rows with a mark.
+std::string coloured(const std::string &line, bool is_header)
+{
+    if (is_header)
+        return in_colour(STDOUT_FILENO, bold, line);
+    const bool is_marked = line.size() > 2 && line.compare(line.size() - 2, 2, " *") == 0;
+    return is_marked ? in_colour(STDOUT_FILENO, yellow, line) : line;
 }
 
 } // namespace
@@ -38,25 +93,16 @@ bool is_second_of_control(unsigned before, unsigned byte)
 std::string visible(const std::string &text)
 {
     std::string shown;
-    const auto escape = [&shown](unsigned byte) {
-        char digits[8];
-        snprintf(digits, sizeof digits, "\\x%02x", byte);
-        shown += digits;
-    };
-    unsigned before = 0;
-    for (const char letter : text) {
-        const unsigned byte = static_cast<unsigned char>(letter);
-        if (is_second_of_control(before, byte)) {
-            shown.pop_back();
-            escape(before);
-            escape(byte);
-        } else if (byte >= ' ' && byte != 0x7f) {
-            shown += letter;
-        } else {
-            escape(byte);
+    for_each_character(text, [&](const std::string &character, bool is_utf8) {
+        const bool is_control =
+            static_cast<unsigned char>(character[0]) < ' ' || is_late_control(character);
+        if (is_utf8 && !is_control) {
+            shown += character;
+            return;
         }
-        before = byte;
-    }
+        for (const char byte : character)
+            shown += escaped("\\x%02x", static_cast<unsigned char>(byte));
+    });
     return shown;
 }
 
@@ -68,8 +114,18 @@ void print_table(const std::vector<std::vector<std::string>> &rows)
         for (size_t column = 0; column < row.size(); column++)
             line += row[column] + std::string(widths[column] - width(row[column]) + 2, ' ');
         line.erase(line.find_last_not_of(' ') + 1);
-        puts(line.c_str());
+        puts(coloured(line, &row == &rows.front()).c_str());
     }
+}
+
+std::vector<std::vector<std::string>> transposed(const std::vector<std::vector<std::string>> &rows)
+{
+    std::vector<std::vector<std::string>> columns(rows.front().size());
+    for (const std::vector<std::string> &row : rows) {
+        for (size_t i = 0; i < row.size(); i++)
+            columns[i].push_back(row[i]);
+    }
+    return columns;
 }
 
 void print_value(const std::string &name, const cJSON *value)
@@ -77,8 +133,38 @@ void print_value(const std::string &name, const cJSON *value)
     printf("%s=%s\n", visible(name).c_str(), visible(value_text(value)).c_str());
 }
 
+void print_json(const cJSON *node)
+{
+    puts(printable_json(print_pretty(node)).c_str());
+}
+
+void print_json_line(const cJSON *node)
+{
+    puts(printable_json(print_line(node)).c_str());
+}
+
 void print_message(const std::string &text)
 {
+    print_failure({DONE, text});
+}
+
+void print_failure(const failure &what)
+{
     fflush(stdout); // keep the order of both streams
-    fprintf(stderr, "camparam: %s\n", visible(text).c_str());
+    if (!messages_are_json) {
+        const std::string name =
+            what.code != DONE ? in_colour(STDERR_FILENO, red, "camparam:") : "camparam:";
+        fprintf(stderr, "%s %s\n", name.c_str(), visible(what.what()).c_str());
+        return;
+    }
+    const json_ptr message(cJSON_CreateObject());
+    cJSON_AddStringToObject(message.get(), "message", what.what());
+    if (what.code != DONE)
+        cJSON_AddNumberToObject(message.get(), "status", what.code);
+    fprintf(stderr, "%s\n", printable_json(print_line(message.get())).c_str());
+}
+
+void print_messages_as_json()
+{
+    messages_are_json = true;
 }

@@ -10,7 +10,7 @@ struct options {};
 
 exit_code run(program &all, options &)
 {
-    client host(all.server);
+    client host = all.connect();
     const std::string request(std::istreambuf_iterator<char>(std::cin), {});
     const json_ptr tree = parse_json(request);
     // The store answers neither of these, so waiting would only time out.
@@ -29,6 +29,6 @@ exit_code run(program &all, options &)
 
 void add_raw(const arguments &words, program &all)
 {
-    add_command(words, all, {"raw", "Send the JSON request on standard input and print the answer"},
-                run);
+    add_command<options>(
+        words, all, {"raw", "Send the JSON request on standard input and print the answer", run});
 }

@@ -222,8 +222,8 @@ exit_code run(program &all, options &given)
 
 void add_record(const arguments &words, program &all)
 {
-    const auto [record, given] = add_command(
-        words, all, {"record", "Write down requests and answers on their way to the host"}, run);
+    const auto [record, given] = add_command<options>(
+        words, all, {"record", "Write down requests and answers on their way to the host", run});
     record.footer("Requests to the port are passed on to the host, and its answers back, until the "
                   "command is\ninterrupted. The file holds every value that is sent, secrets too.");
     record.text(given.file, {"file", "FILE", "File to write, a JSON object a line"}).required();

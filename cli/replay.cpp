@@ -9,6 +9,7 @@
 #include "client/recording.h"
 #include "commands.h"
 #include "output.h"
+#include "progress.h"
 
 namespace {
 
@@ -166,7 +167,7 @@ exit_code replayer::finish()
         cJSON_AddNumberToObject(object.get(), "requests", requests);
         cJSON_AddItemToObject(object.get(), "different", different.release());
         cJSON_AddNumberToObject(object.get(), "unanswered", unanswered);
-        puts(print_line(object.get()).c_str());
+        print_json_line(object.get());
     } else {
         printf("%d requests, %d answers differ, %d without an answer\n", requests, differ,
                unanswered);
@@ -183,7 +184,9 @@ exit_code run(program &all, options &given)
     const std::vector<recorded_request> recorded = read_recording(given.file);
     pace due(given.speed);
     replayer host(all.server, all.as_json);
+    progress done("requests", static_cast<double>(recorded.size()));
     for (const recorded_request &request : recorded) {
+        done.step();
         due.wait_for(request.time_ms);
         host.replay(request);
     }
@@ -194,8 +197,8 @@ exit_code run(program &all, options &given)
 
 void add_replay(const arguments &words, program &all)
 {
-    const auto [replay, given] = add_command(
-        words, all, {"replay", "Send recorded requests again and compare the answers"}, run);
+    const auto [replay, given] = add_command<options>(
+        words, all, {"replay", "Send recorded requests again and compare the answers", run});
     replay.footer("Members msg_id, time, started, uptime and saved_at of JSON answers are not "
                   "compared.");
     replay.text(given.file, {"file", "FILE", "Recording; \"-\" is standard input"}).required();

@@ -42,12 +42,12 @@ bool report_change(client &host, const change &wanted, const cJSON *values, outc
     const cJSON *const found = value_in(values, wanted.name);
     if (found == nullptr) {
         result.missing++;
-        print_message(no_such_setting(host, wanted.name));
+        print_failure({NO_SUCH_SETTING, no_such_setting(host, wanted.name)});
         return false;
     }
     if (!is_taken(wanted, found)) {
         result.refused++;
-        print_message(refusal(wanted, found));
+        print_failure({REFUSED, refusal(wanted, found)});
         return false;
     }
     result.done++;
@@ -62,5 +62,5 @@ void report_changes(client &host, const std::vector<change> &changes, const cJSO
             print_value(one.name.text(), value_in(values, one.name));
     }
     if (as_json)
-        puts(print_pretty(values).c_str());
+        print_json(values);
 }

@@ -54,7 +54,7 @@ void report(const cJSON *answer, bool as_json)
     }
     cJSON_ArrayForEach(name, member_of(answer, "refused"))
     {
-        print_message(std::string(name->string) + ": " + string_of(name));
+        print_failure({REFUSED, std::string(name->string) + ": " + string_of(name)});
     }
 }
 
@@ -75,7 +75,7 @@ exit_code run(program &all, options &given)
 {
     if (given.patterns.empty() != given.everything)
         throw failure(USAGE, "name settings, or everything with --all");
-    client host(all.server);
+    client host = all.connect();
     const description described = describe_selected(host, given.patterns, false);
     const std::vector<described_setting> settings =
         select_settings(host, described, given.patterns);
@@ -93,7 +93,7 @@ exit_code run(program &all, options &given)
         }
     }
     if (all.as_json)
-        puts(print_pretty(together.get()).c_str());
+        print_json(together.get());
     return outcome_of(together.get()).status();
 }
 
@@ -101,8 +101,9 @@ exit_code run(program &all, options &given)
 
 void add_reset(const arguments &words, program &all)
 {
-    const auto [reset, given] =
-        add_command(words, all, {"reset", "Set settings to their defaults"}, run);
+    const auto [reset, given] = add_command<options>(
+        words, all,
+        {"reset", "Set settings to their defaults", run, nullptr, nullptr, file_access::changes});
     reset.texts(given.patterns, {"settings", "GLOB", "Modules or settings"});
     reset.flag(given.everything, "--all", "Every setting");
 }

@@ -4,8 +4,10 @@
 #include "client/outcome.h"
 #include "client/saved.h"
 #include "commands.h"
+#include "get.h"
 #include "list.h"
 #include "output.h"
+#include "progress.h"
 #include "report.h"
 
 namespace {
@@ -50,7 +52,7 @@ plan plan_all(client &host, const std::vector<setting_value> &values,
             if (error.code != REFUSED && error.code != NO_SUCH_SETTING)
                 throw;
             (error.code == REFUSED ? made.refused.refused : made.refused.missing)++;
-            print_message(error.what());
+            print_failure(error);
         }
     }
     const bool all = made.changes.size() == values.size();
@@ -61,10 +63,11 @@ plan plan_all(client &host, const std::vector<setting_value> &values,
 
 exit_code wait_until_saved(client &host, const std::vector<change> &changes, double seconds)
 {
+    progress waited("seconds", seconds);
     const std::vector<unsaved_module> unsaved =
-        wait_until_saved(host, modules_of(changes), seconds);
+        wait_until_saved(host, modules_of(changes), seconds, [&] { waited.tell_time(); });
     for (const unsaved_module &module : unsaved)
-        print_message(module.name + " is not saved: " + module.reason);
+        print_failure({UNSAVED, module.name + " is not saved: " + module.reason});
     return unsaved.empty() ? DONE : UNSAVED;
 }
 
@@ -100,7 +103,7 @@ exit_code set_for_a_time(client &host, const plan &made, const options &given, b
     if (!answer)
         throw failure(OTHER, "the host does not take values back");
     if (as_json)
-        puts(print_line(answer.get()).c_str());
+        print_json_line(answer.get());
     for (const change &one : made.changes) {
         if (!as_json && is_listed(member_of(answer.get(), "accepted"), one.name.text()))
             print_value(one.name.text(), one.value.as_node().get());
@@ -108,7 +111,7 @@ exit_code set_for_a_time(client &host, const plan &made, const options &given, b
     const cJSON *reason = nullptr;
     cJSON_ArrayForEach(reason, member_of(answer.get(), "refused"))
     {
-        print_message(std::string(reason->string) + ": " + string_of(reason));
+        print_failure({REFUSED, std::string(reason->string) + ": " + string_of(reason)});
     }
     const outcome result = outcome_of(answer.get());
     if (result.done > 0)
@@ -119,7 +122,7 @@ exit_code set_for_a_time(client &host, const plan &made, const options &given, b
 
 exit_code run(program &all, options &given)
 {
-    client host(all.server);
+    client host = all.connect();
     if (is_list_of_modules(given.values))
         return print_modules(host, given.values, all);
 
@@ -136,13 +139,19 @@ exit_code run(program &all, options &given)
     return status;
 }
 
+exit_code compare(const program &all, const host_results &results, const options &)
+{
+    return compare_values(all, results);
+}
+
 } // namespace
 
 void add_set(const arguments &words, program &all)
 {
-    const auto [set, given] = add_command(
-        words, all, {"set", "Change settings and read them back: all or none, if one cannot be"},
-        run);
+    const auto [set, given] = add_command<options>(
+        words, all,
+        {"set", "Change settings and read them back: all or none, if one cannot be", run, nullptr,
+         compare, file_access::changes});
     set.texts(given.values,
               {"values", "MODULE.MEMBER=VALUE",
                "Settings and their new values; of modules alone shows what can be set"});

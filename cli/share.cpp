@@ -52,7 +52,7 @@ struct options {
 
 exit_code run(program &all, options &chosen)
 {
-    client host(all.server);
+    client host = all.connect();
     const setting_value given = parse_setting_value(chosen.value);
     if (given.name.member.empty())
         throw failure(USAGE, "\"" + chosen.value + "\" is not of the form MODULE.MEMBER=VALUE");
@@ -73,9 +73,9 @@ exit_code run(program &all, options &chosen)
 
 void add_share(const arguments &words, program &all)
 {
-    const auto [share, given] = add_command(
-        words, all, {"share", "Change a setting by share datagram and read it back by request"},
-        run);
+    const auto [share, given] = add_command<options>(
+        words, all,
+        {"share", "Change a setting by share datagram and read it back by request", run});
     share
         .text(given.value,
               {"value", "MODULE.MEMBER=VALUE", "Setting of video, audio or isp, and its new value"})

@@ -2,6 +2,7 @@
 
 #include "commands.h"
 #include "output.h"
+#include "several.h"
 #include "time_text.h"
 
 namespace {
@@ -46,13 +47,13 @@ void print_modules_of(const cJSON *modules)
 
 exit_code run(program &all, options &)
 {
-    client host(all.server);
+    client host = all.connect();
     const json_ptr answer = host.call("api_get", "status", nullptr);
     const cJSON *const modules = member_of(answer.get(), "modules");
     if (!cJSON_IsObject(modules))
         throw failure(OTHER, "the host does not tell its status");
     if (all.as_json) {
-        puts(print_pretty(answer.get()).c_str());
+        print_json(answer.get());
         return DONE;
     }
     const cJSON *const counters = member_of(answer.get(), "counters");
@@ -69,10 +70,38 @@ exit_code run(program &all, options &)
     return DONE;
 }
 
+std::vector<std::string> summary(const cJSON *answer)
+{
+    const cJSON *const counters = member_of(answer, "counters");
+    std::string unsaved;
+    const cJSON *module = nullptr;
+    cJSON_ArrayForEach(module, member_of(answer, "modules"))
+    {
+        if (state_of(module) != "saved")
+            unsaved += (unsaved.empty() ? "" : ", ") + std::string(module->string);
+    }
+    return {value_cell(member_of(answer, "version")),
+            span_text(number_of(answer, "uptime")),
+            std::to_string(number_of(counters, "received")),
+            std::to_string(number_of(counters, "saves")),
+            std::to_string(number_of(counters, "failed_saves")),
+            unsaved.empty() ? "-" : visible(unsaved)};
+}
+
+exit_code compare(const program &all, const host_results &results, const options &)
+{
+    if (all.as_json)
+        return print_by_host(results);
+    print_rows_by_host(
+        results, {"VERSION", "UP", "DATAGRAMS", "SAVES", "FAILED SAVES", "NOT AS SAVED"}, summary);
+    return status_of(results);
+}
+
 } // namespace
 
 void add_status(const arguments &words, program &all)
 {
-    add_command(words, all, {"status", "Show what is saved of each module, and how the host fares"},
-                run);
+    add_command<options>(words, all,
+                         {"status", "Show what is saved of each module, and how the host fares",
+                          run, nullptr, compare});
 }

@@ -44,7 +44,7 @@ std::vector<std::string> row_of(const style_list &styles, const std::string &nam
 void print(const style_list &styles, const std::vector<std::string> &names, bool as_json)
 {
     if (as_json) {
-        puts(print_pretty(styles.answer.get()).c_str());
+        print_json(styles.answer.get());
         return;
     }
     std::vector<std::vector<std::string>> rows;
@@ -106,7 +106,7 @@ struct options {
 
 exit_code run(program &all, options &given)
 {
-    client host(all.server);
+    client host = all.connect();
     if (given.name.empty())
         return show_styles(host, all.as_json);
     return apply_style(host, given.name, given.as_default, all.as_json);
@@ -116,8 +116,8 @@ exit_code run(program &all, options &given)
 
 void add_style(const arguments &words, program &all)
 {
-    const auto [style, given] = add_command(
-        words, all, {"style", "Show the picture styles, or apply one with all its values"}, run);
+    const auto [style, given] = add_command<options>(
+        words, all, {"style", "Show the picture styles, or apply one with all its values", run});
     const argument name = style.text(given.name, {"style", "NAME", "The style to apply"});
     style.flag(given.as_default, "--default", "Make it the default style, too").needs(name);
 }

@@ -25,7 +25,7 @@ void ask_host(client &host, const change &planned)
 
 exit_code run(program &all, options &given)
 {
-    client host(all.server);
+    client host = all.connect();
     const setting_name name = parse_setting_name(given.setting);
     const change planned = plan_change(host, {name, given.value}, describe(host, {name.module}),
                                        {given.form.form(), false});
@@ -34,7 +34,7 @@ exit_code run(program &all, options &given)
         const json_ptr result(cJSON_CreateObject());
         cJSON_AddStringToObject(result.get(), "setting", name.text().c_str());
         cJSON_AddItemToObject(result.get(), "value", planned.value.as_node().release());
-        puts(print_line(result.get()).c_str());
+        print_json_line(result.get());
     } else {
         printf("%s=%s would be taken\n", visible(name.text()).c_str(),
                visible(planned.value.value).c_str());
@@ -46,8 +46,10 @@ exit_code run(program &all, options &given)
 
 void add_test(const arguments &words, program &all)
 {
-    const auto [test, given] = add_command(
-        words, all, {"test", "Tell whether a value would be taken, and set nothing"}, run);
+    const auto [test, given] =
+        add_command<options>(words, all,
+                             {"test", "Tell whether a value would be taken, and set nothing", run,
+                              nullptr, nullptr, file_access::reads});
     test.text(given.setting, {"setting", "MODULE.MEMBER", "The setting"}).required();
     test.text(given.value, {"value", "VALUE", "Its value"}).required();
     add_form_options(test, given.form);

@@ -5,6 +5,8 @@
 #include <thread>
 
 #include "commands.h"
+#include "output.h"
+#include "progress.h"
 
 namespace {
 
@@ -22,7 +24,9 @@ struct options {
 // a poll is heard; a refusal is waited out.
 bool wait_for_host(const server_address &address, steady_clock::time_point until)
 {
+    progress waited("seconds", seconds(until - steady_clock::now()).count());
     while (true) {
+        waited.tell_time();
         const double left_s = seconds(until - steady_clock::now()).count();
         const auto next = steady_clock::now() + seconds(std::min(poll_s, left_s));
         if (left_s <= 0)
@@ -47,7 +51,7 @@ void print_outcome(bool answered, double took_s)
     const json_ptr object(cJSON_CreateObject());
     cJSON_AddBoolToObject(object.get(), "answered", answered);
     cJSON_AddNumberToObject(object.get(), "seconds", std::round(took_s * 10) / 10);
-    puts(print_line(object.get()).c_str());
+    print_json_line(object.get());
 }
 
 exit_code run(program &all, options &given)
@@ -73,6 +77,6 @@ exit_code run(program &all, options &given)
 void add_wait(const arguments &words, program &all)
 {
     const auto [wait, given] =
-        add_command(words, all, {"wait", "Wait until the host answers"}, run);
+        add_command<options>(words, all, {"wait", "Wait until the host answers", run});
     wait.number(given.longest_s, {"--for", "SECONDS", "Seconds to wait at most"}).shows_default();
 }

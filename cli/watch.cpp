@@ -20,7 +20,7 @@ struct options {
 
 class watcher {
 public:
-    watcher(program &of, const options &with) : all(of), given(with), host(of.server) {}
+    watcher(program &of, const options &with) : all(of), given(with), host(of.connect()) {}
 
     // Asks once; tells what has changed since the last time. A host that is away is waited for.
     void look()
@@ -77,7 +77,7 @@ private:
         if (!is_meant(given.patterns, change.name))
             return;
         if (all.as_json)
-            puts(print_line(change.entry.get()).c_str());
+            print_json_line(change.entry.get());
         else
             printf("%s=%s (was %s, by %s)\n", visible(change.name.text()).c_str(),
                    visible(change.value("new")).c_str(), visible(change.value("old")).c_str(),
@@ -124,8 +124,8 @@ exit_code run(program &all, options &given)
 
 void add_watch(const arguments &words, program &all)
 {
-    const auto [watch, given] =
-        add_command(words, all, {"watch", "Print a line for each change, as it is made"}, run);
+    const auto [watch, given] = add_command<options>(
+        words, all, {"watch", "Print a line for each change, as it is made", run});
     watch.texts(given.patterns, {"settings", "GLOB", "Only these modules or settings"});
     watch.text(given.command,
                {"--on", "COMMAND",

@@ -60,7 +60,7 @@ void print(const pair_list &pairs, bool as_json)
         cJSON_AddItemToArray(tree.get(), object);
     }
     if (as_json)
-        puts(print_pretty(tree.get()).c_str());
+        print_json(tree.get());
 }
 
 // The values that the page shows under a name: one for each module that shares it.
@@ -149,13 +149,13 @@ struct options {
 
 exit_code run_get(program &all, options &given)
 {
-    client host(all.server);
+    client host = all.connect();
     return get_page(host, given.page, all.as_json);
 }
 
 exit_code run_set(program &all, options &given)
 {
-    client host(all.server);
+    client host = all.connect();
     return set_page(host, given.page, given.query, all.as_json);
 }
 
@@ -166,10 +166,14 @@ void add_www(const arguments &words, program &all)
     const arguments www =
         words.group("www", "Read or change settings in the names of the web pages");
     const auto [get, page] =
-        add_command(www, all, {"get", "Print the values of a page, one per line"}, run_get);
+        add_command<options>(www, all,
+                             {"get", "Print the values of a page, one per line", run_get, nullptr,
+                              nullptr, file_access::reads});
     get.text(page.page, {"page", "PAGE", "Name of the page"}).required();
     const auto [set, given] =
-        add_command(www, all, {"set", "Change values of a page and read them back"}, run_set);
+        add_command<options>(www, all,
+                             {"set", "Change values of a page and read them back", run_set, nullptr,
+                              nullptr, file_access::changes});
     set.text(given.page, {"page", "PAGE", "Name of the page"}).required();
     set.text(given.query, {"query", "NAME=VALUE&...", "New values, sent without escaping"})
         .required();

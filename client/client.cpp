@@ -83,7 +83,7 @@ json_ptr client::start_request(const char *type, const std::string &name)
 json_ptr client::request_answer(const cJSON *request, bool id_may_lack)
 {
     json_ptr answer;
-    exchange(server, print_line(request), [&](const std::string &text) {
+    store->exchange(print_line(request), [&](const std::string &text) {
         answer = parse_json(text);
         return is_answer_to(request, answer.get()) &&
                (id_may_lack || member_of(answer.get(), "msg_id") != nullptr);
@@ -159,8 +159,8 @@ json_ptr client::call(const char *type, const std::string &command, json_ptr dat
 std::string client::raw(const std::string &request)
 {
     const json_ptr tree = parse_json(request);
-    return exchange(server, request,
-                    [&](const std::string &text) { return may_answer(tree.get(), text); });
+    return store->exchange(request,
+                           [&](const std::string &text) { return may_answer(tree.get(), text); });
 }
 
 std::string client::web(const char *type, const std::string &page, const std::string &query)
@@ -171,7 +171,7 @@ std::string client::web(const char *type, const std::string &page, const std::st
         cJSON_AddStringToObject(request.get(), "data", query.c_str());
     // Answers carry no identifier. JSON is no answer: a host without web names sends it. An error
     // text with a very long page name may be cut before its "=".
-    return exchange(server, print_line(request.get()), [&](const std::string &text) {
+    return store->exchange(print_line(request.get()), [&](const std::string &text) {
         const bool is_cut = !text.empty() && page.compare(0, text.size(), text) == 0;
         return is_cut || text.find('=') != std::string::npos;
     });
@@ -184,5 +184,5 @@ void client::ping()
 
 void client::send(const std::string &datagram)
 {
-    send_datagram(server, datagram);
+    store->send(datagram);
 }

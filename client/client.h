@@ -1,6 +1,7 @@
 // Requests to the store.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,7 +24,11 @@ struct assignment {
 
 class client {
 public:
-    explicit client(server_address address) : server(std::move(address)) {}
+    explicit client(std::unique_ptr<connection> way) : store(std::move(way)) {}
+    explicit client(server_address address)
+        : client(std::make_unique<network_connection>(std::move(address)))
+    {
+    }
 
     // Gets members of a module, or all for the one name "all", and adds the module to an object of
     // modules: an object of members or, of a module that is itself a setting, its value. Returns
@@ -58,7 +63,7 @@ private:
     // The answer to a request. Commands of other hosts, and the error answer, may lack "msg_id".
     json_ptr request_answer(const cJSON *request, bool id_may_lack);
 
-    server_address server;
+    std::unique_ptr<connection> store;
     int last_id = 0;
 };
 

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <optional>
 #include <regex>
+#include <thread>
 
 #include "client/datagram_socket.h"
 #include "client/failure.h"
@@ -47,12 +48,17 @@ std::string name_of(const server_address &server)
     return server.host + " port " + std::to_string(server.port);
 }
 
-std::string exchange(const server_address &server, const std::string &request,
-                     const std::function<bool(const std::string &answer)> &fits)
+void check_request_size(const std::string &request)
 {
     if (request.size() > PARA_MESSAGE_MAX)
         throw failure(USAGE, "the request has " + std::to_string(request.size()) +
                                  " bytes, the host takes " + std::to_string(PARA_MESSAGE_MAX));
+}
+
+std::string exchange(const server_address &server, const std::string &request,
+                     const std::function<bool(const std::string &answer)> &fits)
+{
+    check_request_size(request);
     return exchange_datagrams(server, request, fits);
 }
 
@@ -64,12 +70,18 @@ std::string exchange_datagrams(const server_address &server, const std::string &
         std::chrono::duration<double>(server.timeout_s));
     int unfit = 0;
     for (int sent = 0; sent <= server.retries; sent++) {
-        socket.send(request);
         const auto until = steady_clock::now() + timeout;
-        while (const std::optional<std::string> answer = socket.receive(until)) {
-            if (fits(*answer))
-                return *answer;
-            unfit++;
+        try {
+            socket.send(request);
+            while (const std::optional<std::string> answer = socket.receive(until)) {
+                if (fits(*answer))
+                    return *answer;
+                unfit++;
+            }
+        } catch (const failure &error) {
+            if (error.code != NO_ANSWER || !server.waits_for_port || sent == server.retries)
+                throw;
+            std::this_thread::sleep_until(until);
         }
     }
     no_answer(server, unfit);

@@ -31,7 +31,8 @@ bool can_be_saved(const cJSON *module)
 } // namespace
 
 std::vector<unsaved_module> wait_until_saved(client &host, const std::vector<std::string> &modules,
-                                             double seconds)
+                                             double seconds,
+                                             const std::function<void()> &while_waiting)
 {
     using clock = std::chrono::steady_clock;
     const auto end = clock::now() + std::chrono::duration_cast<clock::duration>(
@@ -53,6 +54,7 @@ std::vector<unsaved_module> wait_until_saved(client &host, const std::vector<std
         }
         if (unsaved.empty() || !may_be_saved || clock::now() >= end)
             return unsaved;
+        while_waiting();
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
     }
 }

@@ -17,8 +17,9 @@ constexpr sequence sequences[] = {
     {0xf8, 0xf0, 4, 0x10000},
 };
 
-// The length of the character that begins at the position; 0 for none.
-size_t length_at(const std::string &bytes, size_t position)
+} // namespace
+
+size_t utf8_length_at(const std::string &bytes, size_t position)
 {
     const auto byte = [&](size_t i) { return static_cast<unsigned char>(bytes[position + i]); };
     for (const sequence &form : sequences) {
@@ -38,16 +39,25 @@ size_t length_at(const std::string &bytes, size_t position)
     return 0;
 }
 
-} // namespace
-
 bool is_utf8(const std::string &bytes)
 {
     size_t position = 0;
     while (position < bytes.size()) {
-        const size_t length = length_at(bytes, position);
+        const size_t length = utf8_length_at(bytes, position);
         if (length == 0)
             return false;
         position += length;
     }
     return true;
+}
+
+std::string as_utf8(const std::string &bytes)
+{
+    std::string clean;
+    for (size_t position = 0; position < bytes.size();) {
+        const size_t length = utf8_length_at(bytes, position);
+        clean += length > 0 ? bytes.substr(position, length) : "\xef\xbf\xbd"; // U+FFFD
+        position += length > 0 ? length : 1;
+    }
+    return clean;
 }

@@ -1,5 +1,7 @@
 #include <chrono>
+#include <fstream>
 #include <set>
+#include <sstream>
 
 #include "cli/run.h"
 #include "host/host_process.h"
@@ -47,6 +49,47 @@ TEST_F(ClientNetwork, TellsOfTheOneRequestWithoutRetries)
     EXPECT_EQ(run({"get", "af", "--timeout", "0.05", "--retries", "0"}).errors,
               "camparam: no answer from 127.0.0.1 port 6800 to 1 request; --timeout and --retries "
               "wait longer\n");
+}
+
+// Datagrams that met a closed port of this network.
+int refused_datagrams()
+{
+    std::ifstream file("/proc/self/net/snmp");
+    std::string line;
+    while (std::getline(file, line) && line.find("Udp: ") != 0) {
+    }
+    std::getline(file, line); // the first names the numbers, the second holds them
+    std::istringstream numbers(line);
+    std::string name;
+    int received = 0, refused = 0;
+    numbers >> name >> received >> refused;
+    return refused;
+}
+
+TEST_F(ClientNetwork, RetriesThatAreAskedForWaitForAClosedPort)
+{
+    const int before = refused_datagrams();
+    process client({CAMPARAM, "get", "af", "--timeout", "0.2", "--retries", "1000"});
+    ASSERT_TRUE(wait_until([&] { return refused_datagrams() > before; }));
+    const fake_server camera([](const std::string &request) {
+        return std::vector<std::string>{reply_to(request, "'af':{'zoom_value':4}")};
+    });
+
+    EXPECT_EQ(client.wait_for_end(), 0);
+    EXPECT_EQ(client.output(), "af.zoom_value=4\n");
+    EXPECT_EQ(client.errors(), "");
+}
+
+TEST_F(ClientNetwork, AClosedPortIsToldAfterTheRetries)
+{
+    const int before = refused_datagrams();
+    const run_result got = run({"get", "af", "--timeout", "0.05", "--retries", "3"});
+
+    EXPECT_EQ(got.status, 3);
+    EXPECT_EQ(got.errors.find("camparam: nothing listens on"), 0U) << got.errors;
+    EXPECT_EQ(refused_datagrams() - before, 4);
+    EXPECT_EQ(run({"get", "af"}).status, 3);
+    EXPECT_EQ(refused_datagrams() - before, 5) << "at once, unless told otherwise";
 }
 
 TEST_F(ClientNetwork, WaitsForTheWholeTimeout)

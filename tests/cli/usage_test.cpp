@@ -116,7 +116,8 @@ TEST(ClientUsage, AMistypedCommandNamesTheNearest)
 {
     EXPECT_EQ(run({"lst"}).errors, "camparam: no command \"lst\"; did you mean \"list\"?\n");
     EXPECT_EQ(run({"statu", "--json"}).errors,
-              "camparam: no command \"statu\"; did you mean \"status\"?\n");
+              R"({"message":"no command \"statu\"; did you mean \"status\"?","status":2})"
+              "\n");
     EXPECT_EQ(run({"photograph"}).errors,
               "camparam: no command \"photograph\"; --help lists them\n");
     EXPECT_EQ(run({"lst"}).status, 2);

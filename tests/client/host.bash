@@ -37,6 +37,19 @@ start_host()
     wait_for grep -q ready "$folder/host.log"
 }
 
+# A second host on files of its own, at $other: start_other [LINE...], of its "netport.conf".
+start_other()
+{
+    mkdir -p "$folder/other"
+    cp -r "$folder/home" "$folder/other/home"
+    printf '%s\n' "$@" >>"$folder/other/home/netport.conf"
+    "$CAMPARAMD" --home "$folder/other/home" --data "$folder/other/data" --no-share --port 6802 \
+        2>"$folder/other.log" 3>&- &
+    other_process=$!
+    other=127.0.0.1:6802
+    wait_for grep -q ready "$folder/other.log"
+}
+
 end_host()
 {
     [ -z "${host_process-}" ] || { kill "$host_process" 2>/dev/null; wait "$host_process" || true; }
@@ -61,6 +74,7 @@ setup()
 teardown()
 {
     end_host
+    [ -z "${other_process-}" ] || { kill "$other_process"; wait "$other_process" || true; }
     rm -rf "$folder"
 }
 

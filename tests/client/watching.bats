@@ -131,7 +131,7 @@ netport.key: secret -> secret  by 127.0.0.1' ]
     run camparam confirm
     is 0 'netport.http_port'
     run camparam confirm --json
-    is 4 '{"confirmed":[]}' 'camparam: nothing waits to be confirmed'
+    is 4 '{"confirmed":[]}' '{"message":"nothing waits to be confirmed","status":4}'
 }
 
 @test "confirm: what is set for a time is shown, with what cannot be" {

@@ -1,0 +1,55 @@
+// A command on several hosts at once.
+#pragma once
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "program.h"
+
+// Adds the hosts that a file names, one a line; blank lines and what follows a "#" are left out.
+void read_hosts(const std::string &path, std::vector<std::string> &hosts);
+
+// Runs on each host, on eight at a time, each in a process of its own. Prints its messages.
+host_results run_on_each(program &all, const std::function<exit_code()> &run);
+
+// The status that all have, or the one of partial success.
+exit_code status_of(const host_results &results);
+
+// Prints what was found as one object: {"cam1": ..., "cam2": null}.
+exit_code print_by_host(const host_results &results);
+
+// Settings of hosts, side by side.
+class host_table {
+public:
+    explicit host_table(const host_results &results);
+
+    // A value that is kept by the results. Rows stand in the order in which they are first set.
+    void set(size_t host, const std::string &setting, const cJSON *value);
+    // The same for each value in an object of modules.
+    void set_all(size_t host, const cJSON *modules);
+
+    void keep_different();
+    bool is_empty() const { return rows.empty(); }
+
+    // Hosts in columns; in rows, if there are more hosts than settings.
+    void print(std::string (*cell)(const cJSON *value)) const;
+    void print_as_json() const;
+
+private:
+    struct row {
+        std::string setting;
+        std::vector<const cJSON *> values; // null: the host has no such setting
+    };
+
+    std::vector<std::string> hosts;
+    std::vector<row> rows;
+    std::unordered_map<std::string, size_t> places; // of settings in the rows
+};
+
+// A value as tables show it; "-" for none.
+std::string value_cell(const cJSON *value);
+
+// A row for each host.
+void print_rows_by_host(const host_results &results, std::vector<std::string> header,
+                        std::vector<std::string> (*cells)(const cJSON *found));
