@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <utility>
 
 argument argument::required() const
@@ -32,6 +33,90 @@ argument argument::is_usually(const std::string &value) const
 {
     option->expected(0, 1)->default_str(value);
     return *this;
+}
+
+namespace {
+
+const CLI::App *subcommand(const CLI::App &of, const std::string &name)
+{
+    for (const CLI::App *const each : of.get_subcommands({})) {
+        if (each->get_name() == name)
+            return each;
+    }
+    return nullptr;
+}
+
+// Options of the program may stand behind a command, too.
+const CLI::Option *option_named(const CLI::App *command, const std::string &name)
+{
+    for (; command != nullptr; command = command->get_parent()) {
+        if (const CLI::Option *const option = command->get_option_no_throw(name))
+            return option;
+    }
+    return nullptr;
+}
+
+std::vector<std::string> option_names(const CLI::App *command)
+{
+    std::vector<std::string> names;
+    for (; command != nullptr; command = command->get_parent()) {
+        for (const CLI::Option *const option : command->get_options()) {
+            for (const std::string &name : option->get_lnames()) {
+                if (std::find(names.begin(), names.end(), "--" + name) == names.end())
+                    names.push_back("--" + name);
+            }
+        }
+    }
+    return names;
+}
+
+// The type of a positional argument, the last of which may be repeated; empty: there is none.
+std::string positional_type(const CLI::App &command, size_t number)
+{
+    const CLI::Option *last = nullptr;
+    size_t count = 0;
+    for (const CLI::Option *const option : command.get_options()) {
+        if (!option->get_positional())
+            continue;
+        last = option;
+        if (count++ == number)
+            return option->get_type_name();
+    }
+    return last != nullptr && last->get_items_expected_max() > 1 ? last->get_type_name() : "";
+}
+
+} // namespace
+
+argument_place arguments::place_of(const std::vector<std::string> &before,
+                                   const std::string &word) const
+{
+    argument_place place;
+    const CLI::App *command = app;
+    const CLI::Option *waiting = nullptr; // for its value
+    for (const std::string &each : before) {
+        const CLI::App *const chosen = subcommand(*command, each);
+        if (waiting != nullptr) {
+            place.options["--" + waiting->get_lnames().front()] = each;
+            waiting = nullptr;
+        } else if (each.compare(0, 1, "-") == 0) {
+            const CLI::Option *const option = option_named(command, each);
+            waiting = option != nullptr && option->get_items_expected_min() > 0 ? option : nullptr;
+        } else if (chosen != nullptr) {
+            command = chosen;
+            place.commands.push_back(each);
+        } else {
+            place.values.push_back(each);
+        }
+    }
+    if (waiting != nullptr)
+        place.type = waiting->get_type_name();
+    else if (word.compare(0, 1, "-") == 0)
+        place.names = option_names(command);
+    else if (!command->get_subcommands({}).empty() && place.values.empty())
+        place.names = arguments(const_cast<CLI::App *>(command)).commands();
+    else
+        place.type = positional_type(*command, place.values.size());
+    return place;
 }
 
 std::vector<std::string> arguments::commands() const

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,8 +36,20 @@ struct argument_text {
     const char *help;
 };
 
+// Where a word stands that is to be completed.
+struct argument_place {
+    std::vector<std::string> commands;          // chosen, such as "www" and "get"
+    std::map<std::string, std::string> options; // given before, with their values
+    std::vector<std::string> values;            // of the command, given before
+    std::vector<std::string> names;             // of the commands or options that may stand here
+    std::string type;                           // of the value that is expected; empty: none
+};
+
 class arguments {
 public:
+    // The place of a word behind others.
+    argument_place place_of(const std::vector<std::string> &before, const std::string &word) const;
+
     std::vector<std::string> commands() const; // names
 
     explicit arguments(CLI::App *of) : app(of) {}

@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "client/suggest.h"
 #include "commands.h"
+#include "complete.h"
 #include "output.h"
 #include "several.h"
 
@@ -139,6 +141,10 @@ int main(int argc, char **argv)
     for (const command_adder add : commands)
         add(words, all);
 
+    if (argc > 1 && strcmp(argv[1], "--complete-args") == 0) {
+        print_completions(words, all, {argv + 2, argv + argc});
+        return DONE;
+    }
     return ended_well([&] {
         try {
             app.parse(argc, argv);

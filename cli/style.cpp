@@ -118,6 +118,6 @@ void add_style(const arguments &words, program &all)
 {
     const auto [style, given] = add_command<options>(
         words, all, {"style", "Show the picture styles, or apply one with all its values", run});
-    const argument name = style.text(given.name, {"style", "NAME", "The style to apply"});
+    const argument name = style.text(given.name, {"style", "STYLE", "The style to apply"});
     style.flag(given.as_default, "--default", "Make it the default style, too").needs(name);
 }

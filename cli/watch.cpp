@@ -128,7 +128,7 @@ void add_watch(const arguments &words, program &all)
         words, all, {"watch", "Print a line for each change, as it is made", run});
     watch.texts(given.patterns, {"settings", "GLOB", "Only these modules or settings"});
     watch.text(given.command,
-               {"--on", "COMMAND",
+               {"--on", "SHELL-COMMAND",
                 "Run for each, with CAMPARAM_SETTING, CAMPARAM_OLD, CAMPARAM_NEW, CAMPARAM_BY"});
     watch.number(given.seconds, {"--for", "SECONDS", "End after so long"}, 0, 1e9);
 }

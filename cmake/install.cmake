@@ -21,6 +21,10 @@ if(CAMPARAM_TOOLS)
     install(TARGETS camparam_client LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_SKIP)
     install(FILES cli/camparam.bash RENAME camparam
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+    install(FILES cli/camparam.zsh RENAME _camparam
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+    install(FILES cli/camparam.fish
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/camparam)

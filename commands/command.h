@@ -23,6 +23,7 @@ answered answer_confirm(const request &request, json_builder &reply);
 answered answer_describe(const request &request, json_builder &reply);
 answered answer_lens(const request &request, json_builder &reply);
 answered answer_log(const request &request, json_builder &reply);
+answered answer_pages(const request &request, json_builder &reply);
 answered answer_reload(const request &request, json_builder &reply);
 answered answer_reset(const request &request, json_builder &reply);
 answered answer_save(const request &request, json_builder &reply);

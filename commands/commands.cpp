@@ -73,15 +73,16 @@ constexpr command describe = {
     .name = "describe", .get = true, .set = false, .answer = answer_describe};
 constexpr command lens = {.name = "lens", .get = false, .set = true, .answer = answer_lens};
 constexpr command log = {.name = "log", .get = true, .set = false, .answer = answer_log};
+constexpr command pages = {.name = "pages", .get = true, .set = false, .answer = answer_pages};
 constexpr command reload = {.name = "reload", .get = false, .set = true, .answer = answer_reload};
 constexpr command reset = {.name = "reset", .get = false, .set = true, .answer = answer_reset};
 constexpr command save = {.name = "save", .get = true, .set = true, .answer = answer_save};
 constexpr command status = {.name = "status", .get = true, .set = false, .answer = answer_status};
 constexpr command style = {.name = "style", .get = true, .set = true, .answer = answer_style};
 
-constexpr param_command rows[] = {
-    row_of<changes>, row_of<check>, row_of<confirm>, row_of<describe>, row_of<lens>, row_of<log>,
-    row_of<reload>,  row_of<reset>, row_of<save>,    row_of<status>,   row_of<style>};
+constexpr param_command rows[] = {row_of<changes>, row_of<check>, row_of<confirm>, row_of<describe>,
+                                  row_of<lens>,    row_of<log>,   row_of<pages>,   row_of<reload>,
+                                  row_of<reset>,   row_of<save>,  row_of<status>,  row_of<style>};
 
 } // namespace
 

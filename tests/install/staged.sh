@@ -13,6 +13,8 @@ for file in usr/bin/camparam usr/bin/camparamd \
     "$lib/cmake/camparam/camparam-config.cmake" \
     "$lib/cmake/camparam/camparam-config-version.cmake" \
     "$lib/pkgconfig/camparam.pc" "$lib/pkgconfig/camparam-platform.pc" \
+    usr/share/bash-completion/completions/camparam usr/share/zsh/vendor-completions/_camparam \
+    usr/share/fish/vendor_completions.d/camparam.fish \
     usr/include/camparam/camparam.h usr/include/camparam/af_members.def; do
     [ -e "$folder/$file" ] || { echo "missing: $file"; exit 1; }
 done
