@@ -1,6 +1,5 @@
 #include "json.h"
 
-#include <cstring>
 #include <utility>
 
 cJSON *json_builder::added(cJSON *node)
@@ -62,10 +61,10 @@ json_ptr json_builder::take()
     return std::move(tree);
 }
 
-size_t json_builder::compact_length() const
+void json_builder::become(json_ptr other)
 {
-    const printed_ptr text(cJSON_PrintUnformatted(tree.get()));
-    return text != nullptr ? strlen(text.get()) : 0;
+    tree = std::move(other);
+    complete = tree != nullptr;
 }
 
 json_ptr json_builder::take_compact()

@@ -22,9 +22,10 @@ public:
 
     // Memory ran out for what would be a part.
     void lack() { complete = false; }
+    bool is_complete() const { return complete; }
 
-    // Bytes of the tree's compact text; 0 when memory ran out.
-    size_t compact_length() const;
+    // Makes another tree the root; null: memory ran out.
+    void become(json_ptr other);
 
     // The tree; null unless it is complete.
     json_ptr take();

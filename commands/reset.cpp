@@ -3,9 +3,13 @@
 #include <utility>
 
 #include "command.h"
+#include "moment.h"
+#include "repeated.h"
 #include "setting.h"
 
 namespace {
+
+given_answers answers; // the store's thread only
 
 const cJSON *default_of(const cJSON *member)
 {
@@ -130,6 +134,8 @@ answered answer_reset(const request &request, json_builder &reply)
 {
     if (request.data == nullptr)
         return answered::invalid;
+    if (answers.give_again(request.message, reply))
+        return answered::now;
     const cJSON *names = nullptr;
     cJSON_ArrayForEach(names, request.data)
     {
@@ -142,5 +148,6 @@ answered answer_reset(const request &request, json_builder &reply)
     {
         resetting(names->string, texts, result).reset(names);
     }
+    answers.keep(request.message, reply, monotonic_ms() + repeats_ms);
     return answered::now;
 }

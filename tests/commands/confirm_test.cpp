@@ -84,6 +84,35 @@ TEST_F(ConfirmCommand, LeavesWhatOthersHaveSetSince)
     EXPECT_EQ(port(), 11);
 }
 
+// On the kit's thread, while it takes the lens back.
+static std::atomic<bool> is_taking_back{false}, may_go_on{false};
+
+static void stop_at_default(int (*)(int), int value)
+{
+    if (value != default_number)
+        return;
+    is_taking_back = true;
+    wait_until([] { return may_go_on.load(); });
+}
+
+TEST_F(ConfirmCommand, WaitsUntilAllIsTakenBack)
+{
+    para_profile.af_set_notify_hook = stop_at_default;
+    start_store();
+    set_for(1, "{'af':{'zoom_value':9},'netport':{'port':'9'}}");
+    ASSERT_TRUE(wait_until([] { return is_taking_back.load(); }));
+    EXPECT_EQ(set_for(60, "{'netport':{'port':'10'}}"),
+              "{'accepted':[],'refused':{'netport.port':'another change waits to be confirmed'}}");
+    EXPECT_EQ(confirm(), "{'confirmed':[]}") << "it is too late";
+    EXPECT_EQ(ask("confirm"), "{'waiting':[]}");
+    may_go_on = true;
+    EXPECT_TRUE(wait_until([] { return port() == default_number; }));
+    EXPECT_TRUE(wait_until([&] {
+        return set_for(60, "{'netport':{'port':'10'}}") ==
+               "{'accepted':['netport.port'],'refused':{}}";
+    }));
+}
+
 TEST_F(ConfirmCommand, RefusesWhatCannotBeTakenBack)
 {
     static std::atomic<int> sets{0};
