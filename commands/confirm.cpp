@@ -236,15 +236,31 @@ void tell_waiting(json_builder &reply)
     }
 }
 
-bool holds_objects(const cJSON *modules)
+// Only one of two values of a member can be in force.
+bool names_each_once(const cJSON *object)
 {
+    if (!cJSON_IsObject(object))
+        return false;
+    const cJSON *item = nullptr;
+    cJSON_ArrayForEach(item, object)
+    {
+        if (cJSON_GetObjectItemCaseSensitive(object, item->string) != item)
+            return false;
+    }
+    return true;
+}
+
+bool can_be_in_force(const cJSON *modules)
+{
+    if (!names_each_once(modules))
+        return false;
     const cJSON *module = nullptr;
     cJSON_ArrayForEach(module, modules)
     {
-        if (!cJSON_IsObject(module))
+        if (!names_each_once(module))
             return false;
     }
-    return cJSON_IsObject(modules) != 0;
+    return true;
 }
 
 } // namespace
@@ -263,7 +279,7 @@ answered answer_confirm(const request &request, json_builder &reply)
         return answered::now;
     }
     const cJSON *const seconds = cJSON_GetObjectItemCaseSensitive(request.data, "seconds");
-    if (!holds_objects(wanted) || !is_int(seconds) || seconds->valueint < 1 ||
+    if (!can_be_in_force(wanted) || !is_int(seconds) || seconds->valueint < 1 ||
         seconds->valueint > most_seconds)
         return answered::invalid;
     set_for(seconds->valueint, wanted, request.message, reply);

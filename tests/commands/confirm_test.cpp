@@ -155,7 +155,9 @@ TEST_F(ConfirmCommand, RefusesOtherForms)
           "{'seconds':3601,'set':{'af':{'zoom_value':9}}}",
           "{'seconds':1.5,'set':{'af':{'zoom_value':9}}}",
           "{'seconds':'1','set':{'af':{'zoom_value':9}}}", "{'seconds':1,'set':[]}",
-          "{'seconds':1,'set':{'af':9}}", "{'seconds':1,'set':null}"})
+          "{'seconds':1,'set':{'af':9}}", "{'seconds':1,'set':null}",
+          "{'seconds':1,'set':{'af':{'zoom_value':9,'zoom_value':8}}}",
+          "{'seconds':1,'set':{'af':{'zoom_value':9},'af':{'zoom_value':8}}}"})
         EXPECT_EQ(ask("confirm", details, "api_set"), invalid) << details;
     EXPECT_EQ(kind_named("Af").get(), default_number);
 }
