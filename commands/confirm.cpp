@@ -70,9 +70,7 @@ bool take_back(const cJSON *old, const cJSON *set)
     const cJSON *value = nullptr;
     cJSON_ArrayForEach(value, old)
     {
-        const cJSON *const current =
-            cJSON_GetObjectItemCaseSensitive(now.find(value->string), "current");
-        if (cJSON_Compare(current, cJSON_GetObjectItemCaseSensitive(set, value->string), 1) != 0)
+        if (now.is_in_force(cJSON_GetObjectItemCaseSensitive(set, value->string)))
             values.value(values.root(), value->string, json_ptr(cJSON_Duplicate(value, 1)));
     }
     const json_ptr members = values.take();
@@ -126,8 +124,7 @@ json_ptr values_in_force(const cJSON *wanted, const descriptions &texts, outcome
         const cJSON *member = nullptr;
         cJSON_ArrayForEach(member, module)
         {
-            const cJSON *const current =
-                cJSON_GetObjectItemCaseSensitive(now.find(member->string), "current");
+            const cJSON *const current = now.current(member->string);
             const bool can_be = now.is_of_store() && current != nullptr;
             if (!can_be)
                 result.add(setting_name(module->string, member->string).text,
@@ -155,10 +152,8 @@ void set_all(const cJSON *wanted, const descriptions &texts, outcome &result)
         const cJSON *member = nullptr;
         cJSON_ArrayForEach(member, module)
         {
-            const cJSON *const current =
-                cJSON_GetObjectItemCaseSensitive(now.find(member->string), "current");
             result.add(setting_name(module->string, member->string).text,
-                       cJSON_Compare(current, member, 1) != 0 ? no_reason : reason{"not taken"});
+                       now.is_in_force(member) ? no_reason : reason{"not taken"});
         }
     }
 }

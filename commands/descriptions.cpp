@@ -12,6 +12,7 @@
 #include "base/memory.h"
 #include "camparam/control.h"
 #include "camparam/platform.h"
+#include "json.h"
 
 namespace {
 
@@ -64,23 +65,11 @@ bool add_copy(cJSON *to, const char *key, const cJSON *item)
     return add_to_object(to, key, json_ptr(cJSON_Duplicate(item, 1)));
 }
 
-bool is_true(const cJSON *object, const char *key)
-{
-    return cJSON_IsTrue(cJSON_GetObjectItemCaseSensitive(object, key)) != 0;
-}
-
 // "video*" stands for each module whose name begins so.
 bool is_meant(const char *pattern, const char *module)
 {
     const size_t length = strlen(pattern);
     return length > 0 && pattern[length - 1] == '*' && strncmp(pattern, module, length - 1) == 0;
-}
-
-bool is_kind(const cJSON *member, const char *kind)
-{
-    const char *const found =
-        cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(member, "kind"));
-    return found != nullptr && strcmp(found, kind) == 0;
 }
 
 } // namespace
@@ -149,6 +138,18 @@ bool descriptions::complete(const char *module, const char *name, cJSON *member,
         added = added && cJSON_AddTrueToObject(member, "secret") != nullptr;
     }
     return added;
+}
+
+bool is_kind(const cJSON *member, const char *kind)
+{
+    const char *const found =
+        cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(member, "kind"));
+    return found != nullptr && strcmp(found, kind) == 0;
+}
+
+bool is_read_only(const cJSON *member)
+{
+    return is_true(member, "read_only");
 }
 
 static constexpr const char *values[] = {"default", "start", "current"};

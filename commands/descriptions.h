@@ -29,6 +29,10 @@ private:
     bool starved = false;
 };
 
+// Of a member's description.
+bool is_kind(const cJSON *member, const char *kind);
+bool is_read_only(const cJSON *member);
+
 // What of a description is a value: "default", "start" and "current".
 bool is_value(const char *key);
 void drop_values(cJSON *member);

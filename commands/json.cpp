@@ -35,18 +35,12 @@ void json_builder::truth(cJSON *parent, const char *key)
 
 void json_builder::value(cJSON *parent, const char *key, json_ptr value)
 {
-    if (value == nullptr || cJSON_AddItemToObject(parent, key, value.get()) == 0)
-        complete = false;
-    else
-        static_cast<void>(value.release());
+    complete = add_to_object(parent, key, std::move(value)) && complete;
 }
 
 void json_builder::append(cJSON *array, json_ptr element)
 {
-    if (element == nullptr || cJSON_AddItemToArray(array, element.get()) == 0)
-        complete = false;
-    else
-        static_cast<void>(element.release());
+    complete = add_to_array(array, std::move(element)) && complete;
 }
 
 void json_builder::append(cJSON *array, const char *text)
@@ -72,6 +66,11 @@ json_ptr json_builder::take_compact()
     const json_ptr taken = take();
     const printed_ptr text(cJSON_PrintUnformatted(taken.get()));
     return json_ptr(text != nullptr ? cJSON_CreateRaw(text.get()) : nullptr);
+}
+
+bool is_true(const cJSON *object, const char *key)
+{
+    return cJSON_IsTrue(cJSON_GetObjectItemCaseSensitive(object, key)) != 0;
 }
 
 bool is_flag(const cJSON *node)

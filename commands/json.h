@@ -40,6 +40,9 @@ private:
     bool complete = tree != nullptr;
 };
 
+// Whether the object's member is true.
+bool is_true(const cJSON *object, const char *key);
+
 // Flags of requests: absent, a number or a truth value.
 bool is_flag(const cJSON *node);
 bool is_flag_set(const cJSON *flag); // nonzero or true

@@ -8,11 +8,7 @@ static bool add_failed(cJSON *reply, const cJSON *failed)
         return false;
     if (failed->child == nullptr)
         return true;
-    json_ptr copy(cJSON_Duplicate(failed, 1));
-    if (copy == nullptr || cJSON_AddItemToObject(reply, "failed", copy.get()) == 0)
-        return false;
-    static_cast<void>(copy.release());
-    return true;
+    return add_to_object(reply, "failed", json_ptr(cJSON_Duplicate(failed, 1)));
 }
 
 void send_late(int socket, const sockaddr_in &client, json_ptr reply, const cJSON *failed)

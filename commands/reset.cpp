@@ -22,11 +22,6 @@ bool has_default(const cJSON *member)
                          1) != 0;
 }
 
-bool is_read_only(const cJSON *member)
-{
-    return cJSON_IsTrue(cJSON_GetObjectItemCaseSensitive(member, "read_only")) != 0;
-}
-
 reason obstacle_to(const cJSON *member)
 {
     if (member == nullptr)
@@ -116,9 +111,8 @@ private:
         const cJSON *value = nullptr;
         cJSON_ArrayForEach(value, values.get())
         {
-            const bool taken = has_default(after.find(value->string));
             result.add(setting_name(name, value->string).text,
-                       taken ? no_reason : reason{"not taken"});
+                       after.is_in_force(value) ? no_reason : reason{"not taken"});
         }
     }
 

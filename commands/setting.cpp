@@ -32,12 +32,6 @@ int row_of(const char *name)
 
 constexpr size_t longest_text = 255;
 
-const char *kind_of(const cJSON *member)
-{
-    const char *const kind = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(member, "kind"));
-    return kind != nullptr ? kind : "";
-}
-
 // Numbers of the host's own modules may be any.
 reason fault_of_number(const cJSON *member, const cJSON *value)
 {
@@ -88,6 +82,16 @@ const cJSON *module_settings::find(const char *member) const
     return cJSON_GetObjectItemCaseSensitive(members.get(), member);
 }
 
+const cJSON *module_settings::current(const char *member) const
+{
+    return cJSON_GetObjectItemCaseSensitive(find(member), "current");
+}
+
+bool module_settings::is_in_force(const cJSON *value) const
+{
+    return cJSON_Compare(current(value->string), value, 1) != 0;
+}
+
 const cJSON *module_settings::first() const
 {
     return members != nullptr ? members->child : nullptr;
@@ -102,14 +106,13 @@ reason fault_of(const cJSON *member, const cJSON *value)
 {
     if (member == nullptr)
         return {"no such member"};
-    if (cJSON_IsTrue(cJSON_GetObjectItemCaseSensitive(member, "read_only")) != 0)
+    if (is_read_only(member))
         return {"read-only"};
-    const char *const kind = kind_of(member);
-    if (strcmp(kind, "number") == 0)
+    if (is_kind(member, "number"))
         return fault_of_number(member, value);
-    if (strcmp(kind, "enum") == 0)
+    if (is_kind(member, "enum"))
         return fault_of_name(member, value);
-    return strcmp(kind, "text") == 0 ? fault_of_text(value) : no_reason;
+    return is_kind(member, "text") ? fault_of_text(value) : no_reason;
 }
 
 bool set_members(const para_module &row, const cJSON *values)

@@ -19,6 +19,11 @@ public:
     const cJSON *find(const char *member) const;
     const cJSON *first() const;
 
+    // The value of a member; null when there is none.
+    const cJSON *current(const char *member) const;
+    // Whether it is the value of the member of its name.
+    bool is_in_force(const cJSON *value) const;
+
     // Whether the store holds the values, and not a module of the host's own.
     bool is_of_store() const;
 
