@@ -5,9 +5,6 @@
 
 #include "page.h"
 
-// Of a member alone: what a datagram holds, less the reply's other members. A conf value may be
-// longer than everything else together.
-static constexpr size_t longest_member = 65000;
 // Quotes, colons, braces and commas, and the names of the members.
 static constexpr size_t frame_of_module = sizeof R"("":{"set":"","members":{}},)";
 static constexpr size_t frame_of_member = sizeof R"("":,)";
@@ -34,17 +31,6 @@ bool description_page::is_wanted(const char *module) const
 bool description_page::is_told(int member) const
 {
     return current.row < from.row || (current.row == from.row && member < from.member);
-}
-
-// Bytes as they stand in JSON text, at the most.
-static size_t longest_text(const char *text)
-{
-    size_t length = 0;
-    for (; *text != '\0'; text++) {
-        const auto byte = static_cast<unsigned char>(*text);
-        length += byte < ' ' || byte == '"' || byte == '\\' ? 6 : 1;
-    }
-    return length;
 }
 
 bool description_page::make_room_for(size_t bytes, bool always)
@@ -74,8 +60,22 @@ void description_page::begin_module(int row, const para_module &module, const ch
     command = setter;
     members = nullptr;
     // A module without members is told, too.
-    if (!is_told(0) && make_room_for(frame_of_module + longest_text(name), used == 0))
+    if (!is_told(0) && make_room_for(frame_of_module + longest_in_json(name), used == 0))
         add_module();
+}
+
+// A value or text may be longer than a datagram. Null when memory runs out.
+static printed_ptr print_to_fit(cJSON *member)
+{
+    static constexpr void (*const parts[])(cJSON *) = {drop_values, drop_texts, drop_names};
+    printed_ptr text(cJSON_PrintUnformatted(member));
+    for (const auto drop : parts) {
+        if (text == nullptr || strlen(text.get()) <= most_listed_bytes)
+            break;
+        drop(member);
+        text.reset(cJSON_PrintUnformatted(member));
+    }
+    return text;
 }
 
 void description_page::take(const char *member_name, json_ptr member)
@@ -90,18 +90,15 @@ void description_page::take(const char *member_name, json_ptr member)
         current.member++;
         return;
     }
-    printed_ptr text(cJSON_PrintUnformatted(member.get()));
-    if (text != nullptr && strlen(text.get()) > longest_member) {
-        drop_values(member.get());
-        text.reset(cJSON_PrintUnformatted(member.get()));
-    }
+    const printed_ptr text = print_to_fit(member.get());
     if (text == nullptr) {
         reply.lack();
         return;
     }
-    const size_t of_module = members == nullptr ? frame_of_module + longest_text(name) : 0;
+    const size_t of_module = members == nullptr ? frame_of_module + longest_in_json(name) : 0;
     // A page holds one member at least.
-    if (!make_room_for(of_module + frame_of_member + longest_text(member_name) + strlen(text.get()),
+    if (!make_room_for(of_module + frame_of_member + longest_in_json(member_name) +
+                           strlen(text.get()),
                        !has_members))
         return;
     has_members = true;

@@ -168,3 +168,14 @@ void drop_values(cJSON *member)
     for (const char *value : values)
         cJSON_DeleteItemFromObjectCaseSensitive(member, value);
 }
+
+void drop_texts(cJSON *member)
+{
+    for (const char *text : texts)
+        cJSON_DeleteItemFromObjectCaseSensitive(member, text);
+}
+
+void drop_names(cJSON *member)
+{
+    cJSON_DeleteItemFromObjectCaseSensitive(member, "names");
+}

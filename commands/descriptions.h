@@ -12,8 +12,9 @@ public:
     // one the values are taken out, unless they are to be shown. Returns false when memory ran out.
     bool complete(const char *module, const char *name, cJSON *member, bool show_secrets) const;
 
-    // Where the file is there and cannot be used, every text may be a secret.
-    bool is_secret(const char *module, const char *member, bool is_text) const;
+    // Where the file is there and cannot be used, everything that is or holds a text may be a
+    // secret.
+    bool is_secret(const char *module, const char *member, bool may_hold_text) const;
 
     // Why the file cannot be used; null: it can, or is not there.
     const char *fault() const { return problem; }
@@ -36,3 +37,5 @@ bool is_read_only(const cJSON *member);
 // What of a description is a value: "default", "start" and "current".
 bool is_value(const char *key);
 void drop_values(cJSON *member);
+void drop_texts(cJSON *member); // "unit", "label" and "help"
+void drop_names(cJSON *member);

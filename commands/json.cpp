@@ -68,6 +68,16 @@ json_ptr json_builder::take_compact()
     return json_ptr(text != nullptr ? cJSON_CreateRaw(text.get()) : nullptr);
 }
 
+size_t longest_in_json(const char *text)
+{
+    size_t length = 0;
+    for (; *text != '\0'; text++) {
+        const auto byte = static_cast<unsigned char>(*text);
+        length += byte < ' ' || byte == '"' || byte == '\\' ? 6 : 1;
+    }
+    return length;
+}
+
 bool is_true(const cJSON *object, const char *key)
 {
     return cJSON_IsTrue(cJSON_GetObjectItemCaseSensitive(object, key)) != 0;

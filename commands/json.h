@@ -40,6 +40,9 @@ private:
     bool complete = tree != nullptr;
 };
 
+// Bytes of a text as it stands in JSON, without its quotes, at the most.
+size_t longest_in_json(const char *text);
+
 // Whether the object's member is true.
 bool is_true(const cJSON *object, const char *key);
 

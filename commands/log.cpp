@@ -22,7 +22,9 @@ void add_value(json_builder &entry, const char *name, const para_value &value)
         entry.number(entry.root(), name, value.number);
 }
 
-json_ptr entry_of(const logged_change &change, const descriptions &texts)
+enum class detail { all, no_values };
+
+json_ptr entry_of(const logged_change &change, const descriptions &texts, detail told)
 {
     const bool is_text = change.before.text != nullptr || change.after.text != nullptr;
     const bool secret = texts.is_secret(change.module, change.member, is_text);
@@ -33,7 +35,7 @@ json_ptr entry_of(const logged_change &change, const descriptions &texts)
     entry.text(entry.root(), "member", change.member);
     if (secret) {
         entry.truth(entry.root(), "secret");
-    } else {
+    } else if (told == detail::all) {
         add_value(entry, "old", change.before);
         add_value(entry, "new", change.after);
     }
@@ -51,8 +53,12 @@ public:
 
     bool take(const logged_change &change) override
     {
-        json_ptr entry = entry_of(change, texts);
-        const printed_ptr text(cJSON_PrintUnformatted(entry.get()));
+        json_ptr entry = entry_of(change, texts, detail::all);
+        printed_ptr text(cJSON_PrintUnformatted(entry.get()));
+        if (text != nullptr && strlen(text.get()) > most_listed_bytes) {
+            entry = entry_of(change, texts, detail::no_values);
+            text.reset(cJSON_PrintUnformatted(entry.get()));
+        }
         if (text == nullptr) {
             reply.lack();
             return false;

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "page.h"
+
 reason out_of_range(int min, int max)
 {
     reason why = {};
@@ -14,9 +16,28 @@ outcome::outcome(json_builder &in)
 {
 }
 
+// With the quotes, commas and white space of cJSON_Print().
+bool outcome::has_room_for(const char *name, const reason &why)
+{
+    constexpr size_t frame = sizeof "\t\t\"\":\t\"\",\n";
+    used += frame + longest_in_json(name) + longest_in_json(why.text);
+    return used <= most_listed_bytes;
+}
+
+void outcome::omit()
+{
+    cJSON *const count = cJSON_GetObjectItemCaseSensitive(reply.root(), "omitted");
+    if (count == nullptr)
+        reply.number(reply.root(), "omitted", 1);
+    else
+        cJSON_SetNumberValue(count, count->valuedouble + 1);
+}
+
 void outcome::add(const char *name, const reason &why)
 {
-    if (why.text[0] == '\0')
+    if (!has_room_for(name, why))
+        omit();
+    else if (why.text[0] == '\0')
         reply.append(accepted, name);
     else
         reply.text(refused, name, why.text);
