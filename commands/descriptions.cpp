@@ -114,9 +114,9 @@ const cJSON *descriptions::find(const char *module, const char *member) const
     return nullptr;
 }
 
-bool descriptions::is_secret(const char *module, const char *member, bool is_text) const
+bool descriptions::is_secret(const char *module, const char *member, bool may_hold_text) const
 {
-    return starved || problem != nullptr ? is_text : is_true(find(module, member), "secret");
+    return starved || problem != nullptr ? may_hold_text : is_true(find(module, member), "secret");
 }
 
 bool descriptions::complete(const char *module, const char *name, cJSON *member,
@@ -132,7 +132,7 @@ bool descriptions::complete(const char *module, const char *name, cJSON *member,
     const cJSON *const names = cJSON_GetObjectItemCaseSensitive(found, "names");
     if (cJSON_IsObject(names) && is_kind(member, "number"))
         added = added && add_copy(member, "names", names);
-    if (is_secret(module, name, is_kind(member, "text"))) {
+    if (is_secret(module, name, is_kind(member, "text") || is_kind(member, "json"))) {
         if (!show_secrets)
             drop_values(member);
         added = added && cJSON_AddTrueToObject(member, "secret") != nullptr;

@@ -255,6 +255,15 @@ TEST_F(DescribedHostModule, HasTextsToo)
     EXPECT_EQ(members("lamp"), "{'pin':{'kind':'json','secret':true}}");
 }
 
+TEST_F(DescribedHostModule, MayHaveSecretsWhereNothingIsToldOfThem)
+{
+    write_home("descriptions.json", "{'lamp':");
+    host_answer = "{'accounts':[{'password':'x'}],'state':'full','level':87}";
+    EXPECT_EQ(members("lamp"), "{'accounts':{'kind':'json','secret':true},"
+                               "'state':{'kind':'text','secret':true},"
+                               "'level':{'kind':'number','current':87}}");
+}
+
 TEST_F(DescribedHostModule, WithAValueThatIsTooLongIsToldWithoutIt)
 {
     host_answer = "{'a':['" + std::string(70000, 'x') + "'],'b':1}";
