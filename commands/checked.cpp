@@ -85,3 +85,40 @@ void refuse_values(const cJSON *modules, const reason &why, outcome &result)
         }
     }
 }
+
+static bool names_each_once(const cJSON *object)
+{
+    if (!cJSON_IsObject(object))
+        return false;
+    const cJSON *item = nullptr;
+    cJSON_ArrayForEach(item, object)
+    {
+        if (cJSON_GetObjectItemCaseSensitive(object, item->string) != item)
+            return false;
+    }
+    return true;
+}
+
+bool are_values(const cJSON *modules)
+{
+    if (!names_each_once(modules))
+        return false;
+    const cJSON *module = nullptr;
+    cJSON_ArrayForEach(module, modules)
+    {
+        if (!names_each_once(module))
+            return false;
+    }
+    return true;
+}
+
+bool names_a_member(const cJSON *modules)
+{
+    const cJSON *module = nullptr;
+    cJSON_ArrayForEach(module, modules)
+    {
+        if (module->child != nullptr)
+            return true;
+    }
+    return false;
+}

@@ -11,3 +11,9 @@ int refuse_faulty_values(const cJSON *modules, outcome &result);
 
 // Reports all as refused.
 void refuse_values(const cJSON *modules, const reason &why, outcome &result);
+
+// Whether it has that form, and each name once: only one of two values of a member can be in force.
+bool are_values(const cJSON *modules);
+
+// Whether there is a value among them.
+bool names_a_member(const cJSON *modules);

@@ -108,6 +108,13 @@ void take_all_back()
 
 // --- Setting ---
 
+// A value that a file has brought in may be outside the range.
+bool can_be_set(const cJSON *member, const cJSON *value)
+{
+    const bool is_text = is_kind(member, "text"); // of any length
+    return value != nullptr && (is_text || fault_of(member, value).text[0] == '\0');
+}
+
 // The values in force of what is to be set. Null when one cannot be told, or is a module's of the
 // host's own, which may be set by the store's thread alone.
 json_ptr values_in_force(const cJSON *wanted, const descriptions &texts, outcome &result)
@@ -125,7 +132,7 @@ json_ptr values_in_force(const cJSON *wanted, const descriptions &texts, outcome
         cJSON_ArrayForEach(member, module)
         {
             const cJSON *const current = now.current(member->string);
-            const bool can_be = now.is_of_store() && current != nullptr;
+            const bool can_be = now.is_of_store() && can_be_set(now.find(member->string), current);
             if (!can_be)
                 result.add(setting_name(module->string, member->string).text,
                            {"cannot be taken back"});
@@ -203,7 +210,7 @@ void set_for(int seconds, const cJSON *wanted, const para_message &message, json
         refuse_values(wanted, {"another change waits to be confirmed"}, result);
         return;
     }
-    if (refuse_faulty_values(wanted, result) > 0 || !reply.is_complete())
+    if (refuse_faulty_values(wanted, result) > 0 || !reply.is_complete() || !names_a_member(wanted))
         return;
     const descriptions texts;
     if (which == attempt::first && !begin(wanted, texts, seconds, result))
@@ -231,33 +238,6 @@ void tell_waiting(json_builder &reply)
     }
 }
 
-// Only one of two values of a member can be in force.
-bool names_each_once(const cJSON *object)
-{
-    if (!cJSON_IsObject(object))
-        return false;
-    const cJSON *item = nullptr;
-    cJSON_ArrayForEach(item, object)
-    {
-        if (cJSON_GetObjectItemCaseSensitive(object, item->string) != item)
-            return false;
-    }
-    return true;
-}
-
-bool can_be_in_force(const cJSON *modules)
-{
-    if (!names_each_once(modules))
-        return false;
-    const cJSON *module = nullptr;
-    cJSON_ArrayForEach(module, modules)
-    {
-        if (!names_each_once(module))
-            return false;
-    }
-    return true;
-}
-
 } // namespace
 
 answered answer_confirm(const request &request, json_builder &reply)
@@ -274,7 +254,7 @@ answered answer_confirm(const request &request, json_builder &reply)
         return answered::now;
     }
     const cJSON *const seconds = cJSON_GetObjectItemCaseSensitive(request.data, "seconds");
-    if (!can_be_in_force(wanted) || !is_int(seconds) || seconds->valueint < 1 ||
+    if (!are_values(wanted) || !is_int(seconds) || seconds->valueint < 1 ||
         seconds->valueint > most_seconds)
         return answered::invalid;
     set_for(seconds->valueint, wanted, request.message, reply);

@@ -136,6 +136,32 @@ TEST_F(ConfirmCommand, RefusesWhatCannotBeTakenBack)
     EXPECT_EQ(kind_named("Af").get(), default_number);
 }
 
+// A setter takes no value outside the range, though a file may have brought one in.
+TEST_F(ConfirmCommand, RefusesWhatWasOutOfItsRange)
+{
+    write_home("af_def.json", "{'zoom_value':300}");
+    write_home("netport.conf", "port = '" + std::string(300, 'x') + "'\n");
+    start_store();
+    ASSERT_EQ(kind_named("Af").get(), 300);
+    EXPECT_EQ(set_for(60, "{'af':{'zoom_value':9}}"),
+              "{'accepted':[],'refused':{'af.zoom_value':'cannot be taken back'}}");
+    EXPECT_EQ(kind_named("Af").get(), 300);
+    EXPECT_EQ(set_for(1, "{'netport':{'port':'9'}}"), "{'accepted':['netport.port'],'refused':{}}");
+    EXPECT_TRUE(wait_until([] {
+        char text[400] = "";
+        para_conf_get_member_safe("netport", "port", text, sizeof text);
+        return text == std::string(300, 'x');
+    })) << "a long text can be taken back";
+}
+
+TEST_F(ConfirmCommand, DoesNotWaitForNothing)
+{
+    start_store();
+    for (const char *nothing : {"{}", "{'af':{}}"})
+        EXPECT_EQ(set_for(60, nothing), "{'accepted':[],'refused':{}}") << nothing;
+    EXPECT_EQ(ask("confirm"), "{'waiting':[]}");
+}
+
 TEST_F(ConfirmCommand, IsCarriedOutBesideOtherWork)
 {
     platformparam_set_guard(1);
