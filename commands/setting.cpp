@@ -132,7 +132,20 @@ bool set_members(const para_module &row, const cJSON *values)
     return row.set_opt == nullptr || row.set_opt(row.name, request->child, row.name) != -ENOMEM;
 }
 
+// Of UTF-8.
+static bool is_inside_character(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xc0U) == 0x80U;
+}
+
 setting_name::setting_name(const char *module, const char *member)
 {
-    snprintf(text, sizeof text, "%s%s%s", module, *member != '\0' ? "." : "", member);
+    constexpr size_t size = sizeof text;
+    const int length = snprintf(text, size, "%s%s%s", module, *member != '\0' ? "." : "", member);
+    if (length < static_cast<int>(size))
+        return;
+    size_t end = size - 2;
+    while (end > 0 && is_inside_character(text[end]))
+        end--;
+    text[end] = '\0';
 }

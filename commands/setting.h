@@ -39,7 +39,7 @@ reason fault_of(const cJSON *member, const cJSON *value);
 // memory ran out.
 bool set_members(const para_module &row, const cJSON *values);
 
-// "MODULE.MEMBER", cut.
+// "MODULE.MEMBER", cut behind a character.
 struct setting_name {
     setting_name(const char *module, const char *member);
     char text[320];

@@ -102,6 +102,17 @@ TEST_F(CheckCommand, KnowsWhatCannotBeSet)
               "'netport':'not an object of settings'}}");
 }
 
+TEST_F(CheckCommand, CutsLongNamesBetweenCharacters)
+{
+    std::string name = "af.x", whole = "x";
+    for (int i = 0; i < 157; i++)
+        name += "\u00fc";
+    for (int i = 0; i < 200; i++)
+        whole += "\u00fc";
+    EXPECT_EQ(ask("check", "{'af':{'" + whole + "':1}}"),
+              "{'accepted':[],'refused':{'" + name + "':'no such member'}}");
+}
+
 TEST_F(CheckCommand, LooksAtModulesOfTheHost)
 {
     EXPECT_EQ(check("lamp", "level", "7.5"), "taken");
