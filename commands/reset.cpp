@@ -104,6 +104,8 @@ private:
             result.lack();
             return;
         }
+        if (values->child == nullptr)
+            return;
         const bool had_memory = set_members(before.module(), values.get());
         const module_settings after(name, texts);
         if (!had_memory || !after.is_complete())

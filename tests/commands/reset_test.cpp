@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
 
 #include "commands/kit.h"
@@ -99,6 +100,29 @@ TEST_F(ResetCommand, ResetsSecrets)
     kind_named("Conf").set(9);
     EXPECT_EQ(reset("{'netport':['all']}"), "{'accepted':['netport.port'],'refused':{}}");
     EXPECT_EQ(kind_named("Conf").get(), default_number);
+}
+
+TEST_F(ResetCommand, SetsNothingWhereThereIsNothingToReset)
+{
+    static std::atomic<int> sets{0};
+    const para_module row = {.name = "lamp",
+                             .init = nullptr,
+                             .init_stage2 = nullptr,
+                             .set_opt = [](const char *, const cJSON *,
+                                           const char *) { return static_cast<int>(sets++); },
+                             .get_opt =
+                                 [](const char *, const cJSON *, cJSON **answer, const char *) {
+                                     *answer = parse("{'level':5}").release();
+                                     return 0;
+                                 },
+                             .need_save = nullptr,
+                             .save = nullptr};
+    ASSERT_EQ(register_para_handle_extern(&row), 0);
+    start_store();
+    EXPECT_EQ(reset("{'lamp':['level']}"),
+              "{'accepted':[],'refused':{'lamp.level':'has no default'}}");
+    EXPECT_EQ(reset("{'lamp':['all']}"), "{'accepted':[],'refused':{}}");
+    EXPECT_EQ(sets, 0);
 }
 
 TEST_F(ResetCommand, RefusesOtherForms)
