@@ -1,7 +1,7 @@
 // The command "describe": lists modules and their members, page by page.
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
 #include "command.h"
 #include "description_page.h"
@@ -14,16 +14,30 @@ static bool read_list(const cJSON *data, const cJSON *&list)
     return list == nullptr || cJSON_IsArray(list);
 }
 
+// Reads digits, and goes on behind them. Returns false where there are none, or for a larger number
+// than an int's.
+static bool read_number(const char *&text, int &number)
+{
+    if (*text < '0' || *text > '9')
+        return false;
+    char *end = nullptr;
+    const long long read = strtoll(text, &end, 10);
+    if (read > INT_MAX)
+        return false;
+    text = end;
+    number = static_cast<int>(read);
+    return true;
+}
+
 // "ROW.MEMBER". Returns false for another text.
 static bool read_cursor(const cJSON *data, page_cursor &cursor)
 {
     const cJSON *const item = cJSON_GetObjectItemCaseSensitive(data, "cursor");
     if (item == nullptr)
         return true;
-    int end = 0;
-    const char *const text = cJSON_GetStringValue(item);
-    return text != nullptr && sscanf(text, "%d.%d%n", &cursor.row, &cursor.member, &end) == 2 &&
-           text[end] == '\0';
+    const char *text = cJSON_GetStringValue(item);
+    return text != nullptr && read_number(text, cursor.row) && *text++ == '.' &&
+           read_number(text, cursor.member) && *text == '\0';
 }
 
 answered answer_describe(const request &request, json_builder &reply)

@@ -111,7 +111,9 @@ TEST_F(DescribeCommand, RefusesACursorOfAnotherForm)
 {
     start_host();
 
-    for (const char *cursor : {"5", "'5'", "'a.b'", "'1.2x'", "''", "null"})
+    for (const char *cursor :
+         {"5", "'5'", "'a.b'", "'1.2x'", "''", "null", "'1.'", "'-1.0'", "'1.-2'", "' 1.2'",
+          "'1. 2'", "'2147483648.0'", "'99999999999999999999.0'"})
         EXPECT_EQ(ask("{'msg_type':'api_get','msg_name':'describe','data':{'cursor':" +
                       std::string(cursor) + "}}"),
                   invalid_command)
