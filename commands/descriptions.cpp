@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr size_t most_bytes = 1 << 20;
+constexpr off_t most_bytes = 1 << 20;
 
 // Reads what is there, up to the end of the buffer. Returns how much, or -1.
 ssize_t read_all(int file, char *to, size_t size)
@@ -41,11 +41,11 @@ text_ptr read_text(int file, const char *&problem)
         problem = "descriptions.json is not a regular file";
         return nullptr;
     }
-    const auto size = static_cast<size_t>(about.st_size);
-    if (size > most_bytes) {
+    if (about.st_size > most_bytes) {
         problem = "descriptions.json has more than 1 MiB";
         return nullptr;
     }
+    const auto size = static_cast<size_t>(about.st_size);
     text_ptr text(static_cast<char *>(malloc(size + 1)));
     if (text == nullptr)
         return nullptr;
