@@ -127,7 +127,9 @@ bool set_members(const para_module &row, const cJSON *values)
     }
     // The item's key tells the stream or instance.
     const json_ptr request(cJSON_CreateObject());
-    if (cJSON_AddItemReferenceToObject(request.get(), row.name, const_cast<cJSON *>(values)) == 0)
+    // Not by cJSON_AddItemReferenceToObject(), which leaks the item where it cannot add it.
+    if (!add_to_object(request.get(), row.name,
+                       json_ptr(cJSON_CreateObjectReference(values->child))))
         return false;
     return row.set_opt == nullptr || row.set_opt(row.name, request->child, row.name) != -ENOMEM;
 }
