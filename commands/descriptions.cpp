@@ -1,62 +1,12 @@
 #include "descriptions.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <utility>
 
-#include "base/memory.h"
-#include "camparam/control.h"
-#include "camparam/platform.h"
+#include "home_file.h"
 #include "json.h"
 
 namespace {
-
-constexpr off_t most_bytes = 1 << 20;
-
-// Reads what is there, up to the end of the buffer. Returns how much, or -1.
-ssize_t read_all(int file, char *to, size_t size)
-{
-    size_t length = 0;
-    while (length < size) {
-        const ssize_t part = read(file, to + length, size - length);
-        if (part < 0)
-            return -1;
-        if (part == 0)
-            break;
-        length += static_cast<size_t>(part);
-    }
-    return static_cast<ssize_t>(length);
-}
-
-// Null with the reason, or with none when memory ran out.
-text_ptr read_text(int file, const char *&problem)
-{
-    struct stat about = {};
-    if (fstat(file, &about) != 0 || !S_ISREG(about.st_mode)) {
-        problem = "descriptions.json is not a regular file";
-        return nullptr;
-    }
-    if (about.st_size > most_bytes) {
-        problem = "descriptions.json has more than 1 MiB";
-        return nullptr;
-    }
-    const auto size = static_cast<size_t>(about.st_size);
-    text_ptr text(static_cast<char *>(malloc(size + 1)));
-    if (text == nullptr)
-        return nullptr;
-    const ssize_t length = read_all(file, text.get(), size);
-    if (length < 0) {
-        problem = "descriptions.json cannot be read";
-        return nullptr;
-    }
-    text.get()[length] = '\0';
-    return text;
-}
 
 constexpr const char *texts[] = {"unit", "label", "help"};
 
@@ -76,27 +26,12 @@ bool is_meant(const char *pattern, const char *module)
 
 descriptions::descriptions()
 {
-    char path[PARA_PATH_SIZE];
-    if (snprintf(path, sizeof path, "%s/descriptions.json", para_profile.home_dir) >=
-        static_cast<int>(sizeof path))
-        return; // no file has that name
-    const int file = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (file < 0) {
-        if (errno != ENOENT)
-            problem = "descriptions.json cannot be opened";
-        return;
-    }
-    const text_ptr text = read_text(file, problem);
-    close(file);
-    if (text == nullptr) {
-        starved = problem == nullptr;
-        return;
-    }
-    const memory_watch memory;
-    modules.reset(cJSON_Parse(text.get()));
-    starved = modules == nullptr && memory.ran_out();
-    if (!starved && !cJSON_IsObject(modules.get()))
-        problem = "descriptions.json holds no JSON object";
+    home_file file = read_home_file("descriptions.json");
+    problem = file.problem;
+    starved = file.starved;
+    if (file.root != nullptr && !cJSON_IsObject(file.root.get()))
+        problem = "holds no JSON object";
+    modules = std::move(file.root);
 }
 
 const cJSON *descriptions::find(const char *module, const char *member) const

@@ -16,7 +16,7 @@ public:
     // secret.
     bool is_secret(const char *module, const char *member, bool may_hold_text) const;
 
-    // Why the file cannot be used; null: it can, or is not there.
+    // Why the file cannot be used, such as "cannot be read"; null: it can, or is not there.
     const char *fault() const { return problem; }
 
     // Memory ran out: there is nothing to be told.

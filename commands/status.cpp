@@ -1,4 +1,5 @@
 // The command "status": what is saved of each module, and how the store fares.
+#include <cstdio>
 #include <cstring>
 
 #include "camparam/guard.h"
@@ -56,8 +57,11 @@ answered answer_status(const request &, json_builder &reply)
     const descriptions texts;
     if (texts.is_starved())
         reply.lack();
-    if (texts.fault() != nullptr)
-        reply.text(reply.root(), "descriptions", texts.fault());
+    if (texts.fault() != nullptr) {
+        char text[64];
+        snprintf(text, sizeof text, "descriptions.json %s", texts.fault());
+        reply.text(reply.root(), "descriptions", text);
+    }
     cJSON *const modules = reply.object(reply.root(), "modules");
     for_each_saved_module([&](const char *name, const para_module_status &status) {
         add_module(reply, modules, name, status);
