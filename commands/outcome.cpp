@@ -30,7 +30,7 @@ void outcome::omit()
     if (count == nullptr)
         reply.number(reply.root(), "omitted", 1);
     else
-        cJSON_SetNumberValue(count, count->valuedouble + 1);
+        cJSON_SetNumberHelper(count, count->valuedouble + 1);
 }
 
 void outcome::add(const char *name, const reason &why)
