@@ -2,7 +2,9 @@
 #include <cstdio>
 #include <utility>
 
+#include "client/change.h"
 #include "client/outcome.h"
+#include "client/web_name.h"
 #include "commands.h"
 #include "output.h"
 
@@ -74,6 +76,69 @@ std::vector<std::string> values_of(const pair_list &pairs, const std::string &na
     return values;
 }
 
+// What the host tells of a page's names and their settings.
+class web_page {
+public:
+    web_page(client &of, const std::string &page) : host(of), names(names_of_page(of, page))
+    {
+        std::vector<setting_name> settings;
+        for (const web_name &name : names)
+            settings.push_back(name.setting);
+        if (!names.empty())
+            described = describe(host, modules_of(settings));
+    }
+
+    // How the page will show a value that is sent. Throws a failure when the store would take
+    // another one for it, such as 0 for a text.
+    std::string shown(const std::string &name, const std::string &value) const
+    {
+        const auto found = std::find_if(names.begin(), names.end(),
+                                        [&](const web_name &one) { return one.name == name; });
+        if (found == names.end())
+            return value;
+        return found->type == "S" ? shown_text(*found, value) : shown_number(*found, value);
+    }
+
+private:
+    std::string shown_text(const web_name &name, const std::string &value) const
+    {
+        check(name, value, value);
+        return value;
+    }
+
+    std::string shown_number(const web_name &name, const std::string &value) const
+    {
+        const std::optional<int> number = number_of_web_text(name, value);
+        if (!number)
+            throw failure(REFUSED, name.name + ": \"" + value + "\" is no number");
+        std::string shown = web_text_of(name, *number);
+        if (name.modifier == "P" && value != shown)
+            throw failure(REFUSED, name.name + ": the host stores 0 for any value that is sent");
+        check(name, value, std::to_string(*number));
+        return shown;
+    }
+
+    void check(const web_name &name, const std::string &value, const std::string &stored) const
+    {
+        const module_description *const module =
+            described ? described->find(name.setting.module) : nullptr;
+        const member_description *const member =
+            module != nullptr ? module->find(name.setting.member) : nullptr;
+        if (member == nullptr || (name.type != "S") != (member->kind == "number"))
+            return;
+        try {
+            plan_change(host, {name.setting, stored}, described, {});
+        } catch (const failure &) {
+            throw failure(REFUSED, name.name + ": \"" + value + "\" would not be taken (" +
+                                       member->limits() + ")");
+        }
+    }
+
+    client &host;
+    const std::vector<web_name> names;
+    std::optional<description> described;
+};
+
 // If a name is repeated, the last value counts.
 pair_list last_of_each(const pair_list &pairs)
 {
@@ -104,28 +169,28 @@ void set_shown(client &host, const pair_list &wanted, const pair_list &shown,
         check_answer(host.web("set", page, query), page);
 }
 
-// Prints the pairs that the page shows, and a message for each one that it shows otherwise.
-exit_code report(const pair_list &wanted, const pair_list &shown, const std::string &page,
-                 bool as_json)
+// Prints the pairs that the page shows as expected, and a message for each other one.
+void report(const pair_list &expected, const pair_list &shown, const std::string &page,
+            bool as_json, outcome &result)
 {
     pair_list taken;
-    outcome result;
-    for (const auto &pair : wanted) {
+    for (const auto &pair : expected) {
         const std::vector<std::string> values = values_of(shown, pair.first);
         if (values.empty()) {
-            print_message("the page \"" + page + "\" shows no \"" + pair.first + "\"");
+            print_failure(
+                {NO_SUCH_SETTING, "the page \"" + page + "\" shows no \"" + pair.first + "\""});
             result.missing++;
         } else if (std::find(values.begin(), values.end(), pair.second) == values.end()) {
-            print_message(pair.first + ": \"" + pair.second +
-                          "\" was not taken, the page shows \"" + values.front() + "\"");
+            print_failure({REFUSED, pair.first + ": \"" + pair.second +
+                                        "\" was not taken, the page shows \"" + values.front() +
+                                        "\""});
             result.refused++;
         } else {
             taken.push_back(pair);
         }
     }
     print(taken, as_json);
-    result.done = static_cast<int>(taken.size());
-    return result.status();
+    result.done += static_cast<int>(taken.size());
 }
 
 exit_code get_page(client &host, const std::string &page, bool as_json)
@@ -138,9 +203,21 @@ exit_code set_page(client &host, const std::string &page, const std::string &que
 {
     if (query.find('=') == std::string::npos)
         throw failure(USAGE, "\"" + query + "\" is not of the form NAME=VALUE&NAME=VALUE...");
-    const pair_list wanted = pairs_of(query);
-    set_shown(host, wanted, ask(host, page), page);
-    return report(last_of_each(wanted), ask(host, page), page, as_json);
+    const web_page names(host, page);
+    outcome result;
+    pair_list sent, expected;
+    for (const auto &[name, value] : last_of_each(pairs_of(query))) {
+        try {
+            expected.emplace_back(name, names.shown(name, value));
+            sent.emplace_back(name, value);
+        } catch (const failure &error) {
+            print_failure(error);
+            result.refused++;
+        }
+    }
+    set_shown(host, sent, ask(host, page), page);
+    report(expected, ask(host, page), page, as_json, result);
+    return result.status();
 }
 
 struct options {

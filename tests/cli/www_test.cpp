@@ -8,6 +8,8 @@ protected:
     WebNames() { home = SAMPLE_HOME; }
 };
 
+class WebNamesOfItsOwn : public HostProcess {};
+
 TEST_F(WebNames, APageIsAPairALine)
 {
     start_host();
@@ -73,6 +75,8 @@ TEST_F(WebNames, AGreedyNameSetsEveryModuleThatHasIt)
 TEST_F(WebNames, AnyOfTheValuesUnderANameCounts)
 {
     const fake_server camera([](const std::string &request) {
+        if (is_for(request, "pages"))
+            return std::vector<std::string>{reply_to(request, "'err':'Invalid API command'")};
         const bool sets = is_for(request, "set");
         return std::vector<std::string>{sets ? "result=success" : "&rate=4&rate=5&rate=6"};
     });
@@ -89,12 +93,51 @@ TEST_F(WebNames, WhatThePageShowsOtherwiseIsNamed)
     const run_result partly = run({"www", "set", "image", "hue=99&huee=2&gamma=3"});
     EXPECT_EQ(partly.status, 6);
     EXPECT_EQ(partly.output, "gamma=3\n");
-    EXPECT_EQ(partly.errors, "camparam: hue: \"99\" was not taken, the page shows \"7\"\n"
+    EXPECT_EQ(partly.errors, "camparam: hue: \"99\" would not be taken (number, 0 to 14)\n"
                              "camparam: the page \"image\" shows no \"huee\"\n");
     EXPECT_EQ(run({"www", "set", "image", "hue=99"}).status, 4);
     EXPECT_EQ(run({"www", "set", "image", "huee=9"}).status, 5);
     EXPECT_EQ(run({"www", "set", "image", "hue=99&huee=9"}).status, 4);
     EXPECT_EQ(run({"www", "set", "image", "huee=9&hue=99"}).status, 4);
+}
+
+TEST_F(WebNames, WhatTheStoreWouldTakeForAnotherValueIsNotSent)
+{
+    start_host();
+
+    for (const char *pair : {"hue=abc", "hue=5.7", "hue=", "hue=5x", "hue=99", "colortemp=warm",
+                             "colortemp=99", "colortemp=1e1", "hdmiformat=99P", "hdmiformat=720"}) {
+        const std::string before = run({"www", "get", "image"}).output;
+        EXPECT_EQ(run({"www", "set", "image", pair}).output, "") << pair;
+        EXPECT_EQ(run({"www", "get", "image"}).output, before) << pair;
+    }
+    EXPECT_EQ(run({"www", "set", "image", "hue=abc"}).errors,
+              "camparam: hue: \"abc\" is no number\n");
+}
+
+TEST_F(WebNames, ThousandsAreShownByTheirRule)
+{
+    start_host();
+
+    EXPECT_EQ(run({"www", "set", "image", "colortemp=5.525"}).output, "colortemp=5.5\n");
+    EXPECT_EQ(run({"get", "isp0.temperature"}).output, "isp0.temperature=5525\n");
+    EXPECT_EQ(run({"www", "set", "image", "colortemp=6"}).output, "colortemp=6\n");
+}
+
+TEST_F(WebNamesOfItsOwn, ModifiersHaveTheirRules)
+{
+    write_home("panel_range.json", "{'plus':[0,9],'fine':[0,9]}");
+    write_home("panel.conf", "plus = '3'\nfine = '4'\n");
+    write_home("www2json.json", "{'json_pattern_list':['panel'],'front':['panel'],"
+                                "'panel':{'plus':['plus','N','P'],'fine':['fine','N','F']}}");
+    start_host();
+
+    const run_result plus = run({"www", "set", "front", "plus=5"});
+    EXPECT_EQ(plus.errors, "camparam: plus: the host stores 0 for any value that is sent\n");
+    EXPECT_EQ(run({"get", "panel.plus"}).output, "panel.plus=3\n");
+    EXPECT_EQ(run({"www", "set", "front", "fine=5.0"}).output, "fine=5.00\n");
+    EXPECT_EQ(run({"www", "set", "front", "fine=5.5"}).status, 4);
+    EXPECT_EQ(run({"get", "panel.fine"}).output, "panel.fine=5\n");
 }
 
 TEST_F(WebNames, WhatThePageDoesNotShowIsNotSent)

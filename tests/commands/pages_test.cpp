@@ -30,3 +30,21 @@ TEST_F(PagesCommand, ThereAreNoneWithoutTheFile)
 
     EXPECT_EQ(ask("pages"), "{'pages':[]}");
 }
+
+TEST_F(PagesCommand, TellsTheNamesOnAPage)
+{
+    write_home("www2json.json",
+               "{'image':['isp0','none',5,'af','list'],'list':['af'],"
+               "'isp0':{'hue':['hue','N'],'bad':'x','empty':[],'temperature':['ct','N','K','more'],"
+               "'number':[5,'N']},'af':{'zoom_value':['zoom'],'x':['y',7,'P']}}");
+    start_store();
+
+    EXPECT_EQ(ask("pages", "{'page':'image'}"),
+              "{'names':[{'name':'hue','type':'N','module':'isp0','member':'hue'},"
+              "{'name':'ct','type':'N','modifier':'K','module':'isp0','member':'temperature'},"
+              "{'name':'zoom','module':'af','member':'zoom_value'},"
+              "{'name':'y','modifier':'P','module':'af','member':'x'}]}");
+    EXPECT_EQ(ask("pages", "{'page':'none'}"), "{'names':[]}");
+    EXPECT_EQ(ask("pages", "{'page':'isp0'}"), "{'names':[]}");
+    EXPECT_EQ(ask("pages", "{'page':5}"), invalid);
+}
