@@ -34,7 +34,15 @@ json_ptr ask(client &host, const std::vector<setting_name> &names)
     return values;
 }
 
-void print_values(const setting_name &name, const cJSON *found)
+// A member that set requests cannot change, or that can be asked for with its module alone.
+bool is_read_only(const module_description *module, const char *name)
+{
+    const member_description *const member = module != nullptr ? module->find(name) : nullptr;
+    return module != nullptr && (member == nullptr || member->read_only);
+}
+
+// The description may be null.
+void print_values(const setting_name &name, const cJSON *found, const module_description *module)
 {
     if (!name.member.empty() || !cJSON_IsObject(found)) {
         print_value(name.text(), found);
@@ -43,8 +51,23 @@ void print_values(const setting_name &name, const cJSON *found)
     const cJSON *member = nullptr;
     cJSON_ArrayForEach(member, found)
     {
-        print_value(setting_name{name.module, member->string}.text(), member);
+        print_value(setting_name{name.module, member->string}.text(), member,
+                    is_read_only(module, member->string) ? " (read-only)" : "");
     }
+}
+
+// The modules that are asked for as a whole; empty from a host that does not describe any.
+description describe_whole(client &host, const std::vector<setting_name> &names)
+{
+    std::vector<std::string> modules;
+    for (const setting_name &name : names) {
+        if (name.member.empty())
+            modules.push_back(name.module);
+    }
+    std::optional<description> described;
+    if (!modules.empty())
+        described = describe(host, modules);
+    return described ? std::move(*described) : description{};
 }
 
 } // namespace
@@ -56,13 +79,14 @@ exit_code print_settings(client &host, const std::vector<std::string> &texts, bo
         names.push_back(parse_setting_name(text));
 
     const json_ptr values = ask(host, names);
+    const description described = as_json ? description{} : describe_whole(host, names);
     std::vector<setting_name> missing;
     for (const setting_name &name : names) {
         const cJSON *const found = value_in(values.get(), name);
         if (found == nullptr)
             missing.push_back(name);
         else if (!as_json)
-            print_values(name, found);
+            print_values(name, found, described.find(name.module));
     }
     if (as_json)
         print_json(values.get());

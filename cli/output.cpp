@@ -128,9 +128,9 @@ std::vector<std::vector<std::string>> transposed(const std::vector<std::vector<s
     return columns;
 }
 
-void print_value(const std::string &name, const cJSON *value)
+void print_value(const std::string &name, const cJSON *value, const char *mark)
 {
-    printf("%s=%s\n", visible(name).c_str(), visible(value_text(value)).c_str());
+    printf("%s=%s%s\n", visible(name).c_str(), visible(value_text(value)).c_str(), mark);
 }
 
 void print_json(const cJSON *node)

@@ -17,8 +17,8 @@ void print_table(const std::vector<std::vector<std::string>> &rows);
 // The table with its rows as columns.
 std::vector<std::vector<std::string>> transposed(const std::vector<std::vector<std::string>> &rows);
 
-// Prints NAME=VALUE.
-void print_value(const std::string &name, const cJSON *value);
+// Prints NAME=VALUE, and a mark behind it.
+void print_value(const std::string &name, const cJSON *value, const char *mark = "");
 
 // Prints JSON with line breaks and tabs, or as one line. It is UTF-8 whatever the values hold.
 void print_json(const cJSON *node);

@@ -1,3 +1,5 @@
+#include <regex>
+
 #include "cli/run.h"
 #include "host/host_process.h"
 
@@ -31,6 +33,21 @@ TEST_F(GetCommand, PrintsAWholeModule)
     EXPECT_EQ(run({"get", "af"}).output, "af.focus_mode=1\naf.zoom_value=0\n");
     EXPECT_EQ(run({"get", "af.zoom_value", "af"}).output,
               "af.zoom_value=0\naf.focus_mode=1\naf.zoom_value=0\n");
+}
+
+TEST_F(GetCommand, MarksWhatCannotBeSet)
+{
+    home = SAMPLE_HOME;
+    start_host();
+
+    const std::string isp = run({"get", "isp0"}).output;
+    for (const char *member : {"len_type", "ccm_style", "rgain_onepush"})
+        EXPECT_TRUE(std::regex_search(
+            isp, std::regex("isp0\\." + std::string(member) + "=[0-9]+ \\(read-only\\)\n")))
+            << member << isp;
+    EXPECT_NE(isp.find("\nisp0.gamma=1\n"), std::string::npos) << isp;
+    EXPECT_EQ(run({"get", "isp0.rgain_onepush"}).output, "isp0.rgain_onepush=128\n");
+    EXPECT_EQ(run({"get", "isp0", "--json"}).output.find("read-only"), std::string::npos);
 }
 
 TEST_F(GetCommand, PrintsJson)
