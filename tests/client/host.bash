@@ -56,10 +56,11 @@ end_host()
     host_process=
 }
 
-# The client, patient on a busy machine. Messages come behind what it prints.
+# The client, patient on a busy machine, but for the options in $patience.
 camparam()
 {
-    "$CAMPARAM" --timeout 20 "$@"
+    # shellcheck disable=SC2086 # words
+    "$CAMPARAM" ${patience---timeout 20} "$@"
 }
 
 setup()
