@@ -5,30 +5,36 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <net/if.h>
+#include <sched.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <optional>
 #include <string>
-#include <vector>
 
 #include "camparam/command.h"
 #include "support/shared_memory.h"
 
+// Of the sanitizers' common interface; absent without one.
+struct __sanitizer_sandbox_arguments {
+    int coverage_sandboxed;
+    intptr_t coverage_fd;
+    unsigned coverage_max_block_size;
+};
+extern "C" __attribute__((weak)) void
+__sanitizer_sandbox_on_notify(__sanitizer_sandbox_arguments *arguments);
+
 namespace {
 
-// "machine": use the machine's network. A number: the namespaces are there; the descriptor tells
-// the process outside that they are ready.
+// "machine": use the machine's network. "own": the process is in namespaces of its own, as one that
+// a test starts again is.
 const char *const network = "CAMPARAM_TEST_NETWORK";
 
 // Another name than a store's or a host's: only tests take it. foreign_platform_test does, too.
@@ -43,54 +49,22 @@ bool only_lists_cases(int argc, char **argv)
     return false;
 }
 
-// By unshare(1): a process that the sanitizers have already given a second thread cannot enter a
-// user namespace itself.
-[[noreturn]] void start_in_own_namespaces(int argc, char **argv, int ready)
+// A process with several threads may not enter a user namespace, and the thread sanitizer has
+// started one by now, to be ended for sandboxes such as these.
+void end_the_sanitizers_thread()
 {
-    std::vector<char *> command;
-    for (const char *word : {"unshare", "--map-root-user", "--net", "--mount", "--"})
-        command.push_back(const_cast<char *>(word));
-    static char self[4096];
-    const ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
-    command.push_back(length > 0 ? self : argv[0]);
-    command.insert(command.end(), argv + 1, argv + argc);
-    command.push_back(nullptr);
-
-    setenv(network, std::to_string(ready).c_str(), 1);
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    execvp(command[0], command.data());
-    perror("unshare");
-    _exit(1);
+    __sanitizer_sandbox_arguments none = {};
+    if (__sanitizer_sandbox_on_notify != nullptr)
+        __sanitizer_sandbox_on_notify(&none);
 }
 
-// Ends as a program ended.
-int end_like(int status)
+bool write_file(const char *path, const std::string &text)
 {
-    if (!WIFSIGNALED(status))
-        return WEXITSTATUS(status);
-    signal(WTERMSIG(status), SIG_DFL);
-    raise(WTERMSIG(status));
-    return 1;
-}
-
-// Nothing when namespaces are forbidden: then no case has run.
-std::optional<int> run_in_own_namespaces(int argc, char **argv)
-{
-    int ready[2];
-    if (pipe(ready) != 0)
-        return std::nullopt;
-    const pid_t inner = fork();
-    if (inner == 0) {
-        close(ready[0]);
-        start_in_own_namespaces(argc, argv, ready[1]);
-    }
-    close(ready[1]);
-    char mark = 0;
-    const bool started = read(ready[0], &mark, 1) == 1;
-    close(ready[0]);
-    int status = 0;
-    waitpid(inner, &status, 0);
-    return started ? std::optional<int>(end_like(status)) : std::nullopt;
+    const int descriptor = open(path, O_WRONLY | O_CLOEXEC);
+    const bool written =
+        write(descriptor, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    close(descriptor);
+    return written;
 }
 
 bool loopback_up()
@@ -105,19 +79,25 @@ bool loopback_up()
     return up;
 }
 
-bool set_up_namespaces(int ready)
+// The user is root within, as by `unshare --map-root-user`.
+bool set_up_namespaces(uid_t user, gid_t group)
 {
+    const bool mapped = write_file("/proc/self/setgroups", "deny") &&
+                        write_file("/proc/self/uid_map", "0 " + std::to_string(user) + " 1") &&
+                        write_file("/proc/self/gid_map", "0 " + std::to_string(group) + " 1");
+    if (!mapped) {
+        perror("user namespace");
+        return false;
+    }
     if (!loopback_up()) {
         perror("loopback interface");
         return false;
     }
-    if (mount("tmpfs", "/dev/shm", "tmpfs", 0, nullptr) != 0) {
+    const bool mounted = mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                         mount("tmpfs", "/dev/shm", "tmpfs", 0, nullptr) == 0;
+    if (!mounted)
         perror("/dev/shm");
-        return false;
-    }
-    const bool told = write(ready, "", 1) == 1;
-    close(ready);
-    return told;
+    return mounted && setenv(network, "own", 1) == 0;
 }
 
 bool can_bind(const sockaddr_in &address)
@@ -163,25 +143,30 @@ bool take_machines_network()
     return true;
 }
 
+bool take_network()
+{
+    const char *const given = getenv(network);
+    if (given != nullptr)
+        return strcmp(given, "own") == 0 || take_machines_network();
+    const uid_t user = geteuid();
+    const gid_t group = getegid();
+    end_the_sanitizers_thread();
+    if (unshare(CLONE_NEWUSER | CLONE_NEWNET | CLONE_NEWNS) == 0)
+        return set_up_namespaces(user, group);
+    // Namespaces are forbidden.
+    return setenv(network, "machine", 1) == 0 && take_machines_network();
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    const char *const given = getenv(network);
-    const bool own = given != nullptr && strcmp(given, "machine") != 0;
     const bool lists = only_lists_cases(argc, argv);
-    if (!lists) {
-        if (given == nullptr) {
-            const std::optional<int> result = run_in_own_namespaces(argc, argv);
-            if (result)
-                return *result;
-        }
-        if (own ? !set_up_namespaces(atoi(given)) : !take_machines_network())
-            return 1;
-    }
+    if (!lists && !take_network())
+        return 1;
     testing::InitGoogleTest(&argc, argv);
     const int result = RUN_ALL_TESTS();
-    if (!lists && !own)
+    if (!lists && strcmp(getenv(network), "machine") == 0)
         remove_share_maps();
     return result;
 }
