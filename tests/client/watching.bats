@@ -87,7 +87,8 @@ netport.key: secret -> secret  by 127.0.0.1' ]
 
 @test "watch: a line for each change" {
     camparam set af.zoom_value=1 # before: not told
-    camparam watch 'af.*' >"$folder/watch" 3>&- &
+    # Not by the function, of which the shell that runs it would be ended alone.
+    "$CAMPARAM" --timeout 20 watch 'af.*' >"$folder/watch" 3>&- &
     watcher=$!
     wait_for sh -c "'$CAMPARAM' set af.zoom_value=2 af.focus_mode=0; sleep 0.3; '$CAMPARAM' set af.zoom_value=3;
         grep -q 'zoom_value=3' '$folder/watch'"
