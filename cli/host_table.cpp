@@ -5,8 +5,10 @@
 
 host_table::host_table(const host_results &results)
 {
-    for (const host_result &one : results)
+    for (const host_result &one : results) {
         hosts.push_back(one.host);
+        answered.push_back(one.found != nullptr);
+    }
 }
 
 void host_table::set(size_t host, const std::string &setting, const cJSON *value)
@@ -36,11 +38,15 @@ void host_table::set_all(size_t host, const cJSON *modules)
 
 void host_table::keep_different()
 {
-    const auto is_same = [](const row &one) {
-        const cJSON *const first = one.values.front();
-        return std::all_of(one.values.begin(), one.values.end(), [&](const cJSON *value) {
-            return value == first || cJSON_Compare(value, first, 1) != 0;
-        });
+    const size_t first =
+        static_cast<size_t>(std::find(answered.begin(), answered.end(), true) - answered.begin());
+    const auto is_same = [&](const row &one) {
+        for (size_t host = first; host < hosts.size(); host++) {
+            const cJSON *const value = one.values[host], *const expected = one.values[first];
+            if (answered[host] && value != expected && cJSON_Compare(value, expected, 1) == 0)
+                return false;
+        }
+        return true;
     };
     rows.erase(std::remove_if(rows.begin(), rows.end(), is_same), rows.end());
     places.clear();

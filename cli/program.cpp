@@ -12,7 +12,7 @@ exit_code run_on_files(program &all, const command_steps &command)
     if (command.files == file_access::none)
         throw failure(USAGE, "\"" + command.name + "\" needs a host, and not --root");
     all.access = command.files;
-    const exit_code status = command.run();
+    const exit_code status = ended_well(command.run); // what it has changed is saved in any case
     if (command.files != file_access::changes)
         return status;
     const std::vector<unsaved_module> unsaved = save_local_store();

@@ -122,6 +122,8 @@ exit_code set_for_a_time(client &host, const plan &made, const options &given, b
 
 exit_code run(program &all, options &given)
 {
+    if (given.confirm_s > 0 && !all.root.empty())
+        throw failure(USAGE, "--confirm needs a host, and not --root");
     client host = all.connect();
     if (is_list_of_modules(given.values))
         return print_modules(host, given.values, all);

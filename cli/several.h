@@ -29,6 +29,7 @@ public:
     // The same for each value in an object of modules.
     void set_all(size_t host, const cJSON *modules);
 
+    // Leaves out the settings that are the same on all hosts that have answered.
     void keep_different();
     bool is_empty() const { return rows.empty(); }
 
@@ -43,6 +44,7 @@ private:
     };
 
     std::vector<std::string> hosts;
+    std::vector<bool> answered; // by host
     std::vector<row> rows;
     std::unordered_map<std::string, size_t> places; // of settings in the rows
 };

@@ -81,6 +81,8 @@ leave_files()
     content >"$folder/before"
     run files set af.zoom_value=1001 panel.level=3
     is 4 'camparam: af.zoom_value: "1001" is out of range (number, 0 to 1000)' 'camparam: nothing was set'
+    run files set af.zoom_value=3 --confirm 5
+    is 2 'camparam: --confirm needs a host, and not --root'
     run files set af.zoom=3
     is 5 'camparam: no setting "af.zoom"; did you mean "af.zoom_value"?' 'camparam: nothing was set'
     content | cmp "$folder/before" -

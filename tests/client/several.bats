@@ -52,8 +52,10 @@ both()
     is 7 'HOST            panel.level' '127.0.0.1       5' '127.0.0.1:6802  7'
     run both --json diff --only panel
     is 7 '{' '	"panel.level":	{' '		"127.0.0.1":	5,' '		"127.0.0.1:6802":	7' '	}' '}'
-    run both --host 127.0.0.1:6803 --retries 0 diff --only af
-    [ "$status" = 6 ]
+    run both --host 127.0.0.1:6803 diff
+    is 6 'camparam: 127.0.0.1:6803: nothing listens on 127.0.0.1 port 6803; is the host process running, is --host right?' \
+        'HOST            panel.level  netport.http_port' '127.0.0.1       5            80' \
+        '127.0.0.1:6802  7            81' '127.0.0.1:6803  -            -'
 }
 
 @test "diff: of hosts with a dump" {
