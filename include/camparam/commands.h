@@ -12,9 +12,9 @@
 PARA_BEGIN_DECLS
 
 /**
- * Offer the commands "changes", "check", "confirm", "describe", "lens", "log", "reload", "reset",
- * "save", "status" and "style". Once, before platformparam_init(), from the thread that will call
- * that.
+ * Offer the commands "changes", "check", "confirm", "describe", "lens", "log", "pages", "reload",
+ * "reset", "save", "status" and "style". Once, before platformparam_init(), from the thread that
+ * will call that.
  *
  * They are carried out on the thread "Para_Process", but for what waits: "reload" and "save" wait
  * for files, and what "confirm" has set for the time when it is taken back. These have a thread of
