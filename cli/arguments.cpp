@@ -127,9 +127,18 @@ std::vector<std::string> arguments::commands() const
     return names;
 }
 
+namespace {
+
+const char *const see_program =
+    "\"camparam --help\" lists the options of all commands, such as --host and --json, and the "
+    "exit statuses.";
+
+} // namespace
+
 arguments arguments::command(const char *name, const char *help, std::function<void()> run) const
 {
     CLI::App *const added = app->add_subcommand(name, help);
+    added->footer(see_program);
     added->callback(std::move(run));
     return arguments(added);
 }
@@ -137,13 +146,14 @@ arguments arguments::command(const char *name, const char *help, std::function<v
 arguments arguments::group(const char *name, const char *help) const
 {
     CLI::App *const added = app->add_subcommand(name, help);
+    added->footer(see_program);
     added->require_subcommand(1);
     return arguments(added);
 }
 
 void arguments::footer(const char *text) const
 {
-    app->footer(text);
+    app->footer(std::string(text) + "\n\n" + see_program);
 }
 
 argument arguments::flag(bool &into, const char *name, const char *help) const

@@ -58,7 +58,8 @@ public:
     arguments command(const char *name, const char *help, std::function<void()> run) const;
     arguments group(const char *name, const char *help) const; // of commands
 
-    void footer(const char *text) const; // of the help
+    // Of the help of a command; where the options of the program are listed stands behind it.
+    void footer(const char *text) const;
 
     argument flag(bool &into, const char *name, const char *help) const;
     argument text(std::string &into, const argument_text &about) const;

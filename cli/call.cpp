@@ -66,6 +66,13 @@ void add_call(const arguments &words, program &all)
 {
     const auto [call, given] =
         add_command<options>(words, all, {"call", "Run a command that the host offers", run});
+    call.footer(
+        R"(Hosts with the command kit, such as camparamd, offer: changes, check, confirm, describe, lens,
+log, pages, reload, reset, save, status, style.
+
+Examples:
+  camparam call save
+  camparam call lens zoom_value=1200)");
     call.text(given.command, {"command", "COMMAND", "Name of the command"}).required();
     call.texts(given.members,
                {"members", "MEMBER=VALUE",

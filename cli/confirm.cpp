@@ -35,5 +35,8 @@ void add_confirm(const arguments &words, program &all)
 {
     const auto [confirm, given] = add_command<options>(
         words, all, {"confirm", "Keep what \"camparam set --confirm\" has set", run});
+    confirm.footer(R"(Example:
+  camparam set netport.ip=192.168.1.9 --confirm 60
+  camparam --host 192.168.1.9 confirm)");
     confirm.flag(given.show, "--show", "Only show what waits to be confirmed");
 }

@@ -75,5 +75,8 @@ void add_describe(const arguments &words, program &all)
         add_command<options>(words, all,
                              {"describe", "Tell all that is known of settings", run, nullptr,
                               nullptr, file_access::reads});
+    describe.footer(R"(Examples:
+  camparam describe misc.trackMode
+  camparam describe 'isp0.wb*')");
     describe.texts(given.patterns, {"settings", "GLOB", "Modules or settings"}).required();
 }

@@ -188,6 +188,10 @@ void add_diff(const arguments &words, program &all)
                               "Show what differs from its default, from a dump or between hosts; "
                               "exit status 7 if anything",
                               run, prepare, compare, file_access::reads});
+    diff.footer(R"(Examples:
+  camparam diff --only isp0       from the defaults
+  camparam diff camera.json       from a dump
+  camparam --host cam1 --host cam2 diff)");
     diff.text(given.file, {"file", "FILE", "A dump; \"-\" is standard input"});
     diff.texts(given.patterns, {"--only", "GLOB", "Only these modules or settings"});
 }

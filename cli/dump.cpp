@@ -34,5 +34,10 @@ void add_dump(const arguments &words, program &all)
         words, all,
         {"dump", "Print the values of all that can be set, for \"load\" and \"diff\"", run, nullptr,
          compare, file_access::reads});
+    dump.footer(R"(Values of secrets are left out, unless with --show-secrets.
+
+Examples:
+  camparam dump >camera.json
+  camparam dump isp0 audio >picture_and_sound.json)");
     dump.texts(given.patterns, {"settings", "GLOB", "Only these modules or settings"});
 }

@@ -136,6 +136,10 @@ void add_get(const arguments &words, program &all)
     const auto [get, given] = add_command<options>(
         words, all,
         {"get", "Print values, one per line", run, nullptr, compare, file_access::reads});
+    get.footer(R"(Examples:
+  camparam get                    the modules
+  camparam get af                 every value of a module
+  camparam get af.zoom_value video0.gop)");
     get.texts(given.names,
               {"settings", "MODULE[.MEMBER]", "Modules or settings; none: lists the modules"});
 }

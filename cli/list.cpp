@@ -186,6 +186,11 @@ void add_list(const arguments &words, program &all)
         words, all,
         {"list", "Show settings: kind, range, default and value; * marks a changed one", run,
          nullptr, compare, file_access::reads});
+    list.footer(R"(Examples:
+  camparam list                   every setting
+  camparam list af video0.gop     a module and a setting
+  camparam list 'isp0.*gain*'     settings by a pattern
+  camparam list --changed         what differs from its default)");
     list.texts(given.patterns,
                {"settings", "GLOB", "Only these modules or settings, such as af or isp0.*gain*"});
     list.flag(given.changed, "--changed", "Only what differs from its default");

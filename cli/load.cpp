@@ -167,6 +167,12 @@ void add_load(const arguments &words, program &all)
         add_command<options>(words, all,
                              {"load", "Set what a dump holds, and count what became of it", run,
                               prepare, compare, file_access::changes});
+    load.footer(R"(What cannot be set is named, and the rest is set.
+
+Examples:
+  camparam load camera.json --dry-run
+  camparam load camera.json
+  camparam --host cam1 dump isp0 | camparam --host cam2 load -)");
     load.text(given.file, {"file", "FILE", "The dump; \"-\" is standard input"}).required();
     load.flag(given.dry_run, "--dry-run", "Only tell what would change");
     const argument replace =

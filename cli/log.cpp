@@ -37,5 +37,8 @@ void add_log(const arguments &words, program &all)
     const auto [log, given] = add_command<options>(
         words, all,
         {"log", "Show the last changes, and who made them: the last 256 at the most", run});
+    log.footer(R"(Examples:
+  camparam log
+  camparam log netport 'isp0.*gain*')");
     log.texts(given.patterns, {"settings", "GLOB", "Only these modules or settings"});
 }

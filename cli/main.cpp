@@ -16,24 +16,22 @@ namespace {
 
 const char *const examples = R"(Examples:
   camparam list                           every setting with its range
-  camparam list af.zoom_value             one setting
-  camparam get af                         every value of a module
+  camparam list 'video?.*Rate'            some of them
   camparam get af.zoom_value af.focus_mode
   camparam set af.zoom_value=1200         set, and read back
-  camparam set misc.hdmivideoformat=1080P50 netport.http_port=8080 --wait-saved
+  camparam set misc.mirror=on netport.http_port=8080 --wait-saved
+  camparam reset misc.mirror              back to its default
   camparam diff                           what differs from its default
-  camparam dump >camera.json              keep all values, and bring them back:
-  camparam load camera.json
+  camparam dump >camera.json              keep all values, and bring them back,
+  camparam load camera.json               perhaps on another camera
   camparam watch 'isp0.*'                 a line for each change
+  camparam log netport                    who changed what
   camparam style vivid --default          picture style, now and after each start
-  camparam www get image                  a web page's values in web names
-  camparam www set image 'hue=5&gamma=2'
-  camparam share video.bitRate=4096 --instance 1
-  camparam call save                      run a command of the host
-  echo '{"msg_type":"get","msg_id":1,"af":["all"]}' | camparam raw
-  camparam wait --for 30                  until the host answers
-  camparam record day.jsonl               write down what clients send to port 6801
-  camparam replay day.jsonl               send it again and compare the answers
+  camparam --host cam1 --host cam2 diff   what differs between cameras
+  camparam --hosts cameras.txt status     a row for each of them
+  camparam --root home:data list          the files of a device, without a host
+  camparam check home --data data         faults in them
+  camparam COMMAND --help                 options and examples of a command
 
 Exit status: 0 done, 1 other failure, 2 wrong usage, 3 no answer, 4 refused,
 5 no such setting, 6 partly done, 7 something differs, 8 not saved in time.)";

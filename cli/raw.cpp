@@ -29,6 +29,11 @@ exit_code run(program &all, options &)
 
 void add_raw(const arguments &words, program &all)
 {
-    add_command<options>(
-        words, all, {"raw", "Send the JSON request on standard input and print the answer", run});
+    const arguments raw =
+        add_command<options>(
+            words, all,
+            {"raw", "Send the JSON request on standard input and print the answer", run})
+            .words;
+    raw.footer(R"(Example:
+  echo '{"msg_type":"get","msg_id":1,"af":["all"]}' | camparam raw)");
 }

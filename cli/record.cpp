@@ -224,8 +224,13 @@ void add_record(const arguments &words, program &all)
 {
     const auto [record, given] = add_command<options>(
         words, all, {"record", "Write down requests and answers on their way to the host", run});
-    record.footer("Requests to the port are passed on to the host, and its answers back, until the "
-                  "command is\ninterrupted. The file holds every value that is sent, secrets too.");
+    record.footer(
+        R"(Requests to the port are passed on to the host, and its answers back, until the command is
+interrupted. The file holds every value that is sent, secrets too.
+
+Example, in two shells:
+  camparam record day.jsonl
+  camparam --port 6801 get af)");
     record.text(given.file, {"file", "FILE", "File to write, a JSON object a line"}).required();
     record
         .integer(

@@ -200,7 +200,7 @@ void add_replay(const arguments &words, program &all)
     const auto [replay, given] = add_command<options>(
         words, all, {"replay", "Send recorded requests again and compare the answers", run});
     replay.footer("Members msg_id, time, started, uptime and saved_at of JSON answers are not "
-                  "compared.");
+                  "compared.\n\nExample:\n  camparam --host cam2 replay day.jsonl");
     replay.text(given.file, {"file", "FILE", "Recording; \"-\" is standard input"}).required();
     replay.number(given.speed, {"--speed", "FACTOR",
                                 "Keep the recorded pauses, divided by this [default: as fast as "

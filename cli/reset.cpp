@@ -104,6 +104,10 @@ void add_reset(const arguments &words, program &all)
     const auto [reset, given] = add_command<options>(
         words, all,
         {"reset", "Set settings to their defaults", run, nullptr, nullptr, file_access::changes});
+    reset.footer(R"(Examples:
+  camparam reset isp0.hue         a setting
+  camparam reset isp0 'video?.gop'
+  camparam reset --all)");
     reset.texts(given.patterns, {"settings", "GLOB", "Modules or settings"});
     reset.flag(given.everything, "--all", "Every setting");
 }

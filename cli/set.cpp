@@ -154,6 +154,11 @@ void add_set(const arguments &words, program &all)
         words, all,
         {"set", "Change settings and read them back: all or none, if one cannot be", run, nullptr,
          compare, file_access::changes});
+    set.footer(R"(Examples:
+  camparam set af                 what can be set of a module
+  camparam set af.zoom_value=1200 af.focus_mode=manual
+  camparam set netport.http_port=8080 --wait-saved
+  camparam set netport.ip=192.168.1.9 --confirm 60)");
     set.texts(given.values,
               {"values", "MODULE.MEMBER=VALUE",
                "Settings and their new values; of modules alone shows what can be set"});

@@ -76,6 +76,8 @@ void add_share(const arguments &words, program &all)
     const auto [share, given] = add_command<options>(
         words, all,
         {"share", "Change a setting by share datagram and read it back by request", run});
+    share.footer(R"(Example:
+  camparam share video.bitRate=4096 --instance 1)");
     share
         .text(given.value,
               {"value", "MODULE.MEMBER=VALUE", "Setting of video, audio or isp, and its new value"})

@@ -118,6 +118,10 @@ void add_style(const arguments &words, program &all)
 {
     const auto [style, given] = add_command<options>(
         words, all, {"style", "Show the picture styles, or apply one with all its values", run});
+    style.footer(R"(Examples:
+  camparam style                  the styles
+  camparam style vivid            apply one
+  camparam style vivid --default  now and after each start)");
     const argument name = style.text(given.name, {"style", "STYLE", "The style to apply"});
     style.flag(given.as_default, "--default", "Make it the default style, too").needs(name);
 }

@@ -50,6 +50,8 @@ void add_test(const arguments &words, program &all)
         add_command<options>(words, all,
                              {"test", "Tell whether a value would be taken, and set nothing", run,
                               nullptr, nullptr, file_access::reads});
+    test.footer(R"(Example:
+  camparam test video0.bitRate 4096)");
     test.text(given.setting, {"setting", "MODULE.MEMBER", "The setting"}).required();
     test.text(given.value, {"value", "VALUE", "Its value"}).required();
     add_form_options(test, given.form);

@@ -78,5 +78,7 @@ void add_wait(const arguments &words, program &all)
 {
     const auto [wait, given] =
         add_command<options>(words, all, {"wait", "Wait until the host answers", run});
+    wait.footer(R"(Example:
+  camparam wait --for 30 && camparam load camera.json)");
     wait.number(given.longest_s, {"--for", "SECONDS", "Seconds to wait at most"}).shows_default();
 }

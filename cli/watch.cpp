@@ -126,6 +126,10 @@ void add_watch(const arguments &words, program &all)
 {
     const auto [watch, given] = add_command<options>(
         words, all, {"watch", "Print a line for each change, as it is made", run});
+    watch.footer(R"(Examples:
+  camparam watch
+  camparam watch isp0 --for 60
+  camparam watch netport --on 'logger "$CAMPARAM_SETTING is $CAMPARAM_NEW now"')");
     watch.texts(given.patterns, {"settings", "GLOB", "Only these modules or settings"});
     watch.text(given.command,
                {"--on", "SHELL-COMMAND",

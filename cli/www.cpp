@@ -242,6 +242,9 @@ void add_www(const arguments &words, program &all)
 {
     const arguments www =
         words.group("www", "Read or change settings in the names of the web pages");
+    www.footer(R"(Examples:
+  camparam www get image
+  camparam www set image 'hue=5&gamma=2')");
     const auto [get, page] =
         add_command<options>(www, all,
                              {"get", "Print the values of a page, one per line", run_get, nullptr,

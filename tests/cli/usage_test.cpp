@@ -16,12 +16,16 @@ TEST(ClientUsage, HelpShowsCommandsOptionsAndExamples)
 TEST(ClientUsage, EachCommandHasHelp)
 {
     for (const char *command :
-         {"list",  "get",   "set",   "describe", "diff", "reset",   "dump",
-          "load",  "watch", "test",  "status",   "log",  "confirm", "call",
-          "style", "www",   "share", "raw",      "wait", "record",  "replay"}) {
+         {"list",  "get",  "set",    "describe", "diff",    "reset", "dump",  "load",
+          "watch", "test", "status", "log",      "confirm", "call",  "style", "www",
+          "share", "raw",  "wait",   "record",   "replay",  "check"}) {
         const run_result help = run({command, "--help"});
         EXPECT_EQ(help.status, 0) << command;
         EXPECT_NE(help.output.find("Usage: camparam " + std::string(command)), std::string::npos)
+            << help.output;
+        EXPECT_NE(help.output.find("\"camparam --help\" lists"), std::string::npos) << help.output;
+        EXPECT_EQ(help.output.find("camparam COMMAND --help"), std::string::npos)
+            << "the examples of the program\n"
             << help.output;
     }
 }
