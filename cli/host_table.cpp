@@ -56,6 +56,8 @@ void host_table::keep_different()
 
 void host_table::print(std::string (*cell)(const cJSON *value)) const
 {
+    if (rows.empty())
+        return;
     const bool hosts_in_rows = hosts.size() > rows.size();
     std::vector<std::vector<std::string>> cells(1 + rows.size(),
                                                 std::vector<std::string>(1 + hosts.size()));

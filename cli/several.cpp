@@ -120,6 +120,7 @@ void check_names(const program &all)
 void read_hosts(const std::string &path, std::vector<std::string> &hosts)
 {
     std::ifstream file(path);
+    const size_t before = hosts.size();
     for (std::string line; std::getline(file, line);) {
         line.erase(std::find(line.begin(), line.end(), '#'), line.end());
         std::istringstream words(line);
@@ -128,6 +129,8 @@ void read_hosts(const std::string &path, std::vector<std::string> &hosts)
     }
     if (!file.eof() || file.bad())
         throw failure(OTHER, "cannot read \"" + path + "\"");
+    if (hosts.size() == before) // else the command would go to the usual host
+        throw failure(USAGE, "\"" + path + "\" names no host");
 }
 
 host_results run_on_each(program &all, const std::function<exit_code()> &run)

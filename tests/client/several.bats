@@ -30,6 +30,15 @@ both()
         'af.zoom_value  20         20' 'netport.extra  -          5'
 }
 
+@test "set: what no host takes leaves no table" {
+    start_other
+    run both set af.zoom_value=1001
+    is 4 'camparam: 127.0.0.1: af.zoom_value: "1001" is out of range (number, 0 to 1000)' \
+        'camparam: 127.0.0.1: nothing was set' \
+        'camparam: 127.0.0.1:6802: af.zoom_value: "1001" is out of range (number, 0 to 1000)' \
+        'camparam: 127.0.0.1:6802: nothing was set'
+}
+
 @test "list: marks what differs from its default, and hides secrets" {
     start_other
     camparam --host "$other" set panel.level=7
@@ -110,6 +119,9 @@ both()
     [ "$(echo "$output" | grep -c 'camparam: localhost:68[0-9]*: nothing listens')" = 9 ]
     run camparam --hosts "$folder/none" get af.zoom_value
     is 1 "camparam: cannot read \"$folder/none\""
+    printf '# none\n' >"$folder/hosts"
+    run camparam --hosts "$folder/hosts" set af.zoom_value=9
+    is 2 "camparam: \"$folder/hosts\" names no host"
     printf '%s\n' "$other" >"$folder/hosts"
     run camparam --hosts "$folder/hosts" get af.zoom_value
     is 0 'af.zoom_value=20'
