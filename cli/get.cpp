@@ -3,6 +3,7 @@
 
 #include "client/describe.h"
 #include "client/outcome.h"
+#include "client/selection.h"
 #include "commands.h"
 #include "get.h"
 #include "list.h"
@@ -116,12 +117,35 @@ struct options {
     std::vector<std::string> names;
 };
 
+// The settings that patterns mean, in their place.
+std::vector<std::string> without_patterns(client &host, const std::vector<std::string> &texts,
+                                          bool show_secrets)
+{
+    std::vector<std::string> names;
+    for (const std::string &text : texts) {
+        if (!is_pattern(text)) {
+            names.push_back(text);
+            continue;
+        }
+        const description described = describe_selected(host, {text}, false);
+        const size_t before = names.size();
+        for (const described_setting &setting : select_settings(host, described, {text})) {
+            if (!setting.member->read_only && (!setting.member->secret || show_secrets))
+                names.push_back(setting.name().text());
+        }
+        if (names.size() == before)
+            throw failure(NO_SUCH_SETTING,
+                          "no setting that matches \"" + text + "\" can be asked for by its name");
+    }
+    return names;
+}
+
 exit_code run(program &all, options &given)
 {
     client host = all.connect();
     if (given.names.empty())
         return print_modules(host, {}, all);
-    return print_settings(host, given.names, all.as_json);
+    return print_settings(host, without_patterns(host, given.names, all.show_secrets), all.as_json);
 }
 
 exit_code compare(const program &all, const host_results &results, const options &)
@@ -139,7 +163,7 @@ void add_get(const arguments &words, program &all)
     get.footer(R"(Examples:
   camparam get                    the modules
   camparam get af                 every value of a module
-  camparam get af.zoom_value video0.gop)");
-    get.texts(given.names,
-              {"settings", "MODULE[.MEMBER]", "Modules or settings; none: lists the modules"});
+  camparam get af.zoom_value video0.gop
+  camparam get 'isp0.*gain*')");
+    get.texts(given.names, {"settings", "GLOB", "Modules or settings; none: lists the modules"});
 }

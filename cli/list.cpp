@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 #include "client/selection.h"
 #include "commands.h"
@@ -14,6 +15,7 @@ namespace {
 struct options {
     std::vector<std::string> patterns;
     bool changed = false;
+    std::string word; // to be found
 };
 
 const std::vector<std::string> header = {"NAME", "KIND", "MIN", "MAX", "DEFAULT", "VALUE", ""};
@@ -94,6 +96,29 @@ exit_code list_values(client &host, const std::vector<std::string> &patterns, bo
     return print_settings(host, patterns, as_json);
 }
 
+bool has_word(const described_setting &setting, const std::string &word)
+{
+    const member_description &member = *setting.member;
+    for (const std::string &text : {setting.name().text(), member.label, member.help}) {
+        if (strcasestr(text.c_str(), word.c_str()) != nullptr)
+            return true;
+    }
+    return false;
+}
+
+bool is_wanted(const described_setting &setting, const options &given)
+{
+    return (!given.changed || differs_from_default(*setting.member)) &&
+           has_word(setting, given.word);
+}
+
+// What is named but has no settings, such as a module whose files are faulty.
+void tell_of_nothing(const std::vector<described_setting> &settings, const options &given)
+{
+    if (settings.empty() && !given.patterns.empty())
+        print_message("no settings there; \"camparam check\" looks for faults in a device's files");
+}
+
 exit_code list_settings(client &host, const options &given, const program &all)
 {
     for (const std::string &pattern : given.patterns)
@@ -104,12 +129,14 @@ exit_code list_settings(client &host, const options &given, const program &all)
         return list_values(host, given.patterns, all.as_json);
 
     std::vector<described_setting> settings = select_settings(host, *described, given.patterns);
-    if (given.changed)
-        settings.erase(std::remove_if(settings.begin(), settings.end(),
-                                      [](const described_setting &setting) {
-                                          return !differs_from_default(*setting.member);
-                                      }),
-                       settings.end());
+    tell_of_nothing(settings, given);
+    settings.erase(std::remove_if(settings.begin(), settings.end(),
+                                  [&](const described_setting &setting) {
+                                      return !is_wanted(setting, given);
+                                  }),
+                   settings.end());
+    if (!given.word.empty() && settings.empty())
+        throw failure(NO_SUCH_SETTING, "no setting has the word \"" + given.word + "\"");
     if (all.as_json)
         print_tree(settings);
     else
@@ -163,7 +190,7 @@ bool is_list_of_modules(const std::vector<std::string> &texts)
 exit_code print_modules(client &host, const std::vector<std::string> &names, const program &all)
 {
     if (!names.empty())
-        return list_settings(host, {names, false}, all);
+        return list_settings(host, {names, false, ""}, all);
     const description described = describe_selected(host, {}, false);
     if (all.as_json) {
         const json_ptr modules(cJSON_CreateObject());
@@ -190,8 +217,11 @@ void add_list(const arguments &words, program &all)
   camparam list                   every setting
   camparam list af video0.gop     a module and a setting
   camparam list 'isp0.*gain*'     settings by a pattern
+  camparam list --find noise      settings by a word of their name, label or help
   camparam list --changed         what differs from its default)");
     list.texts(given.patterns,
                {"settings", "GLOB", "Only these modules or settings, such as af or isp0.*gain*"});
+    list.text(given.word, {"--find", "WORD",
+                           "Only with the word in name, label or help, in upper or lower case"});
     list.flag(given.changed, "--changed", "Only what differs from its default");
 }

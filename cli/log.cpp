@@ -16,9 +16,11 @@ struct options {
 exit_code run(program &all, options &given)
 {
     client host = all.connect();
+    bool any = false;
     for (const logged_change &change : read_log(host, 0).changes) {
         if (!is_meant(given.patterns, change.name))
             continue;
+        any = true;
         if (all.as_json) {
             print_json_line(change.entry.get());
             continue;
@@ -27,6 +29,8 @@ exit_code run(program &all, options &given)
                visible(change.name.text()).c_str(), visible(change.value("old")).c_str(),
                visible(change.value("new")).c_str(), visible(change.sender()).c_str());
     }
+    if (!any)
+        check_patterns(host, given.patterns);
     return DONE;
 }
 

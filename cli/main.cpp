@@ -16,7 +16,7 @@ namespace {
 
 const char *const examples = R"(Examples:
   camparam list                           every setting with its range
-  camparam list 'video?.*Rate'            some of them
+  camparam list --find noise              some of them, by a word
   camparam get af.zoom_value af.focus_mode
   camparam set af.zoom_value=1200         set, and read back
   camparam set misc.mirror=on netport.http_port=8080 --wait-saved

@@ -109,6 +109,8 @@ private:
 
 exit_code run(program &all, options &given)
 {
+    client host = all.connect();
+    check_patterns(host, given.patterns); // else it would wait in vain
     using clock = std::chrono::steady_clock;
     const auto end = clock::now() + std::chrono::duration_cast<clock::duration>(
                                         std::chrono::duration<double>(given.seconds));
@@ -134,5 +136,5 @@ void add_watch(const arguments &words, program &all)
     watch.text(given.command,
                {"--on", "SHELL-COMMAND",
                 "Run for each, with CAMPARAM_SETTING, CAMPARAM_OLD, CAMPARAM_NEW, CAMPARAM_BY"});
-    watch.number(given.seconds, {"--for", "SECONDS", "End after so long"}, 0, 1e9);
+    watch.number(given.seconds, {"--for", "SECONDS", "End after so long"}, 0, 999999);
 }

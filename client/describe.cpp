@@ -1,6 +1,7 @@
 #include "client/describe.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "client/failure.h"
 #include "client/suggest.h"
@@ -24,6 +25,27 @@ std::string suggest(const std::string &word, const std::vector<row> &rows,
         names.push_back(one.name);
     const std::string name = most_similar(word, names);
     return name.empty() ? "" : "; did you mean \"" + before + name + "\"?";
+}
+
+// Whether the name holds the word, in upper or lower case.
+bool holds(const std::string &name, const std::string &word)
+{
+    return strcasestr(name.c_str(), word.c_str()) != nullptr;
+}
+
+// A module, or a setting of which only the member was named, or a part of it.
+std::string suggest_for_module(const description &all, const std::string &word)
+{
+    const std::string module = suggest(word, all.modules, "");
+    if (!module.empty() || word.size() < 3)
+        return module;
+    for (const module_description &each : all.modules) {
+        for (const member_description &member : each.members) {
+            if (holds(member.name, word))
+                return "; did you mean \"" + each.name + "." + member.name + "\"?";
+        }
+    }
+    return "";
 }
 
 // An array names what an enum takes, an object some numbers.
@@ -194,7 +216,7 @@ std::string no_such_setting(client &host, const setting_name &name)
     const std::optional<description> all = describe(host, {});
     const module_description *const module = all ? all->find(name.module) : nullptr;
     if (all && module == nullptr)
-        return "no module \"" + name.module + "\"" + suggest(name.module, all->modules, "");
+        return "no module \"" + name.module + "\"" + suggest_for_module(*all, name.module);
 
     std::string text = "no setting \"" + name.text() + "\"";
     if (module == nullptr)

@@ -6,12 +6,12 @@
 
 #include "client/failure.h"
 
-namespace {
-
 bool is_pattern(const std::string &text)
 {
     return text.find_first_of("*?[\\") != std::string::npos;
 }
+
+namespace {
 
 std::string module_part(const std::string &pattern)
 {
@@ -26,8 +26,13 @@ bool is_meant(const std::string &pattern, const setting_name &name)
 
 [[noreturn]] void nothing_meant(client &host, const std::string &pattern)
 {
+    if (is_pattern(pattern) && pattern.find('.') == std::string::npos)
+        throw failure(NO_SUCH_SETTING, "no module matches \"" + pattern +
+                                           "\"; settings of all "
+                                           "modules match \"*." +
+                                           pattern + "\"");
     if (is_pattern(pattern))
-        throw failure(NO_SUCH_SETTING, "no setting is meant by \"" + pattern + "\"");
+        throw failure(NO_SUCH_SETTING, "no setting matches \"" + pattern + "\"");
     throw failure(NO_SUCH_SETTING, no_such_setting(host, parse_setting_name(pattern)));
 }
 
@@ -93,6 +98,16 @@ std::vector<described_setting> select_settings(client &host, const description &
             nothing_meant(host, patterns[i]);
     }
     return selected;
+}
+
+void check_patterns(client &host, const std::vector<std::string> &patterns)
+{
+    for (const std::string &pattern : patterns)
+        parse_setting_name(pattern);
+    if (patterns.empty())
+        return;
+    if (const std::optional<description> described = describe(host, modules_in(patterns)))
+        select_settings(host, *described, patterns);
 }
 
 description describe_selected(client &host, const std::vector<std::string> &patterns,

@@ -14,6 +14,9 @@ struct described_setting {
     setting_name name() const { return {module->name, member->name}; }
 };
 
+// Whether the text may mean several settings, as "isp0.*gain*" does.
+bool is_pattern(const std::string &text);
+
 // Whether any of the patterns means the setting; no pattern means all.
 bool is_meant(const std::vector<std::string> &patterns, const setting_name &name);
 
@@ -25,6 +28,9 @@ std::vector<std::string> modules_in(const std::vector<std::string> &patterns);
 // means nothing.
 std::vector<described_setting> select_settings(client &host, const description &described,
                                                const std::vector<std::string> &patterns);
+
+// Throws a failure for a pattern that means nothing, if the host describes its settings.
+void check_patterns(client &host, const std::vector<std::string> &patterns);
 
 // A description of what the patterns mean. Throws a failure when the host does not describe its
 // settings.

@@ -57,7 +57,9 @@ load host
     run camparam diff --only 'a.b'
     is 5 'camparam: no module "a"; did you mean "af"?'
     run camparam diff --only '*.b'
-    is 5 'camparam: no setting is meant by "*.b"'
+    is 5 'camparam: no setting matches "*.b"'
+    run camparam diff --only '*zoom*'
+    is 5 'camparam: no module matches "*zoom*"; settings of all modules match "*.*zoom*"'
 }
 
 @test "dump: values of all that can be set, without secrets" {
@@ -84,9 +86,14 @@ load host
 @test "load: tells only what would change" {
     echo '{"af": {"zoom_value": 9}}' >"$folder/dump"
     run camparam load --dry-run "$folder/dump"
-    is 0 '1 parsed, 1 would change, 0 unchanged, 0 unknown, 0 refused'
+    is 0 'af.zoom_value: 20 -> 9' '1 parsed, 1 would change, 0 unchanged, 0 unknown, 0 refused'
     run camparam get af.zoom_value
     is 0 'af.zoom_value=20'
+    echo '{"netport": {"key": "new"}}' >"$folder/dump"
+    run camparam load --dry-run "$folder/dump"
+    is 0 'netport.key: secret -> secret' '1 parsed, 1 would change, 0 unchanged, 0 unknown, 0 refused'
+    run camparam --json load --dry-run "$folder/dump"
+    is 0 '{"parsed":1,"would_change":1,"unchanged":0,"unknown":0,"refused":0}'
 }
 
 @test "load: names each refusal, and sets the rest" {

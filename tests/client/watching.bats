@@ -40,6 +40,41 @@ row()
     is 0 'NAME         KIND  MIN  MAX  DEFAULT  VALUE' 'netport.key  text  -    -    hush     other  *'
 }
 
+@test "list: finds settings by a word of their name, label or help" {
+    run camparam list --find ZOOM
+    is 0 'NAME           KIND    MIN  MAX   DEFAULT  VALUE' 'af.zoom_value  number  0    1000  20       20'
+    run camparam --json list panel af --find 'is wide'
+    [ "$status" = 0 ]
+    [ "$(echo "$output" | grep -c '"kind"')" = 1 ]
+    run camparam list --changed --find zoom
+    is 5 'camparam: no setting has the word "zoom"'
+    run camparam list panel --find zoom
+    is 5 'camparam: no setting has the word "zoom"'
+}
+
+@test "a member alone, or a part of it, is suggested with its module" {
+    run camparam get zoom_value
+    is 5 'camparam: no module "zoom_value"; did you mean "af.zoom_value"?'
+    run camparam set LEVEL=3
+    is 5 'camparam: no module "LEVEL"; did you mean "panel.level"?' 'camparam: nothing was set'
+}
+
+@test "get: settings by a pattern" {
+    run camparam get 'af.*o*' panel.level 'netport.*'
+    is 0 'af.focus_mode=0' 'af.zoom_value=20' 'panel.level=5' 'netport.http_port=80'
+    run camparam --show-secrets get '*.key'
+    is 0 'netport.key=hush'
+    run camparam get '*.key'
+    is 5 'camparam: no setting that matches "*.key" can be asked for by its name'
+}
+
+@test "list: a module that has no settings" {
+    echo '{"focus_mode": [3, 1' >"$folder/home/af_range.json"
+    run camparam --root "$folder/home" list af
+    is 0 "camparam: no settings there; \"camparam check\" looks for faults in a device's files" \
+        'NAME  KIND  MIN  MAX  DEFAULT  VALUE'
+}
+
 @test "status: what is saved of each module" {
     run camparam status
     [ "$status" = 0 ]
@@ -118,6 +153,15 @@ netport.key: secret -> secret  by 127.0.0.1' ]
     kill "$watcher"
 }
 
+@test "watch and log: settings that there are none of" {
+    run camparam watch --for 1 'lens.*'
+    is 5 'camparam: no setting matches "lens.*"'
+    run camparam log af.zoom
+    is 5 'camparam: no setting "af.zoom"; did you mean "af.zoom_value"?'
+    run camparam log af.zoom_value
+    is 0 ''
+}
+
 @test "watch: ends after its time" {
     run camparam watch --for 0.3
     is 0
@@ -149,7 +193,7 @@ netport.key: secret -> secret  by 127.0.0.1' ]
 @test "set: tells of values that the host cannot take back" {
     camparam set netport.http_port=81 --confirm 60
     run camparam set af.zoom_value=3 --confirm 60
-    is 4 'camparam: af.zoom_value: another change waits to be confirmed'
+    is 4 'camparam: af.zoom_value: another change waits to be confirmed' 'camparam: nothing was set'
 }
 
 @test "without a host each command ends with 3" {
