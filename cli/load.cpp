@@ -101,6 +101,17 @@ void set_all(client &host, const std::vector<change> &changes, counts &counted)
     counted.unknown += result.missing;
 }
 
+// What a setting has now and would have; secrets are not shown.
+void print_planned(const change &planned)
+{
+    const member_description *const member = planned.described;
+    const bool secret = member != nullptr && member->secret;
+    const cJSON *const now = member != nullptr ? member_of(member->node, "current") : nullptr;
+    const std::string then = value_text(planned.value.as_node().get());
+    printf("%s: %s -> %s\n", visible(planned.name.text()).c_str(),
+           secret ? "secret" : value_cell(now).c_str(), secret ? "secret" : visible(then).c_str());
+}
+
 void print(const counts &counted, const options &given, bool as_json)
 {
     const char *const changed = given.dry_run ? "would_change" : "changed";
@@ -137,6 +148,10 @@ exit_code run(program &all, options &given)
         counted.changed = static_cast<int>(changes.size());
     else
         set_all(host, changes, counted);
+    if (given.dry_run && !all.as_json) {
+        for (const change &one : changes)
+            print_planned(one);
+    }
     print(counted, given, all.as_json);
     return counted.result().status();
 }
