@@ -178,11 +178,29 @@ argument arguments::several(std::vector<std::string> &into, const argument_text 
                         ->allow_extra_args(false));
 }
 
+namespace {
+
+template <typename number> CLI::Validator in_range(number min, number max)
+{
+    const std::string range = CLI::detail::to_string(min) + " to " + CLI::detail::to_string(max);
+    return CLI::Validator(
+        [=](const std::string &text) {
+            number value = {};
+            const bool is_number = CLI::detail::lexical_cast(text, value);
+            return is_number && value >= min && value <= max
+                       ? std::string()
+                       : "takes a number from " + range + ", not \"" + text + "\"";
+        },
+        range);
+}
+
+} // namespace
+
 argument arguments::integer(int &into, const argument_text &about, int min, int max) const
 {
     return argument(app->add_option(about.name, into, about.help)
                         ->type_name(about.type)
-                        ->check(CLI::Range(min, max)));
+                        ->check(in_range(min, max)));
 }
 
 argument arguments::integer(std::optional<int> &into, const argument_text &about, int min,
@@ -190,7 +208,7 @@ argument arguments::integer(std::optional<int> &into, const argument_text &about
 {
     return argument(app->add_option(about.name, into, about.help)
                         ->type_name(about.type)
-                        ->check(CLI::Range(min, max)));
+                        ->check(in_range(min, max)));
 }
 
 argument arguments::number(double &into, const argument_text &about) const
@@ -202,7 +220,7 @@ argument arguments::number(double &into, const argument_text &about, double min,
 {
     return argument(app->add_option(about.name, into, about.help)
                         ->type_name(about.type)
-                        ->check(CLI::Range(min, max)));
+                        ->check(in_range(min, max)));
 }
 
 argument arguments::number(std::optional<double> &into, const argument_text &about) const

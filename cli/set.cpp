@@ -114,9 +114,10 @@ exit_code set_for_a_time(client &host, const plan &made, const options &given, b
         print_failure({REFUSED, std::string(reason->string) + ": " + string_of(reason)});
     }
     const outcome result = outcome_of(answer.get());
-    if (result.done > 0)
-        print_message("set for " + std::to_string(given.confirm_s) +
-                      " s; \"camparam confirm\" keeps it");
+    if (result.done == 0)
+        throw failure((made.refused + result).status(), "nothing was set");
+    print_message("set for " + std::to_string(given.confirm_s) +
+                  " s; \"camparam confirm\" keeps it");
     return (made.refused + result).status();
 }
 
@@ -166,8 +167,12 @@ void add_set(const arguments &words, program &all)
     set.flag(given.partly, "--partly", "Set what can be set");
     set.flag(given.create, "--create", "Set what the host does not describe, as new keys");
     const argument wait_saved =
-        set.number(given.wait_saved_s,
-                   {"--wait-saved", "SECONDS", "Return when the camera has saved them"}, 0, 3600)
+        set.number(
+               given.wait_saved_s,
+               {"--wait-saved", "SECONDS",
+                "Return when the camera has saved them; stands behind the values, or is written "
+                "--wait-saved=SECONDS"},
+               0, 3600)
             .is_usually("10");
     set.integer(given.confirm_s,
                 {"--confirm", "SECONDS",

@@ -38,6 +38,10 @@ std::string module_of(const std::string &shared, int instance)
             throw failure(USAGE, "audio has the instance 0 alone");
         return shared;
     }
+    const std::string kind = shared.substr(0, shared.find_first_of("0123456789"));
+    if (kind != shared && (kind == "video" || kind == "isp"))
+        throw failure(USAGE, "\"" + shared + "\" takes no share datagrams; write " + kind +
+                                 " and --instance " + shared.substr(kind.size()));
     if (shared != "video" && shared != "isp")
         throw failure(USAGE,
                       "\"" + shared + "\" takes no share datagrams; video, audio and isp do");

@@ -116,6 +116,15 @@ TEST(ClientUsage, AResultThatCannotBeWrittenIsAFailure)
     EXPECT_EQ(client.errors(), "camparam: cannot write the result\n");
 }
 
+TEST(ClientUsage, AValueOutOfItsRangeIsTold)
+{
+    EXPECT_EQ(run({"set", "--wait-saved", "misc.mirror=1"}).errors,
+              "camparam: --wait-saved: takes a number from 0 to 3600, not \"misc.mirror=1\"; "
+              "--help tells more\n");
+    EXPECT_EQ(run({"share", "video1.gop=5"}).errors,
+              "camparam: \"video1\" takes no share datagrams; write video and --instance 1\n");
+}
+
 TEST(ClientUsage, AMistypedCommandNamesTheNearest)
 {
     EXPECT_EQ(run({"lst"}).errors, "camparam: no command \"lst\"; did you mean \"list\"?\n");
