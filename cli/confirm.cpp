@@ -1,5 +1,6 @@
 #include <cstdio>
 
+#include "client/outcome.h"
 #include "commands.h"
 #include "output.h"
 
@@ -24,7 +25,9 @@ exit_code run(program &all, options &given)
         if (!all.as_json)
             puts(visible(string_of(name)).c_str());
     }
-    if (!given.show && cJSON_GetArraySize(names) == 0)
+    if (const int omitted = omitted_in(answer.get()))
+        print_message("and " + std::to_string(omitted) + " more");
+    else if (!given.show && cJSON_GetArraySize(names) == 0)
         throw failure(REFUSED, "nothing waits to be confirmed");
     return DONE;
 }

@@ -83,6 +83,7 @@ exit_code run(program &all, options &given)
     const json_ptr together(cJSON_CreateObject());
     cJSON *const accepted = cJSON_AddArrayToObject(together.get(), "accepted");
     cJSON *const refused = cJSON_AddObjectToObject(together.get(), "refused");
+    int omitted = 0;
     for (const auto &[module, names] : choose(settings, given.patterns)) {
         for (size_t first = 0; first < names.size(); first += most) {
             const json_ptr answer =
@@ -90,7 +91,12 @@ exit_code run(program &all, options &given)
             report(answer.get(), all.as_json);
             append(accepted, member_of(answer.get(), "accepted"));
             append(refused, member_of(answer.get(), "refused"));
+            omitted += omitted_in(answer.get());
         }
+    }
+    if (omitted > 0) {
+        cJSON_AddNumberToObject(together.get(), "omitted", omitted);
+        print_message("and " + std::to_string(omitted) + " more");
     }
     if (all.as_json)
         print_json(together.get());

@@ -113,6 +113,8 @@ exit_code set_for_a_time(client &host, const plan &made, const options &given, b
     {
         print_failure({REFUSED, std::string(reason->string) + ": " + string_of(reason)});
     }
+    if (const int omitted = omitted_in(answer.get()))
+        print_message("and " + std::to_string(omitted) + " more");
     const outcome result = outcome_of(answer.get());
     if (result.done == 0)
         throw failure((made.refused + result).status(), "nothing was set");

@@ -1,6 +1,7 @@
 #include <cstdio>
 
 #include "client/change.h"
+#include "client/outcome.h"
 #include "commands.h"
 #include "output.h"
 
@@ -18,9 +19,13 @@ void ask_host(client &host, const change &planned)
     add_setting(data.get(), planned.name, planned.value.as_node());
     const json_ptr answer = host.call("api_get", "check", std::move(data));
     const cJSON *const refused = member_of(answer.get(), "refused");
+    const int omitted = omitted_in(answer.get());
+    const std::string more = omitted > 0 ? "and " + std::to_string(omitted) + " more" : "";
     if (cJSON_GetArraySize(refused) > 0)
-        throw failure(REFUSED,
-                      std::string(refused->child->string) + ": " + string_of(refused->child));
+        throw failure(REFUSED, std::string(refused->child->string) + ": " +
+                                   string_of(refused->child) + (more.empty() ? "" : ", " + more));
+    if (omitted > 0)
+        throw failure(OTHER, "the host's answer leaves out what it says of " + planned.name.text());
 }
 
 exit_code run(program &all, options &given)

@@ -17,5 +17,9 @@ struct outcome {
     }
 };
 
-// Counts the "accepted" and "refused" of an answer from a command that changes settings.
+// Counts the "accepted" and "refused" of an answer from a command that changes settings, and the
+// names that it has no room for: as refused, where those that it tells are all refused.
 outcome outcome_of(const cJSON *answer);
+
+// How many more names there are than the answer has room for.
+int omitted_in(const cJSON *answer);
