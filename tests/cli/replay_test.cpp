@@ -68,7 +68,7 @@ TEST_F(ReplayCommand, TheSameHostAnswersAlike)
     start_host();
     start_recorder();
     const std::string listen = std::to_string(port);
-    EXPECT_EQ(run({"get", "af", "--port", listen}).status, 0);
+    EXPECT_EQ(run({"get", "af.zoom_value", "--port", listen}).status, 0);
     EXPECT_EQ(run({"call", "changes", "--port", listen}).status, 0);
     EXPECT_EQ(run({"call", "nosuch", "--port", listen}).status, 4);
     EXPECT_EQ(end_recorder(), 0);
