@@ -35,6 +35,12 @@ argument argument::is_usually(const std::string &value) const
     return *this;
 }
 
+argument argument::not_empty() const
+{
+    option->check([](const std::string &text) { return text.empty() ? "is empty" : ""; });
+    return *this;
+}
+
 namespace {
 
 const CLI::App *subcommand(const CLI::App &of, const std::string &name)

@@ -24,6 +24,8 @@ public:
     argument needs(const argument &other) const;
     // The value may be left out, and is this then.
     argument is_usually(const std::string &value) const;
+    // An empty value, such as of an unset variable of a shell, is wrong usage.
+    argument not_empty() const;
 
 private:
     CLI::Option *option;

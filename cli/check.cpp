@@ -66,5 +66,6 @@ void add_check(const arguments &words, program &all)
     check.footer("Prints FILE:LINE: MEMBER: reason. Exit status: 0 no fault, warnings perhaps;\n"
                  "4 faults, 5 no such folder.");
     check.text(given.home, {"home", "DIR", "Home folder of the device"});
-    check.text(given.data, {"--data", "DIR", "Folder of its saved files, to look at these, too"});
+    check.text(given.data, {"--data", "DIR", "Folder of its saved files, to look at these, too"})
+        .not_empty();
 }

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "client/describe.h"
+#include "several.h"
 
 namespace {
 
@@ -213,10 +214,9 @@ void reach(program &all, const std::map<std::string, std::string> &options)
     all.server.retries = 0;
     if (const std::optional<int> port = parse_int(given("--port")))
         all.server.port = *port;
-    const char *const usual = getenv("CAMPARAM_HOST");
     const std::string host = given("--host");
-    if (!host.empty() || usual != nullptr)
-        set_host(all.server, host.empty() ? usual : host);
+    if (!host.empty() || usual_host() != nullptr)
+        set_host(all.server, host.empty() ? usual_host() : host);
     all.root = given("--root");
     all.access = file_access::reads;
 }

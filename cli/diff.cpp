@@ -192,6 +192,6 @@ void add_diff(const arguments &words, program &all)
   camparam diff --only isp0       from the defaults
   camparam diff camera.json       from a dump
   camparam --host cam1 --host cam2 diff)");
-    diff.text(given.file, {"file", "FILE", "A dump; \"-\" is standard input"});
+    diff.text(given.file, {"file", "FILE", "A dump; \"-\" is standard input"}).not_empty();
     diff.texts(given.patterns, {"--only", "GLOB", "Only these modules or settings"});
 }

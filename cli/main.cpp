@@ -43,10 +43,11 @@ void add_options(const arguments &words, program &all)
                                   "Name or address of the camera, or of several; usually "
                                   "$CAMPARAM_HOST or 127.0.0.1"});
     const argument file =
-        words.text(all.hosts_file, {"--hosts", "FILE", "Hosts as well, one a line"});
+        words.text(all.hosts_file, {"--hosts", "FILE", "Hosts as well, one a line"}).not_empty();
     words
         .text(all.root,
               {"--root", "HOME[:DATA]", "Work on a device's files instead, without a host"})
+        .not_empty()
         .excludes(host)
         .excludes(file);
     words.integer(all.server.port, {"--port", "PORT", "UDP port of its message server"}, 1, 65535)
@@ -66,9 +67,8 @@ void check_options(program &all)
 {
     if (!all.hosts_file.empty())
         read_hosts(all.hosts_file, all.hosts);
-    const char *const usual = getenv("CAMPARAM_HOST");
-    if (all.hosts.empty() && usual != nullptr)
-        all.hosts = {usual};
+    if (all.hosts.empty() && usual_host() != nullptr)
+        all.hosts = {usual_host()};
     if (all.hosts.size() == 1)
         set_host(all.server, all.hosts.front());
     if (all.retries) {

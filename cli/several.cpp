@@ -119,8 +119,8 @@ void check_names(const program &all)
 
 void read_hosts(const std::string &path, std::vector<std::string> &hosts)
 {
-    std::ifstream file(path);
     const size_t before = hosts.size();
+    std::ifstream file(path);
     for (std::string line; std::getline(file, line);) {
         line.erase(std::find(line.begin(), line.end(), '#'), line.end());
         std::istringstream words(line);
@@ -129,8 +129,14 @@ void read_hosts(const std::string &path, std::vector<std::string> &hosts)
     }
     if (!file.eof() || file.bad())
         throw failure(OTHER, "cannot read \"" + path + "\"");
-    if (hosts.size() == before) // else the command would go to the usual host
+    if (hosts.size() == before) // the usual host is not meant then
         throw failure(USAGE, "\"" + path + "\" names no host");
+}
+
+const char *usual_host()
+{
+    const char *const host = getenv("CAMPARAM_HOST");
+    return host != nullptr && *host != '\0' ? host : nullptr;
 }
 
 host_results run_on_each(program &all, const std::function<exit_code()> &run)

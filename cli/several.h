@@ -10,6 +10,9 @@
 // Adds the hosts that a file names, one a line; blank lines and what follows a "#" are left out.
 void read_hosts(const std::string &path, std::vector<std::string> &hosts);
 
+// The host that the environment names; null: none.
+const char *usual_host();
+
 // Runs on each host, on eight at a time, each in a process of its own. Prints its messages.
 host_results run_on_each(program &all, const std::function<exit_code()> &run);
 

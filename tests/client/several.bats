@@ -148,3 +148,23 @@ both()
         echo "$output" | grep -q 'takes one host$'
     done
 }
+
+@test "hosts that nobody names are not taken for the usual one" {
+    printf '# none yet\n' >"$folder/hosts"
+    run camparam --hosts "$folder/hosts" set af.zoom_value=7
+    is 2 "camparam: \"$folder/hosts\" names no host"
+    for option in --hosts --root --host; do
+        run camparam "$option" '' set af.zoom_value=7
+        [ "$status" = 2 ]
+        run camparam "$option=" set af.zoom_value=7
+        [ "$status" = 2 ]
+    done
+    run camparam diff ''
+    [ "$status" = 2 ]
+    run camparam check "$folder/home" --data ''
+    [ "$status" = 2 ]
+    CAMPARAM_HOST='' run camparam get af.zoom_value
+    is 0 'af.zoom_value=20'
+    CAMPARAM_HOST='' run "$CAMPARAM" --complete-args call st
+    is 0 'status' 'style'
+}
