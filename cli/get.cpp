@@ -102,13 +102,7 @@ exit_code print_settings(client &host, const std::vector<std::string> &texts, bo
 
 exit_code compare_values(const program &all, const host_results &results)
 {
-    if (all.as_json)
-        return print_by_host(results);
-    host_table table(results);
-    for (size_t host = 0; host < results.size(); host++)
-        table.set_all(host, results[host].found.get());
-    table.print(value_cell);
-    return status_of(results);
+    return print_settings_by_host(all, results, value_cell);
 }
 
 namespace {

@@ -85,6 +85,19 @@ void host_table::print_as_json() const
     print_json(tree.get());
 }
 
+exit_code print_settings_by_host(const program &all, const host_results &results,
+                                 std::string (*cell)(const cJSON *value))
+{
+    if (all.as_json)
+        return print_by_host(results);
+    host_table table(results);
+    for (size_t host = 0; host < results.size(); host++)
+        table.set_all(host, results[host].found.get());
+    if (!table.is_empty() || status_of(results) == DONE)
+        table.print(cell);
+    return status_of(results);
+}
+
 std::string value_cell(const cJSON *value)
 {
     if (value == nullptr)

@@ -169,13 +169,7 @@ std::string cell_by_host(const cJSON *found)
 
 exit_code compare(const program &all, const host_results &results, const options &)
 {
-    if (all.as_json)
-        return print_by_host(results);
-    host_table table(results);
-    for (size_t host = 0; host < results.size(); host++)
-        table.set_all(host, results[host].found.get());
-    table.print(cell_by_host);
-    return status_of(results);
+    return compare_lists(all, results);
 }
 
 } // namespace
@@ -205,6 +199,11 @@ exit_code print_modules(client &host, const std::vector<std::string> &names, con
         rows.push_back({visible(module.name), std::to_string(module.members.size())});
     print_table(rows);
     return DONE;
+}
+
+exit_code compare_lists(const program &all, const host_results &results)
+{
+    return print_settings_by_host(all, results, cell_by_host);
 }
 
 void add_list(const arguments &words, program &all)

@@ -92,7 +92,7 @@ bool is_listed(const cJSON *names, const std::string &name)
 }
 
 // The host takes the values back by itself.
-exit_code set_for_a_time(client &host, const plan &made, const options &given, bool as_json)
+exit_code set_for_a_time(client &host, const plan &made, const options &given, const program &all)
 {
     json_ptr data(cJSON_CreateObject());
     cJSON_AddNumberToObject(data.get(), "seconds", given.confirm_s);
@@ -102,12 +102,16 @@ exit_code set_for_a_time(client &host, const plan &made, const options &given, b
     const json_ptr answer = host.call("api_set", "confirm", std::move(data));
     if (!answer)
         throw failure(OTHER, "the host does not take values back");
-    if (as_json)
-        print_json_line(answer.get());
+    const json_ptr accepted(cJSON_CreateObject());
     for (const change &one : made.changes) {
-        if (!as_json && is_listed(member_of(answer.get(), "accepted"), one.name.text()))
+        if (!is_listed(member_of(answer.get(), "accepted"), one.name.text()))
+            continue;
+        add_setting(accepted.get(), one.name, one.value.as_node());
+        if (!all.as_json)
             print_value(one.name.text(), one.value.as_node().get());
     }
+    if (all.as_json) // the values themselves where they are compared with those of other hosts
+        print_json_line(all.one_of_several ? accepted.get() : answer.get());
     const cJSON *reason = nullptr;
     cJSON_ArrayForEach(reason, member_of(answer.get(), "refused"))
     {
@@ -135,7 +139,7 @@ exit_code run(program &all, options &given)
     const std::optional<description> described = describe(host, modules_of(requested));
     plan made = plan_all(host, requested, described, given);
     if (given.confirm_s > 0)
-        return set_for_a_time(host, made, given, all.as_json);
+        return set_for_a_time(host, made, given, all);
     const exit_code status = set_now(host, made.changes, all.as_json, made.refused);
     if (given.wait_saved_s > 0 && made.refused.done > 0) {
         const exit_code saved = wait_until_saved(host, made.changes, given.wait_saved_s);
@@ -144,9 +148,10 @@ exit_code run(program &all, options &given)
     return status;
 }
 
-exit_code compare(const program &all, const host_results &results, const options &)
+exit_code compare(const program &all, const host_results &results, const options &given)
 {
-    return compare_values(all, results);
+    return is_list_of_modules(given.values) ? compare_lists(all, results)
+                                            : compare_values(all, results);
 }
 
 } // namespace

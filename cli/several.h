@@ -22,6 +22,13 @@ exit_code status_of(const host_results &results);
 // Prints what was found as one object: {"cam1": ..., "cam2": null}.
 exit_code print_by_host(const host_results &results);
 
+// A value as tables show it; "-" for none.
+std::string value_cell(const cJSON *value);
+
+// Prints settings of hosts side by side, or as print_by_host().
+exit_code print_settings_by_host(const program &all, const host_results &results,
+                                 std::string (*cell)(const cJSON *value));
+
 // Settings of hosts, side by side.
 class host_table {
 public:
@@ -51,9 +58,6 @@ private:
     std::vector<row> rows;
     std::unordered_map<std::string, size_t> places; // of settings in the rows
 };
-
-// A value as tables show it; "-" for none.
-std::string value_cell(const cJSON *value);
 
 // A row for each host.
 void print_rows_by_host(const host_results &results, std::vector<std::string> header,

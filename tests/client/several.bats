@@ -168,3 +168,22 @@ both()
     CAMPARAM_HOST='' run "$CAMPARAM" --complete-args call st
     is 0 'status' 'style'
 }
+
+@test "set: what modules have, what is refused everywhere, and what waits to be confirmed" {
+    start_other
+    camparam --host "$other" set panel.level=7
+    run both set panel
+    is 0 'NAME         127.0.0.1  127.0.0.1:6802' 'panel.mode   dim        dim' 'panel.level  5          7 *'
+    run both set
+    is 0 'NAME     127.0.0.1  127.0.0.1:6802' 'isp0     0          0' 'af       2          2' \
+        'audio    0          0' 'panel    2          2' 'netport  2          2'
+    run both set panel.level=77
+    is 4 'camparam: 127.0.0.1: panel.level: "77" is out of range (number, 0 to 9)' \
+        'camparam: 127.0.0.1: nothing was set' \
+        'camparam: 127.0.0.1:6802: panel.level: "77" is out of range (number, 0 to 9)' \
+        'camparam: 127.0.0.1:6802: nothing was set'
+    run both set panel.level=8 --confirm 60
+    is 0 'camparam: 127.0.0.1: set for 60 s; "camparam confirm" keeps it' \
+        'camparam: 127.0.0.1:6802: set for 60 s; "camparam confirm" keeps it' \
+        'HOST            panel.level' '127.0.0.1       8' '127.0.0.1:6802  8'
+}
