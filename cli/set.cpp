@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 
 #include "client/outcome.h"
 #include "client/saved.h"
@@ -16,8 +17,9 @@ struct options {
     std::vector<std::string> values;
     form_options value;
     bool partly = false, create = false;
-    double wait_saved_s = 0; // 0: does not wait
-    int confirm_s = 0;       // 0: needs no confirmation
+    std::string wait_saved;             // as given; empty: does not wait
+    std::optional<double> wait_saved_s; // the same
+    int confirm_s = 0;                  // 0: needs no confirmation
 };
 
 std::vector<setting_value> parse(const std::vector<std::string> &texts)
@@ -32,6 +34,25 @@ std::vector<setting_value> parse(const std::vector<std::string> &texts)
             throw failure(USAGE, name + " is given twice");
     }
     return values;
+}
+
+const char *const usual_wait_s = "10";
+
+// The seconds may be left out, and what follows is a setting then.
+void prepare(options &given)
+{
+    if (given.wait_saved.empty())
+        return;
+    if (given.wait_saved.find('=') != std::string::npos) {
+        given.values.push_back(given.wait_saved);
+        given.wait_saved = usual_wait_s;
+    }
+    char *end = nullptr;
+    given.wait_saved_s = strtod(given.wait_saved.c_str(), &end);
+    const double longest_s = 3600;
+    const bool is_in_range = given.wait_saved_s >= 0.0 && given.wait_saved_s <= longest_s;
+    if (*end != '\0' || !is_in_range) // NaN is in no range
+        throw failure(USAGE, "--wait-saved takes seconds, 0 to 3600");
 }
 
 struct plan {
@@ -141,8 +162,8 @@ exit_code run(program &all, options &given)
     if (given.confirm_s > 0)
         return set_for_a_time(host, made, given, all);
     const exit_code status = set_now(host, made.changes, all.as_json, made.refused);
-    if (given.wait_saved_s > 0 && made.refused.done > 0) {
-        const exit_code saved = wait_until_saved(host, made.changes, given.wait_saved_s);
+    if (given.wait_saved_s && made.refused.done > 0) {
+        const exit_code saved = wait_until_saved(host, made.changes, *given.wait_saved_s);
         return status == DONE ? saved : status;
     }
     return status;
@@ -160,7 +181,7 @@ void add_set(const arguments &words, program &all)
 {
     const auto [set, given] = add_command<options>(
         words, all,
-        {"set", "Change settings and read them back: all or none, if one cannot be", run, nullptr,
+        {"set", "Change settings and read them back: all or none, if one cannot be", run, prepare,
          compare, file_access::changes});
     set.footer(R"(Examples:
   camparam set af                 what can be set of a module
@@ -174,13 +195,9 @@ void add_set(const arguments &words, program &all)
     set.flag(given.partly, "--partly", "Set what can be set");
     set.flag(given.create, "--create", "Set what the host does not describe, as new keys");
     const argument wait_saved =
-        set.number(
-               given.wait_saved_s,
-               {"--wait-saved", "SECONDS",
-                "Return when the camera has saved them; stands behind the values, or is written "
-                "--wait-saved=SECONDS"},
-               0, 3600)
-            .is_usually("10");
+        set.text(given.wait_saved,
+                 {"--wait-saved", "SECONDS", "Return when the camera has saved them"})
+            .is_usually(usual_wait_s);
     set.integer(given.confirm_s,
                 {"--confirm", "SECONDS",
                  "Have the host take them back, unless \"camparam confirm\" comes in time"},

@@ -185,3 +185,20 @@ load host
     run camparam get af.zoom_value
     is 0 'af.zoom_value=20'
 }
+
+@test "set: --wait-saved with and without its seconds" {
+    run camparam set --wait-saved af.zoom_value=7
+    is 0 'af.zoom_value=7'
+    run camparam set --wait-saved 20 af.zoom_value=8
+    is 0 'af.zoom_value=8'
+    run camparam set af.zoom_value=9 --wait-saved 0
+    is 8 'af.zoom_value=9' 'camparam: af is not saved: not yet'
+    for seconds in nan -1 3601 soon; do
+        run camparam set af.zoom_value=10 --wait-saved "$seconds"
+        [ "$status" = 2 ]
+    done
+    run camparam watch --for nan
+    [ "$status" = 2 ]
+    run camparam get af.zoom_value
+    is 0 'af.zoom_value=9'
+}
