@@ -73,9 +73,10 @@ std::vector<change> plan(client &host, const std::vector<setting_value> &values,
             else
                 changes.push_back(std::move(planned));
         } catch (const failure &error) {
-            if (error.code != REFUSED && error.code != NO_SUCH_SETTING)
+            const bool is_value_of_module = error.code == USAGE; // where members are expected
+            if (error.code != REFUSED && error.code != NO_SUCH_SETTING && !is_value_of_module)
                 throw;
-            (error.code == REFUSED ? counted.refused : counted.unknown)++;
+            (error.code == NO_SUCH_SETTING ? counted.unknown : counted.refused)++;
             print_failure(error);
         }
     }

@@ -2,7 +2,6 @@
 
 #include <fstream>
 #include <iostream>
-#include <iterator>
 
 #include "client/failure.h"
 
@@ -22,7 +21,11 @@ namespace {
 
 std::string read_all(std::istream &from)
 {
-    return {std::istreambuf_iterator<char>(from), {}};
+    std::string text;
+    char part[4096];
+    while (from.read(part, sizeof part), from.gcount() > 0) // iterators throw, as for a folder
+        text.append(part, static_cast<size_t>(from.gcount()));
+    return text;
 }
 
 std::string read_file(const std::string &path)
@@ -40,7 +43,7 @@ std::string read_file(const std::string &path)
 
 json_ptr read_dump(const std::string &path)
 {
-    json_ptr dump = parse_json(read_file(path));
+    json_ptr dump = parse_whole_json(read_file(path));
     if (!cJSON_IsObject(dump.get()))
         throw failure(USAGE, "\"" + path + "\" holds no JSON object of modules");
     return dump;

@@ -186,6 +186,26 @@ load host
     is 0 'af.zoom_value=20'
 }
 
+@test "load: what is no setting does not keep the rest back" {
+    echo '{"af": 5, "panel": {"level": 3}, "netport": null}' >"$folder/dump"
+    run camparam load "$folder/dump"
+    is 6 'camparam: "af" is a module; name a setting of it, as in "af.MEMBER=VALUE"' \
+        'camparam: "netport" is a module; name a setting of it, as in "netport.MEMBER=VALUE"' \
+        '3 parsed, 1 changed, 0 unchanged, 0 unknown, 2 refused'
+}
+
+@test "load and diff: a folder, and a dump with something behind it" {
+    echo '{"af": {"zoom_value": 7}} {"af": {"zoom_value": 8}}' >"$folder/dump"
+    for command in load diff; do
+        run camparam "$command" "$folder"
+        is 1 "camparam: cannot read \"$folder\""
+        run camparam "$command" "$folder/dump"
+        is 2 "camparam: \"$folder/dump\" holds no JSON object of modules"
+    done
+    run camparam get af.zoom_value
+    is 0 'af.zoom_value=20'
+}
+
 @test "set: --wait-saved with and without its seconds" {
     run camparam set --wait-saved af.zoom_value=7
     is 0 'af.zoom_value=7'
