@@ -206,6 +206,15 @@ load host
     is 0 'af.zoom_value=20'
 }
 
+@test "dump: leaves out what JSON cannot hold, and says so" {
+    printf 'name = "a\377"\n' >>"$folder/home/netport.conf"
+    end_host
+    start_host
+    run camparam dump netport
+    is 6 'camparam: netport.name is no UTF-8, the dump leaves it out' \
+        '{' '	"netport":	{' '		"http_port":	"80"' '	}' '}'
+}
+
 @test "set: --wait-saved with and without its seconds" {
     run camparam set --wait-saved af.zoom_value=7
     is 0 'af.zoom_value=7'
