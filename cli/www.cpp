@@ -92,6 +92,10 @@ public:
     // another one for it, such as 0 for a text.
     std::string shown(const std::string &name, const std::string &value) const
     {
+        if (value.size() > longest_value)
+            throw failure(REFUSED, name + ": \"" + value + "\" has " +
+                                       std::to_string(value.size()) + " bytes, the host takes " +
+                                       std::to_string(longest_value));
         const auto found = std::find_if(names.begin(), names.end(),
                                         [&](const web_name &one) { return one.name == name; });
         if (found == names.end())
@@ -100,6 +104,8 @@ public:
     }
 
 private:
+    static constexpr size_t longest_value = 31; // the store cuts it
+
     std::string shown_text(const web_name &name, const std::string &value) const
     {
         check(name, value, value);

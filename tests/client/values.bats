@@ -231,3 +231,15 @@ load host
     run camparam get af.zoom_value
     is 0 'af.zoom_value=9'
 }
+
+@test "www set: a value that the store would cut is not sent" {
+    printf '{"json_pattern_list": ["panel"], "front": ["netport"], "netport": {"http_port": ["port", "S"]}}' \
+        >"$folder/home/www2json.json"
+    end_host
+    start_host
+    long=$(printf '%032d' 1)
+    run camparam www set front "port=$long"
+    is 4 "camparam: port: \"$long\" has 32 bytes, the host takes 31"
+    run camparam www set front "port=${long#0}"
+    is 0 "port=${long#0}"
+}
