@@ -23,7 +23,7 @@ struct options {
 // Arrays, objects and truth values go as they are, unless the user has chosen a form.
 json_ptr as_json_value(const assignment &value, value_form form)
 {
-    json_ptr parsed = form == value_form::automatic ? parse_json(value.value) : nullptr;
+    json_ptr parsed = form == value_form::automatic ? parse_whole_json(value.value) : nullptr;
     const cJSON *const node = parsed.get();
     const bool is_meant = cJSON_IsArray(node) || cJSON_IsObject(node) || cJSON_IsBool(node);
     return is_meant ? std::move(parsed) : nullptr;

@@ -243,3 +243,11 @@ load host
     run camparam www set front "port=${long#0}"
     is 0 "port=${long#0}"
 }
+
+@test "call: what only begins as JSON is a text" {
+    run camparam call check --get 'panel={"level":3}'
+    [ "$status" = 0 ]
+    run camparam call check --get 'panel={"level":3} x'
+    [ "$status" = 4 ]
+    echo "$output" | grep -q 'not an object of settings'
+}
