@@ -106,8 +106,13 @@ argument_place arguments::place_of(const std::vector<std::string> &before,
             place.options["--" + waiting->get_lnames().front()] = each;
             waiting = nullptr;
         } else if (each.compare(0, 1, "-") == 0) {
-            const CLI::Option *const option = option_named(command, each);
-            waiting = option != nullptr && option->get_items_expected_min() > 0 ? option : nullptr;
+            const size_t equals = each.find('=');
+            const CLI::Option *const option = option_named(command, each.substr(0, equals));
+            const bool takes_value = option != nullptr && option->get_items_expected_min() > 0;
+            if (takes_value && equals != std::string::npos)
+                place.options["--" + option->get_lnames().front()] = each.substr(equals + 1);
+            else
+                waiting = takes_value ? option : nullptr;
         } else if (chosen != nullptr) {
             command = chosen;
             place.commands.push_back(each);

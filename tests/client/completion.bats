@@ -83,6 +83,7 @@ EOT
     start_other 'extra = "5"'
     until_offered --host "$other" get netport.e -- netport.extra
     until_offered --host 127.0.0.1 --port 6802 get netport.e -- netport.extra
+    until_offered "--host=$other" get netport.e -- netport.extra
     CAMPARAM_HOST=$other until_offered get netport.e -- netport.extra
     run offers --port 6803 get ''
     is 0
@@ -140,4 +141,22 @@ in_fish()
     # Bash takes what stands behind "=" for a word of its own.
     wait_for eval "in_bash 'camparam set af.focus_mode=m' | grep -qx 'manual'"
     wait_for eval "in_bash 'camparam --host 127.0.0.1:6800 get af.z' | grep -qx 'af.zoom_value'"
+}
+
+@test "words in quotes, and blanks in values" {
+    sed -i 's/"manual"/"by hand"/' "$folder/home/descriptions.json"
+    end_host
+    start_host
+    until_offered set 'af.focus_mode=by h' -- 'af.focus_mode=by hand'
+    for line in 'camparam set af.focus_mode=b' 'camparam set af.focus_mode=by\ ' 'camparam  set  af.focus_mode=by\ h'; do
+        wait_for eval "in_bash '$line' | grep -qx 'by\\\\ hand'"
+    done
+    wait_for eval "in_bash 'camparam set \"af.focus_mode=by h' | grep -qx 'af.focus_mode=by hand'"
+    wait_for eval "in_bash 'camparam \"--host\" 127.0.0.1 get af.z' | grep -qx af.zoom_value"
+    mkdir "$folder/a b"
+    cp "$folder"/home/* "$folder/a b"
+    run in_bash "camparam --root $folder/a\\ b get af.z"
+    is 0 af.zoom_value
+    run in_bash "camparam --root '$folder/a b' get af.z"
+    is 0 af.zoom_value
 }
