@@ -77,6 +77,19 @@ std::vector<difference> from_dump(const cJSON *expected, const cJSON *found,
     return differences;
 }
 
+// Secrets that the host does not tell cannot be compared, and those of the dump are not shown.
+void leave_out_secrets(cJSON *dump, const std::vector<described_setting> &settings)
+{
+    for (const described_setting &setting : settings) {
+        const setting_name name = setting.name();
+        cJSON *const module = cJSON_GetObjectItemCaseSensitive(dump, name.module.c_str());
+        if (setting.member->secret && member_of(setting.member->node, "current") == nullptr)
+            cJSON_DeleteItemFromObjectCaseSensitive(name.member.empty() ? dump : module,
+                                                    name.member.empty() ? name.module.c_str()
+                                                                        : name.member.c_str());
+    }
+}
+
 void print_tree(const std::vector<difference> &differences, const char *expected)
 {
     const json_ptr tree(cJSON_CreateObject());
@@ -118,6 +131,7 @@ exit_code run(program &all, options &given)
         print_json(dump_of(settings).get());
         return DONE;
     }
+    leave_out_secrets(given.dump.get(), settings);
     const std::vector<difference> differences =
         has_file ? from_dump(given.dump.get(), dump_of(settings).get(), given.patterns)
                  : from_defaults(settings);

@@ -251,3 +251,14 @@ load host
     [ "$status" = 4 ]
     echo "$output" | grep -q 'not an object of settings'
 }
+
+@test "diff: from a dump with secrets, which are compared and shown only when asked for" {
+    camparam dump --show-secrets >"$folder/dump"
+    run camparam diff "$folder/dump"
+    is 0
+    camparam set netport.key=other
+    run camparam diff "$folder/dump"
+    is 0
+    run camparam diff "$folder/dump" --show-secrets
+    is 7 'NAME         FILE  VALUE' 'netport.key  hush  other'
+}
