@@ -75,9 +75,10 @@ TEST_F(DescribedTexts, OfOtherTypesAreIgnored)
 TEST_F(DescribedTexts, MayBeOfAllModulesThatBeginAlike)
 {
     write_home("descriptions.json", "{'video*':{'gop':{'unit':'pictures'}},"
+                                    "'video0':{'frameRate':{'unit':'Hz'}},"
                                     "'video1':{'gop':{'unit':'frames'}}}");
     start_store();
-    EXPECT_THAT(members("video0"), HasSubstr("'unit':'pictures'"));
+    EXPECT_THAT(members("video0"), HasSubstr("'unit':'pictures'")) << "besides its own";
     EXPECT_THAT(members("video1"), HasSubstr("'unit':'frames'"));
 }
 
@@ -130,7 +131,7 @@ protected:
 TEST_F(UnusableDescriptions, HideTextsWhenTheyAreNoJson)
 {
     write_home("descriptions.json", "{'netport':");
-    hide_texts("holds no JSON object");
+    hide_texts("is no JSON");
 }
 
 TEST_F(UnusableDescriptions, HideTextsWhenTheyAreNoObject)
