@@ -95,6 +95,23 @@ leave_files()
     is 0 'af.zoom_value=20'
 }
 
+@test "nor are those that another client is changing" {
+    leave_files
+    run flock --shared "$folder/data" "$CAMPARAM" --root "$folder/home:$folder/data" set af.zoom_value=3
+    is 4 "camparam: a host is at work on \"$folder/data\"; change its settings by it"
+    run files get af.zoom_value
+    is 0 'af.zoom_value=7'
+}
+
+@test "no file is made for what is not changed" {
+    end_host
+    rm -rf "$folder/data"
+    mkdir "$folder/data"
+    run files set panel.level=9
+    is 0 'panel.level=9'
+    [ "$(find "$folder/data" -type f ! -name '*.bak' -exec basename {} ';')" = panel.conf ]
+}
+
 @test "a file that cannot be written is told" {
     leave_files
     rm -rf "$folder/data"
