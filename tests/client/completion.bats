@@ -68,6 +68,15 @@ EOT
     is 0
 }
 
+@test "what no request can change is not offered, and share names have no number" {
+    sed -i '$s/.$/, "audio": {"mute": {"names": {"0": "off", "1": "on"}}}}/' "$folder/home/descriptions.json"
+    add_read_only
+    until_offered set audio. -- audio.mute=
+    until_offered get audio. -- audio.aeFormat audio.mute
+    until_offered share audio. -- audio.mute=
+    until_offered share audio.mute= -- audio.mute=off audio.mute=on
+}
+
 @test "pages and their names, and commands of the host" {
     add_pages
     until_offered www get '' -- zoom front

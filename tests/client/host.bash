@@ -79,6 +79,17 @@ teardown()
     rm -rf "$folder"
 }
 
+# Starts the host anew with a setting that no request can change, as the device gives numbers for
+# its names: audio.aeFormat. It differs from its default.
+add_read_only()
+{
+    echo '{"aeFormat": [0, 1], "mute": [0, 1]}' >"$folder/home/audio_range.json"
+    echo '{"aeFormat": 0, "mute": 0}' >"$folder/home/audio_def.json"
+    end_host
+    echo '{"aeFormat": 1, "mute": 0}' >"$folder/data/audio_cur.json"
+    start_host
+}
+
 # is STATUS [LINE...]: of the last run, exactly.
 is()
 {

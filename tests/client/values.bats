@@ -60,6 +60,12 @@ load host
     is 5 'camparam: no setting matches "*.b"'
     run camparam diff --only '*zoom*'
     is 5 'camparam: no module matches "*zoom*"; settings of all modules match "*.*zoom*"'
+    for pattern in '*.b' '[a].b' '?.b'; do
+        run camparam diff --only "$pattern"
+        is 5 "camparam: no setting matches \"$pattern\""
+    done
+    run camparam diff --only '[a]f'
+    is 0
 }
 
 @test "dump: values of all that can be set, without secrets" {
@@ -122,6 +128,17 @@ load host
     is 0 'panel.level=5'
     run camparam load --merge --replace "$folder/dump"
     [ "$status" = 2 ]
+}
+
+@test "dump and load: what no request can change is left alone" {
+    add_read_only
+    run camparam get audio
+    is 0 'audio.aeFormat=G711A (read-only)' 'audio.mute=0'
+    run camparam dump audio
+    is 0 '{' '	"audio":	{' '		"mute":	0' '	}' '}'
+    echo '{"af": {"zoom_value": 9}}' >"$folder/dump"
+    run camparam load --replace "$folder/dump"
+    is 0 '7 parsed, 1 changed, 6 unchanged, 0 unknown, 0 refused'
 }
 
 @test "load: a whole device comes back after a reset, secrets too" {
