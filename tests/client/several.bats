@@ -67,6 +67,21 @@ both()
         '127.0.0.1:6802  7            81' '127.0.0.1:6803  -            -'
 }
 
+@test "diff: a setting that one of the hosts lacks, as JSON" {
+    start_other 'extra = "5"'
+    run both --json diff --only netport
+    is 7 '{' '	"netport.extra":	{' '		"127.0.0.1":	null,' '		"127.0.0.1:6802":	"5"' '	}' '}'
+}
+
+@test "diff: of a host that is away nothing is told" {
+    start_other
+    camparam dump >"$folder/dump"
+    camparam --host "$other" set panel.level=7
+    run both --host 127.0.0.1:6803 --retries 0 diff "$folder/dump"
+    is 6 'camparam: 127.0.0.1:6803: nothing listens on 127.0.0.1 port 6803; is the host process running, is --host right?' \
+        'HOST            panel.level' 'FILE            5' '127.0.0.1       5' '127.0.0.1:6802  7' '127.0.0.1:6803  -'
+}
+
 @test "diff: of hosts with a dump" {
     start_other
     camparam dump >"$folder/dump"
@@ -186,4 +201,19 @@ both()
     is 0 'camparam: 127.0.0.1: set for 60 s; "camparam confirm" keeps it' \
         'camparam: 127.0.0.1:6802: set for 60 s; "camparam confirm" keeps it' \
         'HOST            panel.level' '127.0.0.1       8' '127.0.0.1:6802  8'
+}
+
+@test "a process that does not end by itself has failed" {
+    start_other
+    kill -STOP "$host_process"
+    "$CAMPARAM" --timeout 60 --host "$here" --host "$other" get af.zoom_value >"$folder/got" 3>&- &
+    client=$!
+    wait_for pgrep -P "$client"
+    kill -KILL "$(pgrep -o -P "$client")" # it waits for the host that stands still
+    kill -CONT "$host_process"
+    status=0
+    wait "$client" || status=$?
+    [ "$status" = 6 ]
+    grep -qx '127.0.0.1       -' "$folder/got"
+    grep -qx '127.0.0.1:6802  20' "$folder/got"
 }
