@@ -119,6 +119,23 @@ TEST_F(SetCommand, HasValuesTakenBackThatAreNotConfirmed)
     }));
 }
 
+TEST_F(SetCommand, ForATimeShowsTheValuesThatTheHostHasTaken)
+{
+    const fake_server camera([](const std::string &request) {
+        const bool sets = is_for(request, "confirm");
+        return std::vector<std::string>{
+            reply_to(request, sets ? "'accepted':['af.zoom_value'],'refused':{'panel.level':'busy'}"
+                                   : "'err':'Invalid API command'")};
+    });
+
+    const run_result set =
+        run({"set", "--number", "af.zoom_value=3", "panel.level=4", "--confirm", "5"});
+    EXPECT_EQ(set.status, 6);
+    EXPECT_EQ(set.output, "af.zoom_value=3\n");
+    EXPECT_EQ(set.errors, "camparam: panel.level: busy\n"
+                          "camparam: set for 5 s; \"camparam confirm\" keeps it\n");
+}
+
 TEST_F(SetCommand, ListsWhatThereIs)
 {
     start_host();

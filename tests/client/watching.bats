@@ -86,6 +86,18 @@ row()
     [ "$(camparam --json status | grep -c '"failed_saves":	0')" = 1 ]
 }
 
+@test "set: waits for what can be saved, and tells what cannot be" {
+    end_host
+    start_host --no-write-conf
+    run camparam set af.zoom_value=7 netport.http_port=81 --wait-saved 20
+    is 8 'af.zoom_value=7' 'netport.http_port=81' 'camparam: netport is not saved: writing is off'
+}
+
+@test "set: what was refused is not forgotten when the rest is saved" {
+    run camparam set --partly af.zoom_value=7 af.none=3 --wait-saved 20
+    is 6 'camparam: no setting "af.none"' 'af.zoom_value=7'
+}
+
 @test "status: why a module is not saved" {
     end_host
     start_host --no-write-conf
@@ -160,6 +172,27 @@ netport.key: secret -> secret  by 127.0.0.1' ]
     is 5 'camparam: no setting "af.zoom"; did you mean "af.zoom_value"?'
     run camparam log af.zoom_value
     is 0 ''
+}
+
+@test "watch: values do not control a terminal" {
+    "$CAMPARAM" --timeout 20 watch netport >"$folder/watch" 3>&- &
+    watcher=$!
+    wait_for sh -c "'$CAMPARAM' set netport.http_port=\$\$; sleep 0.3; [ -s '$folder/watch' ]"
+    camparam set "netport.http_port=$(printf 'a\033[31mb')"
+    camparam set netport.http_port=8
+    wait_for grep -q '=8 ' "$folder/watch"
+    kill "$watcher"
+    grep -q '^netport.http_port=a\\x1b\[31mb (was [0-9]*, by 127.0.0.1)$' "$folder/watch"
+    grep -qxF 'netport.http_port=8 (was a\x1b[31mb, by 127.0.0.1)' "$folder/watch"
+}
+
+@test "watch: tells once that the host is away" {
+    "$CAMPARAM" --timeout 0.2 --retries 0 watch --for 4 >"$folder/watch" 2>"$folder/told" 3>&- &
+    watcher=$!
+    wait_for sh -c "'$CAMPARAM' set af.zoom_value=2; '$CAMPARAM' set af.zoom_value=3; [ -s '$folder/watch' ]"
+    end_host
+    wait "$watcher"
+    [ "$(wc -l <"$folder/told")" = 1 ]
 }
 
 @test "watch: ends after its time" {
