@@ -16,6 +16,8 @@ on_terminal()
     [ "${lines[2]}" = "${escape}[33maf.zoom_value  number  0    1000  20       7      *${escape}[0m" ]
     run on_terminal "'$CAMPARAM' get none"
     [ "${lines[0]%%none*}" = "${escape}[31mcamparam:${escape}[0m no module \"" ]
+    run on_terminal "NO_COLOR= '$CAMPARAM' list af"
+    [ "${lines[2]%%af*}" = "${escape}[33m" ]
     for plain in "NO_COLOR=1 '$CAMPARAM' list af" "TERM=dumb '$CAMPARAM' list af" "'$CAMPARAM' list af | cat"; do
         run on_terminal "$plain"
         [ "$status" = 0 ]
@@ -25,11 +27,14 @@ on_terminal()
 
 @test "progress: a bar on a terminal for what takes longer" {
     run on_terminal "'$CAMPARAM' --host 127.0.0.1:6809 wait --for 2"
-    echo "$output" | grep -q 'seconds \[#* *\] 1 of 2'
+    echo "$output" | grep -q 'seconds \[#* *\] [12] of 2'
+    escape=$(printf '\033')
+    # Its line is empty before the message.
+    [ "${output##*of 2}" = "${escape}[K${escape}[K${escape}[31mcamparam:${escape}[0m 127.0.0.1 port 6809 has not answered in time; --for waits longer" ]
     run camparam --host 127.0.0.1:6809 wait --for 1.3
     is 3 'camparam: 127.0.0.1 port 6809 has not answered in time; --for waits longer'
     kill -STOP "$host_process"
-    run on_terminal "'$CAMPARAM' --timeout 1.5 --retries 0 --host 127.0.0.1 --host localhost get af"
+    run on_terminal "'$CAMPARAM' --timeout 3 --retries 0 --host 127.0.0.1 --host localhost get af"
     kill -CONT "$host_process"
     echo "$output" | grep -q 'hosts \[#* *\] 0 of 2'
 }
@@ -50,4 +55,14 @@ on_terminal()
     is 0 '{' '	"netport":	{' "		\"name\":	\"a$(printf '\357\277\275')b$(printf '\357\277\275')c\\u009bd\\u007fe\"" '	}' '}'
     run camparam get netport.name
     is 0 'netport.name=a\x9bb\xffc\xc2\x9bd\x7fe'
+}
+
+@test "halves of a surrogate pair are no UTF-8" {
+    printf 'name = "a\355\240\200b\355\237\277"\n' >>"$folder/home/netport.conf"
+    end_host
+    start_host
+    camparam --json get netport.name >"$folder/json"
+    iconv -f UTF-8 -t UTF-8 "$folder/json" >/dev/null
+    run camparam get netport.name
+    is 0 "netport.name=a\xed\xa0\x80b$(printf '\355\237\277')"
 }
