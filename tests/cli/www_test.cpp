@@ -121,6 +121,8 @@ TEST_F(WebNames, ThousandsAreShownByTheirRule)
 
     EXPECT_EQ(run({"www", "set", "image", "colortemp=5.525"}).output, "colortemp=5.5\n");
     EXPECT_EQ(run({"get", "isp0.temperature"}).output, "isp0.temperature=5525\n");
+    EXPECT_EQ(run({"www", "set", "image", "colortemp=5.5499"}).output, "colortemp=5.5\n");
+    EXPECT_EQ(run({"get", "isp0.temperature"}).output, "isp0.temperature=5549\n");
     EXPECT_EQ(run({"www", "set", "image", "colortemp=6"}).output, "colortemp=6\n");
 }
 
