@@ -104,6 +104,9 @@ TEST_F(SetCommand, TellsWhyAChangeIsNotSaved)
 
     EXPECT_EQ(run({"set", "af.focus_mode=2", "--wait-saved", "0.01"}).errors,
               "camparam: af is not saved: not yet\n");
+    const run_result at_once = run({"set", "af.focus_mode=3", "--wait-saved", "0"});
+    EXPECT_EQ(at_once.status, 8);
+    EXPECT_EQ(at_once.errors, "camparam: af is not saved: not yet\n");
 }
 
 TEST_F(SetCommand, HasValuesTakenBackThatAreNotConfirmed)
