@@ -76,6 +76,20 @@ std::vector<std::string> option_names(const CLI::App *command)
     return names;
 }
 
+// Notes the value of --OPTION=VALUE. Returns the option if its value is the next word, or null.
+const CLI::Option *take_option(const CLI::App *command, const std::string &word,
+                               argument_place &place)
+{
+    const size_t equals = word.find('=');
+    const CLI::Option *const option = option_named(command, word.substr(0, equals));
+    if (option == nullptr || option->get_items_expected_min() == 0)
+        return nullptr;
+    if (equals == std::string::npos)
+        return option;
+    place.options["--" + option->get_lnames().front()] = word.substr(equals + 1);
+    return nullptr;
+}
+
 // The type of a positional argument, the last of which may be repeated; empty: there is none.
 std::string positional_type(const CLI::App &command, size_t number)
 {
@@ -105,13 +119,7 @@ argument_place arguments::place_of(const std::vector<std::string> &before,
             place.options["--" + waiting->get_lnames().front()] = each;
             waiting = nullptr;
         } else if (each.compare(0, 1, "-") == 0) {
-            const size_t equals = each.find('=');
-            const CLI::Option *const option = option_named(command, each.substr(0, equals));
-            const bool takes_value = option != nullptr && option->get_items_expected_min() > 0;
-            if (takes_value && equals != std::string::npos)
-                place.options["--" + option->get_lnames().front()] = each.substr(equals + 1);
-            else
-                waiting = takes_value ? option : nullptr;
+            waiting = take_option(command, each, place);
         } else if (chosen != nullptr) {
             command = chosen;
             place.commands.push_back(each);

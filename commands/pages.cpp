@@ -31,7 +31,7 @@ void add_name(const char *module, const cJSON *entry, json_builder &reply, cJSON
     json_builder name;
     const cJSON *text = entry->child;
     for (const char *key : keys) {
-        if (cJSON_IsString(text))
+        if (text != nullptr && cJSON_IsString(text))
             name.text(name.root(), key, text->valuestring);
         text = text != nullptr ? text->next : nullptr;
     }
