@@ -1,5 +1,5 @@
-# Installs the libraries, the headers, the programs, a CMake package and pkg-config files. Nothing in
-# them holds the prefix, so that an installed tree may be moved.
+# Installs the libraries, the headers, the programs, the manual pages, a CMake package and pkg-config
+# files. Nothing in them holds the prefix, so that an installed tree may be moved.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS camparam camparam_platform camparam_commands camparam_headers EXPORT camparam_targets
@@ -25,6 +25,13 @@ if(CAMPARAM_TOOLS)
         DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
     install(FILES cli/camparam.fish
         DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+endif()
+
+if(CAMPARAM_MAN)
+    foreach(page IN LISTS CAMPARAM_MAN_PAGES)
+        string(REGEX MATCH "[0-9]$" section ${page})
+        install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
+    endforeach()
 endif()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/camparam)

@@ -15,6 +15,8 @@ for file in usr/bin/camparam usr/bin/camparamd \
     "$lib/pkgconfig/camparam.pc" "$lib/pkgconfig/camparam-platform.pc" \
     usr/share/bash-completion/completions/camparam usr/share/zsh/vendor-completions/_camparam \
     usr/share/fish/vendor_completions.d/camparam.fish \
+    usr/share/man/man1/camparam.1 usr/share/man/man3/libcamparam.3 usr/share/man/man5/camparam-files.5 \
+    usr/share/man/man7/camparam-protocol.7 usr/share/man/man8/camparamd.8 \
     usr/include/camparam/camparam.h usr/include/camparam/af_members.def; do
     [ -e "$folder/$file" ] || { echo "missing: $file"; exit 1; }
 done
