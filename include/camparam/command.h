@@ -32,8 +32,8 @@ enum {
 typedef struct {
     char text[PARA_MESSAGE_MAX + 1]; /**< the datagram, zero-terminated */
     int socket;                      /**< the server's socket, on which the reply is sent */
-    struct sockaddr_in sender;
-    int sender_length; /**< 16 */
+    struct sockaddr_in sender;       /**< the client */
+    int sender_length;               /**< 16 */
 } para_message;
 
 /**
@@ -50,10 +50,11 @@ typedef struct {
  */
 typedef int (*param_command_handler)(int mode, para_message *message, cJSON **reply);
 
+/** A row of a table of commands. */
 typedef struct {
-    const char *name;
-    param_command_handler handler;
-    void *reserved; /**< never read */
+    const char *name;              /**< requests name it, or a beginning of it, in "msg_name" */
+    param_command_handler handler; /**< carries it out */
+    void *reserved;                /**< never read */
 } param_command;
 
 /**

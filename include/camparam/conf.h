@@ -76,9 +76,10 @@ PARA_API int para_save_conf_2_buf(const char *module, char *buffer, int size);
  * has is not added. Lines and files may have any length. The file is locked (flock) meanwhile. With
  * the guard on, the new text is first written to "<path>.bak", and a failure is traced.
  *
- * @param line    The whole new line, without line end.
- * @param format  Of the new line: "%s = \"%s\"" or "%s=%s" for a text, "%s = \"%d\"" or "%s=%d" for
- * a number; another one is traced and changes nothing.
+ * line is the whole new line, without line end. format is that of the new line: "%s = \"%s\"" or
+ * "%s=%s" for a text, "%s = \"%d\"" or "%s=%d" for a number; another one is traced and changes
+ * nothing.
+ *
  * @return 0, also when no line matched; -1: the file cannot be opened, read or written, memory runs
  *         out, or the format is another.
  */

@@ -38,6 +38,7 @@ typedef struct para_profile_t {
     /** An inconsistency found at start-up, such as a store of another version. */
     void (*conflict_hook)(const char *name, int old_value, int new_value);
 
+    /** Accepted changes by public setters. */
     void (*isp_set_notify_hook)(int (*setter)(int, int), int instance, int value);
     void (*video_set_notify_hook)(int (*setter)(int, int), int stream, int value);
     void (*audio_set_notify_hook)(int (*setter)(int), int value);
@@ -47,19 +48,23 @@ typedef struct para_profile_t {
     void (*odm_set_notify_hook)(const char *key);
     void (*conf_member_notify_hook)(const char *module, const char *key);
 
+    /** Never called: platformparam_set_setting_observer() tells of these changes, too. */
     void (*isp_set_request_hook)(const cJSON *item);
     void (*video_set_request_hook)(const cJSON *item);
+
+    /** Set requests that changed something, once each, with the value that the client sent. */
     void (*audio_set_request_hook)(const cJSON *item);
-    void *reserved_16;
+    void *reserved_16; /**< not used */
     void (*misc_set_request_hook)(const char *module, const cJSON *item);
 
     /** A conf-file module was reread, or changed by a request. The result is ignored. */
     int (*conf_update_hook)(const char *module);
     /** A switch: while it is NULL, conf-file modules are never written. It is never called. */
     para_entry_point conf_save_hook;
-    void *reserved_20;
+    void *reserved_20; /**< not used */
 } para_profile_t;
 
+/** The profile of this process. */
 PARA_API extern para_profile_t para_profile;
 
 /**

@@ -120,7 +120,8 @@ typedef struct {
     const char *module; /**< name of the row that holds the value, PARA_ODM_ROW for the ODM store */
     int instance;       /**< of "isp0", whose row holds all instances: 0 to 2; else 0 */
     const char *member; /**< or key */
-    para_value old_value, new_value;
+    para_value old_value; /**< before the change */
+    para_value new_value; /**< since the change */
     const struct sockaddr_in
         *sender; /**< the client whose request changed it; NULL: the host did */
 } para_setting_change;

@@ -55,8 +55,10 @@ PARA_API void wnk_traceout(int level, const char *format, ...)
 
 /** Bytes of a path, the final zero included. */
 #define PARA_PATH_SIZE 128
+
 /** Bytes that the text of a number needs at most, the final zero included. */
 #define PARA_NUMBER_SIZE 32
+
 /** Where the value text begins in an entry that conf_find() returns. */
 #define PARA_CONF_VALUE_OFFSET 256
 
@@ -115,6 +117,7 @@ PARA_API long long lib_common_diff_msec_timespec(const struct timespec *from,
 
 /* --- Configure objects: ordered key/value stores, read from ".conf" files --------------------- */
 
+/** A configure object: the operations below, and the platform's own data behind them. */
 typedef struct configure configure;
 
 /** Called once per entry; key and value are borrowed for the call. The result is ignored. */
@@ -217,10 +220,10 @@ PARA_API int loop_2_buf(void *state, const char *key, const char *value);
 
 /** One kind of work that can be posted by name. */
 typedef struct {
-    const char *name;
-    const char *type; /**< may be NULL */
-    int (*handler)(void *argument);
-    void *argument;
+    const char *name; /**< what the host posts it by, with the type */
+    const char *type; /**< a second word to tell works of one name apart; may be NULL */
+    int (*handler)(void *argument); /**< does the work; its result is ignored */
+    void *argument;                 /**< what the handler gets */
 } fifo_work;
 
 /**

@@ -31,8 +31,8 @@ enum { PARA_SHARE_MODULES = 4 };
  */
 typedef struct {
     uint32_t registered; /**< 1 while the main program publishes it */
-    int32_t entry_count;
-    uint32_t entry_size; /**< bytes */
+    int32_t entry_count; /**< entries that follow */
+    uint32_t entry_size; /**< bytes of an entry */
 } para_share_map;
 
 /** What a datagram sets: a number or a text. */

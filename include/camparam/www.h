@@ -17,8 +17,10 @@
 
 PARA_BEGIN_DECLS
 
-/** Start and end of the converter; both do nothing. @return 0 */
+/** Start of the converter: does nothing. @return 0 */
 PARA_API int para_init_www(void);
+
+/** End of the converter: does nothing. */
 PARA_API void para_exit_www(void);
 
 /**
@@ -61,8 +63,8 @@ PARA_API const char *get_http_name(const char *module, const char *member, const
 /** A member that a web name stands for; texts of the web-name file. */
 typedef struct {
     const char *module; /**< NULL: the web name stands for none */
-    const char *member;
-    const char *type; /**< "S": a text; NULL or anything else: a number */
+    const char *member; /**< the member's name */
+    const char *type;   /**< "S": a text; NULL or anything else: a number */
 } www_json_name;
 
 /**
