@@ -46,7 +46,7 @@ typedef struct {
  * @param[out] reply  NULL on entry. Store a new tree, which the store then owns, or leave NULL to
  *                    send no reply.
  * @return 0; nonzero: the client gets {"err":"Invalid API command"} instead of the tree, which the
- *         store frees.
+ *         store frees. When memory has run out: 0 without a reply, so that the client asks again.
  */
 typedef int (*param_command_handler)(int mode, para_message *message, cJSON **reply);
 

@@ -27,7 +27,8 @@ typedef void (*para_entry_point)(void);
  *
  * The notify hooks are told of an accepted change by a public setter: they get that setter and its
  * arguments. The request hooks are told once of a set request that changed something; those of the
- * ISP and of the video streams are never called.
+ * ISP and of the video streams are never called: platformparam_set_setting_observer() (guard.h)
+ * tells of all changes, of these modules, too.
  */
 typedef struct para_profile_t {
     const char *home_dir; /**< directory of the read-only files; "/home" */
@@ -98,7 +99,8 @@ PARA_API int platformparam_save(void);
  *
  * @param stop  Nonzero: end the thread "Para_Process" (which takes at most 100 ms, and the request
  *              and the save that are under way), then save as platformparam_save() does; without a
- *              running thread nothing is done. 0: clear a stop that has not been carried out yet.
+ *              running thread, as before start-up or after a stop, nothing is done, and nothing
+ *              saved. 0: clear a stop that has not been carried out yet.
  * @return 0. Host threads only, one at a time: never from a hook, command or module that
  *         "Para_Process" calls.
  */

@@ -4,9 +4,10 @@
  * The module "isp0"; its members stand in isp_members.def.
  *
  * Limits come from "isp_range.json" and defaults from the default style in "isp_def.json", both in
- * the home directory. The meaning and unit of every number belong to the image processor. Two
- * instances, 0 and 1; another one reads as 0 and cannot be set. Any thread, once the store has
- * started; there are no locks, each value is one 32-bit word.
+ * the home directory; after a start with another style saved, defaults are those of that style. The
+ * meaning and unit of every number belong to the image processor. Two instances, 0 and 1; another
+ * one reads as 0 and cannot be set. Any thread, once the store has started; there are no locks,
+ * each value is one 32-bit word.
  */
 #ifndef CAMPARAM_ISP_H
 #define CAMPARAM_ISP_H

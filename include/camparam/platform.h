@@ -6,7 +6,8 @@
  * the reference platform, or defines its own. Where a comment says "the reference platform", a
  * platform of your own may differ.
  *
- * Every function may be called from any thread.
+ * Every function may be called from any thread. Some calls come while the store holds a lock: none
+ * of these functions may call the store's.
  */
 #ifndef CAMPARAM_PLATFORM_H
 #define CAMPARAM_PLATFORM_H
@@ -149,7 +150,9 @@ struct configure {
     /**
      * The entry of a key, whose value text begins PARA_CONF_VALUE_OFFSET bytes into it, or NULL.
      * The object owns it; the value text stays valid until that key is set or parsed with another
-     * value, or the object is freed.
+     * value, or the object is freed. What stands before the value is the platform's alone: the
+     * offset limits no key, which is looked up whole. The reference platform has the key there, cut
+     * to fit.
      */
     void *(*conf_find)(configure *conf, const char *key);
 };
@@ -192,6 +195,8 @@ PARA_API void *config_keys_format(const char *const *keys, int count);
  * configure_parse(). To appear is a change too.
  * @return Position (from 0) of the first changed key in the set, or a negative number. Every key
  *         of the set counts as asked about.
+ *
+ * The store asks only when the host does, by para_conf_key_IsChanged() and its relatives.
  */
 PARA_API int configure_key_IsChanged(configure *conf, const void *key_set);
 
@@ -221,13 +226,16 @@ PARA_API int loop_2_buf(void *state, const char *key, const char *value);
 /** One kind of work that can be posted by name. */
 typedef struct {
     const char *name; /**< what the host posts it by, with the type */
-    const char *type; /**< a second word to tell works of one name apart; may be NULL */
+    const char *type; /**< what kind of work, such as "enum": a second name; may be NULL */
     int (*handler)(void *argument); /**< does the work; its result is ignored */
     void *argument;                 /**< what the handler gets */
 } fifo_work;
 
 /**
- * Register work items.
+ * Register work items. The store registers "netport", without a type, which rereads that module,
+ * and "para_video" and "para_video_size" of type "enum", which trace names. It never posts any:
+ * that is for the host to do, on the reference platform by post_fifo_work() (platform_queue.h).
+ *
  * @param works  Copied; the texts and arguments that it points to must stay alive.
  * @return 0, or -1 when an item has no name or no handler, or memory runs out.
  */
