@@ -36,7 +36,7 @@ bool holds(const std::string &name, const std::string &word)
 // A module, or a setting of which only the member was named, or a part of it.
 std::string suggest_for_module(const description &all, const std::string &word)
 {
-    const std::string module = suggest(word, all.modules, "");
+    std::string module = suggest(word, all.modules, "");
     if (!module.empty() || word.size() < 3)
         return module;
     for (const module_description &each : all.modules) {

@@ -1,29 +1,36 @@
 #!/bin/sh
-# usage: transcript.sh HOST CLIENT SAMPLE_HOME PAGE PORT
-# Runs the commands of a page's console blocks against a host on the sample device, one after the other, and compares
-# what they print, errors too, with what the page shows. To be run in a network of its own.
+# usage: transcript.sh HOST CLIENT SAMPLE_HOME PAGE
+# Runs the commands of a page's console blocks, one after the other, on a sample device and a second one, in a folder
+# that is laid out as the project's. Compares what they print, errors too, with what the page shows. To be run in a
+# network of its own.
 set -eu
 host=$1
 client=$2
 home=$3
-page=$4
-CAMPARAM_HOST=127.0.0.1:$5 # the share maps of a port that no other test has
-export CAMPARAM_HOST
+page=$(realpath "$4")
 folder=$(mktemp -d)
 PATH=$PATH:/usr/sbin:/sbin
 ip link set lo up 2>/dev/null || true # on the machine's own network it is
-"$host" --home "$home" --data "$folder/data" --port "$5" 2>"$folder/log" &
+cd "$folder"
+mkdir -p build/bin examples/camera
+ln -s "$home" examples/camera/home
+# A busy machine may need longer than the usual second.
+printf '#!/bin/sh\nexec "%s" --timeout 20 "$@"\n' "$client" >build/bin/camparam
+chmod +x build/bin/camparam
+"$host" --home examples/camera/home --data build/camera-data 2>log &
 process=$!
-trap 'kill "$process"; wait "$process" || true; rm -rf "$folder"' EXIT
-"$client" wait --for 30 >/dev/null
+"$host" --home examples/camera/home --data build/second-data --port 6801 2>second-log &
+second=$!
+trap 'kill "$process" "$second"; wait || true; rm -rf "$folder"' EXIT
+build/bin/camparam wait --for 30 >/dev/null
+build/bin/camparam --host localhost:6801 wait --for 30 >/dev/null
 
-awk '/^```console$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$page" >"$folder/shown"
-sed -n 's/^\$ //p' "$folder/shown" >"$folder/commands"
+awk '/^```console$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$page" >shown
+sed -n 's/^\$ //p' shown >commands
 while read -r command; do
     printf '$ %s\n' "$command"
-    # A busy machine may need longer than the usual second.
-    sh -c "$(printf '%s' "$command" | sed "s|^build/bin/camparam|'$client' --timeout 20|")" 2>&1 </dev/null || true
-done <"$folder/commands" >"$folder/printed"
-echo "$(wc -l <"$folder/commands") commands; < shown, > printed:"
-[ -s "$folder/commands" ]
-diff "$folder/shown" "$folder/printed"
+    sh -c "$command" 2>&1 </dev/null || true
+done <commands >printed
+echo "$(wc -l <commands) commands; < shown, > printed:"
+[ -s commands ]
+diff shown printed

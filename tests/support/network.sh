@@ -15,7 +15,9 @@ own_networks()
 }
 
 if own_networks; then
-    [ $# -eq 0 ] || exec unshare --map-root-user --net -- "$@"
+    # Share maps are its own, too.
+    [ $# -eq 0 ] || exec unshare --map-root-user --net --mount -- \
+        sh -c 'mount -t tmpfs tmpfs /dev/shm && exec "$@"' sh "$@"
     exit 0
 fi
 [ -e "$lock" ] || : >"$lock"
