@@ -40,6 +40,13 @@ std::string refusal(const change &wanted, const cJSON *found)
 bool report_change(client &host, const change &wanted, const cJSON *values, outcome &result)
 {
     const cJSON *const found = value_in(values, wanted.name);
+    const bool is_module = member_of(values, wanted.name.module.c_str()) != nullptr;
+    if (found == nullptr && wanted.is_new && is_module) { // as with the guard on
+        result.refused++;
+        print_failure(
+            {REFUSED, wanted.name.text() + ": the host takes no new settings by request"});
+        return false;
+    }
     if (found == nullptr) {
         result.missing++;
         print_failure({NO_SUCH_SETTING, no_such_setting(host, wanted.name)});

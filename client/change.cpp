@@ -135,7 +135,7 @@ change plan_change(client &host, const setting_value &value,
     if (described && member == nullptr && !rules.may_create)
         throw failure(NO_SUCH_SETTING, no_such_setting(host, value.name));
     return {value.name, planning(value, member).plan(rules), member,
-            module != nullptr ? module->command : ""};
+            module != nullptr ? module->command : "", described && member == nullptr};
 }
 
 bool is_taken(const change &wanted, const cJSON *found)

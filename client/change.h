@@ -14,6 +14,7 @@ struct change {
     assignment value;
     const member_description *described; // null: the host does not describe the member
     std::string command;                 // that sets the module; empty: a set request
+    bool is_new = false;                 // asked for although the host describes no such setting
 };
 
 struct change_rules {
