@@ -52,17 +52,29 @@ std::vector<std::string> row_of(const described_setting &setting)
             mark_of(member)};
 }
 
-// The defaults of the image processor are those of the default style.
+// The defaults of the image processor are those of a style: of the default one, or, after a start,
+// of the one that was saved. Its number is a default, too.
+std::string style_of_defaults(client &host, const module_description &isp)
+{
+    const json_ptr answer = host.call("api_get", "style", nullptr);
+    const member_description *const number = isp.find("style");
+    const std::optional<int> index =
+        number != nullptr ? parse_int(number->default_value) : std::nullopt;
+    const cJSON *const listed = index && *index >= 0
+                                    ? cJSON_GetArrayItem(member_of(answer.get(), "styles"), *index)
+                                    : nullptr;
+    return string_of(listed != nullptr ? listed : member_of(answer.get(), "default"));
+}
+
 void explain_marks(client &host, const std::vector<described_setting> &settings)
 {
-    const bool any_of_isp =
-        std::any_of(settings.begin(), settings.end(), [](const described_setting &setting) {
+    const auto marked =
+        std::find_if(settings.begin(), settings.end(), [](const described_setting &setting) {
             return setting.module->name == "isp0" && differs_from_default(*setting.member);
         });
-    if (!any_of_isp)
+    if (marked == settings.end())
         return;
-    const json_ptr styles = host.call("api_get", "style", nullptr);
-    const std::string name = string_of(member_of(styles.get(), "default"));
+    const std::string name = style_of_defaults(host, *marked->module);
     if (!name.empty())
         printf("* of isp0: differs from the style \"%s\"\n", visible(name).c_str());
 }

@@ -6,6 +6,12 @@ start_sample()
     end_host
     rm -rf "$folder/data"
     mkdir "$folder/data"
+    start_sample_again "$@"
+}
+
+start_sample_again()
+{
+    end_host
     # With share datagrams, which the other hosts of these tests do without.
     "$CAMPARAMD" --home "$SOURCES/examples/camera/home" --data "$folder/data" "$@" 2>"$folder/host.log" 3>&- &
     host_process=$!
@@ -26,6 +32,20 @@ start_sample()
     is 5 'camparam: no style "none"'
     run camparam --json style vivid
     [ "$status" = 0 ]
+}
+
+@test "list: says which style the marks are measured by" {
+    start_sample
+    camparam set isp0.hue=5
+    run camparam list isp0.hue
+    is 0 'NAME      KIND    MIN  MAX  DEFAULT  VALUE' 'isp0.hue  number  0    14   7        5      *' \
+        '* of isp0: differs from the style "standard"'
+    camparam style soft
+    camparam call save
+    start_sample_again
+    camparam set isp0.hue=5
+    run camparam list isp0.hue
+    [ "${lines[2]}" = '* of isp0: differs from the style "soft"' ]
 }
 
 @test "share: a datagram to a stream, read back" {
