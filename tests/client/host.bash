@@ -32,6 +32,7 @@ wait_for()
 
 start_host()
 {
+    : >"$folder/host.log" # before the host does it: an earlier one is in it
     "$CAMPARAMD" --home "$folder/home" --data "$folder/data" --no-share "$@" 2>"$folder/host.log" 3>&- &
     host_process=$!
     wait_for grep -q ready "$folder/host.log"
