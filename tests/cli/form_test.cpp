@@ -167,8 +167,9 @@ TEST_F(ValueForm, ValuesThatJustExceedADatagramTravelInTwo)
     set(0);
     size_t shortest = 0;
     for (const std::string &request : camera.requests())
-        shortest = is_for(request, "set") ? request.size() : shortest;
-    const size_t longest = PARA_MESSAGE_MAX - shortest; // for identifiers of as many digits
+        shortest = is_for(request, "set") ? request.size() - id_of(request).size() : shortest;
+    const size_t usual_digits = 9; // of identifiers, which are random
+    const size_t longest = PARA_MESSAGE_MAX - shortest - usual_digits;
     ASSERT_LT(longest + 3, 256U);
     size_t largest = 0;
     for (size_t length = longest - 1; length <= longest + 3; length++)
