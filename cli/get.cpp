@@ -71,25 +71,47 @@ description describe_whole(client &host, const std::vector<setting_name> &names)
     return described ? std::move(*described) : description{};
 }
 
+// Secrets that are not asked for by their names. Says so.
+void leave_out_secrets(cJSON *values, const description &described,
+                       const std::vector<setting_name> &names)
+{
+    const auto is_named = [&](const setting_name &secret) {
+        return std::any_of(names.begin(), names.end(),
+                           [&](const setting_name &name) { return name.text() == secret.text(); });
+    };
+    for (const module_description &module : described.modules) {
+        cJSON *const members = cJSON_GetObjectItemCaseSensitive(values, module.name.c_str());
+        for (const member_description &member : module.members) {
+            const setting_name name = {module.name, member.name};
+            if (!member.secret || is_named(name) || value_in(values, name) == nullptr)
+                continue;
+            cJSON_DeleteItemFromObjectCaseSensitive(members, member.name.c_str());
+            print_message(name.text() + " is a secret, which --show-secrets shows");
+        }
+    }
+}
+
 } // namespace
 
-exit_code print_settings(client &host, const std::vector<std::string> &texts, bool as_json)
+exit_code print_settings(client &host, const std::vector<std::string> &texts, const program &all)
 {
     std::vector<setting_name> names;
     for (const std::string &text : texts)
         names.push_back(parse_setting_name(text));
 
     const json_ptr values = ask(host, names);
-    const description described = as_json ? description{} : describe_whole(host, names);
+    const description described = describe_whole(host, names);
+    if (!all.show_secrets)
+        leave_out_secrets(values.get(), described, names);
     std::vector<setting_name> missing;
     for (const setting_name &name : names) {
         const cJSON *const found = value_in(values.get(), name);
         if (found == nullptr)
             missing.push_back(name);
-        else if (!as_json)
+        else if (!all.as_json)
             print_values(name, found, described.find(name.module));
     }
-    if (as_json)
+    if (all.as_json)
         print_json(values.get());
 
     for (const setting_name &name : missing)
@@ -139,7 +161,7 @@ exit_code run(program &all, options &given)
     client host = all.connect();
     if (given.names.empty())
         return print_modules(host, {}, all);
-    return print_settings(host, without_patterns(host, given.names, all.show_secrets), all.as_json);
+    return print_settings(host, without_patterns(host, given.names, all.show_secrets), all);
 }
 
 exit_code compare(const program &all, const host_results &results, const options &)

@@ -100,12 +100,12 @@ void print_rows(client &host, const std::vector<described_setting> &settings)
 }
 
 // A host without descriptions still answers with the values of a module.
-exit_code list_values(client &host, const std::vector<std::string> &patterns, bool as_json)
+exit_code list_values(client &host, const std::vector<std::string> &patterns, const program &all)
 {
     if (patterns.empty())
         throw failure(OTHER, "the host does not describe its settings; name a module, such as "
                              "\"camparam list af\"");
-    return print_settings(host, patterns, as_json);
+    return print_settings(host, patterns, all);
 }
 
 bool has_word(const described_setting &setting, const std::string &word)
@@ -138,7 +138,7 @@ exit_code list_settings(client &host, const options &given, const program &all)
     const std::optional<description> described =
         describe(host, modules_in(given.patterns), all.show_secrets);
     if (!described)
-        return list_values(host, given.patterns, all.as_json);
+        return list_values(host, given.patterns, all);
 
     std::vector<described_setting> settings = select_settings(host, *described, given.patterns);
     tell_of_nothing(settings, given);

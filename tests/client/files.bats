@@ -27,7 +27,7 @@ leave_files()
     is 0 'NAME               KIND    MIN  MAX   DEFAULT  VALUE' 'af.zoom_value      number  0    1000  20       7      *' \
         'panel.mode         enum    -    -     dim      full   *' 'netport.http_port  text    -    -     80       81     *'
     run files get af.zoom_value netport
-    is 0 'af.zoom_value=7' 'netport.http_port=81' 'netport.key=hush'
+    is 0 'camparam: netport.key is a secret, which --show-secrets shows' 'af.zoom_value=7' 'netport.http_port=81'
     run files diff --only af
     is 7 'NAME           DEFAULT  VALUE' 'af.zoom_value  20       7'
     run files dump panel

@@ -288,3 +288,15 @@ load host
     run camparam diff "$folder/dump" --show-secrets
     is 7 'NAME         FILE  VALUE' 'netport.key  hush  other'
 }
+
+@test "get: a module's secrets are left out, unless they are asked for" {
+    run camparam get netport
+    is 0 'camparam: netport.key is a secret, which --show-secrets shows' 'netport.http_port=80'
+    run camparam --json get netport
+    is 0 '{"message":"netport.key is a secret, which --show-secrets shows"}' \
+        '{' '	"netport":	{' '		"http_port":	"80"' '	}' '}'
+    run camparam get netport --show-secrets
+    is 0 'netport.http_port=80' 'netport.key=hush'
+    run camparam get netport netport.key
+    is 0 'netport.http_port=80' 'netport.key=hush' 'netport.key=hush'
+}
