@@ -53,7 +53,8 @@ TEST_F(OmittedNames, AreRefusedWhereAllThatAreToldAre)
     const run_result set = run({"set", "panel.level=1", "panel.mode=1", "--confirm", "5"});
     EXPECT_EQ(set.status, 4);
     EXPECT_EQ(set.output, "");
-    EXPECT_EQ(set.errors, "camparam: panel.level: read-only\ncamparam: and 1 more\n");
+    EXPECT_EQ(set.errors, "camparam: panel.level: read-only\ncamparam: and 1 more\n"
+                          "camparam: nothing was set\n");
 }
 
 TEST_F(OmittedNames, AreToldByTest)
