@@ -4,6 +4,7 @@
 
 #include "camparam/commands.h"
 #include "cli/run.h"
+#include "support/own_module.h"
 #include "support/store.h"
 
 namespace {
@@ -53,14 +54,7 @@ private:
     static void add(const char *name, const char *value)
     {
         held[name] = value;
-        const para_module row = {.name = name,
-                                 .init = nullptr,
-                                 .init_stage2 = nullptr,
-                                 .set_opt = take,
-                                 .get_opt = answer_held,
-                                 .need_save = nullptr,
-                                 .save = nullptr};
-        EXPECT_EQ(register_para_handle_extern(&row), 0);
+        add_own_module(name, answer_held, take);
     }
 };
 

@@ -7,6 +7,7 @@
 
 #include "commands/kit.h"
 #include "host/fake_server.h"
+#include "support/own_module.h"
 
 class CheckCommand : public Kit {
 protected:
@@ -15,14 +16,7 @@ protected:
         write_home("audio_range.json",
                    "{'aeFormat':['AAC','G711A'],'audioOut':[0,1],'audioInputVol':[0,100]}");
         write_home("audio_def.json", "{'aeFormat':'AAC','audioOut':0,'audioInputVol':40}");
-        const para_module row = {.name = "lamp",
-                                 .init = nullptr,
-                                 .init_stage2 = nullptr,
-                                 .set_opt = take,
-                                 .get_opt = answer,
-                                 .need_save = nullptr,
-                                 .save = nullptr};
-        EXPECT_EQ(register_para_handle_extern(&row), 0);
+        add_own_module("lamp", answer, take);
         lamp = "{'level':5,'state':'on','list':[1]}";
         platformparam_set_setting_observer([](const para_setting_change *) { changes++; });
         start_store();

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "commands/kit.h"
+#include "support/own_module.h"
 
 using testing::MatchesRegex;
 
@@ -116,19 +117,13 @@ TEST_F(ConfirmCommand, WaitsUntilAllIsTakenBack)
 TEST_F(ConfirmCommand, RefusesWhatCannotBeTakenBack)
 {
     static std::atomic<int> sets{0};
-    const para_module row = {.name = "lamp",
-                             .init = nullptr,
-                             .init_stage2 = nullptr,
-                             .set_opt = [](const char *, const cJSON *,
-                                           const char *) { return static_cast<int>(sets++); },
-                             .get_opt =
-                                 [](const char *, const cJSON *, cJSON **answer, const char *) {
-                                     *answer = parse("{'level':5}").release();
-                                     return 0;
-                                 },
-                             .need_save = nullptr,
-                             .save = nullptr};
-    ASSERT_EQ(register_para_handle_extern(&row), 0);
+    add_own_module(
+        "lamp",
+        [](const char *, const cJSON *, cJSON **answer, const char *) {
+            *answer = parse("{'level':5}").release();
+            return 0;
+        },
+        [](const char *, const cJSON *, const char *) { return static_cast<int>(sets++); });
     start_store();
     EXPECT_EQ(set_for(60, "{'lamp':{'level':7},'af':{'zoom_value':9}}"),
               "{'accepted':[],'refused':{'lamp.level':'cannot be taken back'}}");

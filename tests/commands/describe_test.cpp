@@ -9,6 +9,7 @@
 
 #include "commands/kit.h"
 #include "host/fake_server.h"
+#include "support/own_module.h"
 
 using testing::AllOf;
 using testing::HasSubstr;
@@ -189,21 +190,9 @@ class DescribedHostModule : public DescribedTexts {
 protected:
     DescribedHostModule()
     {
-        const para_module battery = {.name = "battery",
-                                     .init = nullptr,
-                                     .init_stage2 = nullptr,
-                                     .set_opt = nullptr,
-                                     .get_opt = answer_of_host,
-                                     .need_save = nullptr,
-                                     .save = nullptr};
-        para_module lamp = battery;
-        lamp.name = "lamp";
-        lamp.set_opt = take_nothing;
-        para_module silent = lamp;
-        silent.name = "silent";
-        silent.get_opt = nullptr;
-        for (const para_module &row : {battery, lamp, silent})
-            EXPECT_EQ(register_para_handle_extern(&row), 0);
+        add_own_module("battery", answer_of_host, nullptr);
+        add_own_module("lamp", answer_of_host, take_nothing);
+        add_own_module("silent", nullptr, take_nothing);
         start_store();
     }
 };

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "commands/kit.h"
+#include "support/own_module.h"
 
 class ResetCommand : public Kit {
 protected:
@@ -105,19 +106,13 @@ TEST_F(ResetCommand, ResetsSecrets)
 TEST_F(ResetCommand, SetsNothingWhereThereIsNothingToReset)
 {
     static std::atomic<int> sets{0};
-    const para_module row = {.name = "lamp",
-                             .init = nullptr,
-                             .init_stage2 = nullptr,
-                             .set_opt = [](const char *, const cJSON *,
-                                           const char *) { return static_cast<int>(sets++); },
-                             .get_opt =
-                                 [](const char *, const cJSON *, cJSON **answer, const char *) {
-                                     *answer = parse("{'level':5}").release();
-                                     return 0;
-                                 },
-                             .need_save = nullptr,
-                             .save = nullptr};
-    ASSERT_EQ(register_para_handle_extern(&row), 0);
+    add_own_module(
+        "lamp",
+        [](const char *, const cJSON *, cJSON **answer, const char *) {
+            *answer = parse("{'level':5}").release();
+            return 0;
+        },
+        [](const char *, const cJSON *, const char *) { return static_cast<int>(sets++); });
     start_store();
     EXPECT_EQ(reset("{'lamp':['level']}"),
               "{'accepted':[],'refused':{'lamp.level':'has no default'}}");
