@@ -10,8 +10,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <memory>
 #include <sstream>
 #include <thread>
+#include <utility>
 
 #include "client/descriptor.h"
 #include "output.h"
@@ -48,7 +50,8 @@ private:
 
 struct host_process {
     std::string host;
-    printed output, messages;
+    std::unique_ptr<printed> to_output, to_messages; // while it runs
+    std::string output, messages;
     pid_t id = -1;
     int status = OTHER;
 };
@@ -56,8 +59,8 @@ struct host_process {
 [[noreturn]] void run_as_process(const host_process &own, program &all,
                                  const std::function<exit_code()> &run)
 {
-    own.output.replace(STDOUT_FILENO);
-    own.messages.replace(STDERR_FILENO);
+    own.to_output->replace(STDOUT_FILENO);
+    own.to_messages->replace(STDERR_FILENO);
     all.as_json = true;
     all.one_of_several = true;
     print_messages_as_json();
@@ -69,6 +72,8 @@ struct host_process {
 
 void start(host_process &started, program &all, const std::function<exit_code()> &run)
 {
+    started.to_output = std::make_unique<printed>();
+    started.to_messages = std::make_unique<printed>();
     fflush(nullptr); // nothing is to be printed twice
     started.id = fork();
     if (started.id < 0)
@@ -88,14 +93,18 @@ void wait_for_one(std::vector<host_process> &all, progress &hosts)
     }
     hosts.step();
     for (host_process &each : all) {
-        if (each.id == ended && WIFEXITED(status))
+        if (each.id != ended || each.to_output == nullptr)
+            continue;
+        if (WIFEXITED(status))
             each.status = WEXITSTATUS(status);
+        each.output = std::exchange(each.to_output, nullptr)->text();
+        each.messages = std::exchange(each.to_messages, nullptr)->text();
     }
 }
 
 void print_messages_of(const host_process &process)
 {
-    std::istringstream lines(process.messages.text());
+    std::istringstream lines(process.messages);
     for (std::string line; std::getline(lines, line);) {
         const json_ptr message = parse_json(line);
         const cJSON *const status = member_of(message.get(), "status");
@@ -161,7 +170,7 @@ host_results run_on_each(program &all, const std::function<exit_code()> &run)
     for (const host_process &each : processes) {
         print_messages_of(each);
         results.push_back(
-            {each.host, static_cast<exit_code>(each.status), parse_json(each.output.text())});
+            {each.host, static_cast<exit_code>(each.status), parse_json(each.output)});
     }
     return results;
 }

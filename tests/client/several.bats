@@ -142,6 +142,14 @@ both()
     is 0 'af.zoom_value=20'
 }
 
+@test "more hosts than files may be open" {
+    seq 6811 6870 | sed 's/^/127.0.0.1:/' >"$folder/hosts"
+    run sh -c "ulimit -n 40; '$CAMPARAM' --hosts '$folder/hosts' --host '$here' get af.zoom_value"
+    [ "$status" = 6 ]
+    [ "$(echo "$output" | grep -c 'camparam: 127.0.0.1:68[0-9]*: nothing listens')" = 60 ]
+    echo "$output" | grep -q '^127.0.0.1 *20$'
+}
+
 @test "hosts that cannot be: named wrongly, twice, or all away" {
     run camparam --host "$here" --host "$here" get af
     is 2 'camparam: the host 127.0.0.1 is named twice'
