@@ -3,6 +3,7 @@
 #include "client/outcome.h"
 #include "commands.h"
 #include "output.h"
+#include "report.h"
 
 namespace {
 
@@ -25,9 +26,8 @@ exit_code run(program &all, options &given)
         if (!all.as_json)
             puts(visible(string_of(name)).c_str());
     }
-    if (const int omitted = omitted_in(answer.get()))
-        print_message("and " + std::to_string(omitted) + " more");
-    else if (!given.show && cJSON_GetArraySize(names) == 0)
+    report_omitted(answer.get());
+    if (!given.show && cJSON_GetArraySize(names) == 0 && omitted_in(answer.get()) == 0)
         throw failure(REFUSED, "nothing waits to be confirmed");
     return DONE;
 }

@@ -2,6 +2,7 @@
 
 #include "client/dump.h"
 #include "commands.h"
+#include "host_table.h"
 #include "output.h"
 #include "several.h"
 
@@ -81,12 +82,8 @@ std::vector<difference> from_dump(const cJSON *expected, const cJSON *found,
 void leave_out_secrets(cJSON *dump, const std::vector<described_setting> &settings)
 {
     for (const described_setting &setting : settings) {
-        const setting_name name = setting.name();
-        cJSON *const module = cJSON_GetObjectItemCaseSensitive(dump, name.module.c_str());
         if (setting.member->secret && member_of(setting.member->node, "current") == nullptr)
-            cJSON_DeleteItemFromObjectCaseSensitive(name.member.empty() ? dump : module,
-                                                    name.member.empty() ? name.module.c_str()
-                                                                        : name.member.c_str());
+            remove_setting(dump, setting.name());
     }
 }
 

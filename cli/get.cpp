@@ -6,9 +6,9 @@
 #include "client/selection.h"
 #include "commands.h"
 #include "get.h"
+#include "host_table.h"
 #include "list.h"
 #include "output.h"
-#include "several.h"
 
 namespace {
 
@@ -80,12 +80,11 @@ void leave_out_secrets(cJSON *values, const description &described,
                            [&](const setting_name &name) { return name.text() == secret.text(); });
     };
     for (const module_description &module : described.modules) {
-        cJSON *const members = cJSON_GetObjectItemCaseSensitive(values, module.name.c_str());
         for (const member_description &member : module.members) {
             const setting_name name = {module.name, member.name};
             if (!member.secret || is_named(name) || value_in(values, name) == nullptr)
                 continue;
-            cJSON_DeleteItemFromObjectCaseSensitive(members, member.name.c_str());
+            remove_setting(values, name);
             print_message(name.text() + " is a secret, which --show-secrets shows");
         }
     }

@@ -1,3 +1,5 @@
+#include "host_table.h"
+
 #include <algorithm>
 
 #include "output.h"
@@ -96,14 +98,6 @@ exit_code print_settings_by_host(const program &all, const host_results &results
     if (!table.is_empty() || status_of(results) == DONE)
         table.print(cell);
     return status_of(results);
-}
-
-std::string value_cell(const cJSON *value)
-{
-    if (value == nullptr)
-        return "-";
-    const std::string text = value_text(value);
-    return text.empty() ? "\"\"" : visible(text);
 }
 
 void print_rows_by_host(const host_results &results, std::vector<std::string> header,

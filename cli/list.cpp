@@ -7,8 +7,8 @@
 #include "client/selection.h"
 #include "commands.h"
 #include "get.h"
+#include "host_table.h"
 #include "output.h"
-#include "several.h"
 
 namespace {
 
@@ -27,10 +27,11 @@ std::string cell(const std::string &text)
 }
 
 // An empty text is a value, unlike an absent member.
-std::string cell_of(const member_description &member, const char *key)
+std::string cell_of(const cJSON *described, const char *key)
 {
-    const cJSON *const value = member_of(member.node, key);
-    return value == nullptr && member.secret ? "secret" : value_cell(value);
+    const cJSON *const value = member_of(described, key);
+    const bool is_hidden = value == nullptr && cJSON_IsTrue(member_of(described, "secret"));
+    return is_hidden ? "secret" : value_cell(value);
 }
 
 std::string mark_of(const member_description &member)
@@ -47,8 +48,8 @@ std::vector<std::string> row_of(const described_setting &setting)
             cell(member.kind),
             cell(member.min),
             cell(member.max),
-            cell_of(member, "default"),
-            cell_of(member, "current"),
+            cell_of(member.node, "default"),
+            cell_of(member.node, "current"),
             mark_of(member)};
 }
 
@@ -171,12 +172,7 @@ std::string cell_by_host(const cJSON *found)
 {
     if (member_of(found, "kind") == nullptr)
         return value_cell(found);
-    if (cJSON_IsTrue(member_of(found, "secret")) && member_of(found, "current") == nullptr)
-        return "secret";
-    const cJSON *const usual = member_of(found, "default"), *const now =
-                                                                member_of(found, "current");
-    const bool differs = usual != nullptr && cJSON_Compare(usual, now, 1) == 0;
-    return value_cell(now) + (differs ? " *" : "");
+    return cell_of(found, "current") + (differs_from_default(found) ? " *" : "");
 }
 
 exit_code compare(const program &all, const host_results &results, const options &)

@@ -5,6 +5,7 @@
 #include "client/dump.h"
 #include "client/outcome.h"
 #include "commands.h"
+#include "host_table.h"
 #include "output.h"
 #include "progress.h"
 #include "report.h"

@@ -118,6 +118,14 @@ void print_table(const std::vector<std::vector<std::string>> &rows)
     }
 }
 
+std::string value_cell(const cJSON *value)
+{
+    if (value == nullptr)
+        return "-";
+    const std::string text = value_text(value);
+    return text.empty() ? "\"\"" : visible(text);
+}
+
 std::vector<std::vector<std::string>> transposed(const std::vector<std::vector<std::string>> &rows)
 {
     std::vector<std::vector<std::string>> columns(rows.front().size());

@@ -14,6 +14,9 @@ std::string visible(const std::string &text);
 // Prints rows with aligned columns, separated by two blanks.
 void print_table(const std::vector<std::vector<std::string>> &rows);
 
+// A value as tables show it; "-" for none.
+std::string value_cell(const cJSON *value);
+
 // The table with its rows as columns.
 std::vector<std::vector<std::string>> transposed(const std::vector<std::vector<std::string>> &rows);
 

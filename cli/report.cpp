@@ -37,6 +37,22 @@ std::string refusal(const change &wanted, const cJSON *found)
 
 } // namespace
 
+void report_refusals(const cJSON *answer)
+{
+    const cJSON *reason = nullptr;
+    cJSON_ArrayForEach(reason, member_of(answer, "refused"))
+    {
+        print_failure({REFUSED, std::string(reason->string) + ": " + string_of(reason)});
+    }
+    report_omitted(answer);
+}
+
+void report_omitted(const cJSON *answer)
+{
+    if (const int omitted = omitted_in(answer))
+        print_message("and " + std::to_string(omitted) + " more");
+}
+
 bool report_change(client &host, const change &wanted, const cJSON *values, outcome &result)
 {
     const cJSON *const found = value_in(values, wanted.name);

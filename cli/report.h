@@ -10,6 +10,10 @@
 // a message unless it was taken. Returns whether it was.
 bool report_change(client &host, const change &wanted, const cJSON *values, outcome &result);
 
-// The same for several. Prints the accepted values, or all as JSON, on standard output.
+// Prints what an answer has refused, and how many names more there are than it tells.
+void report_refusals(const cJSON *answer);
+void report_omitted(const cJSON *answer);
+
+// report_change() for several. Prints the accepted values, or all as JSON, on standard output.
 void report_changes(client &host, const std::vector<change> &changes, const cJSON *values,
                     bool as_json, outcome &result);

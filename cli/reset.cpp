@@ -6,6 +6,7 @@
 #include "client/selection.h"
 #include "commands.h"
 #include "output.h"
+#include "report.h"
 
 namespace {
 
@@ -52,10 +53,7 @@ void report(const cJSON *answer, bool as_json)
         if (!as_json)
             puts(visible(string_of(name)).c_str());
     }
-    cJSON_ArrayForEach(name, member_of(answer, "refused"))
-    {
-        print_failure({REFUSED, std::string(name->string) + ": " + string_of(name)});
-    }
+    report_refusals(answer);
 }
 
 void append(cJSON *to, const cJSON *from)
@@ -94,10 +92,8 @@ exit_code run(program &all, options &given)
             omitted += omitted_in(answer.get());
         }
     }
-    if (omitted > 0) {
+    if (omitted > 0)
         cJSON_AddNumberToObject(together.get(), "omitted", omitted);
-        print_message("and " + std::to_string(omitted) + " more");
-    }
     if (all.as_json)
         print_json(together.get());
     return outcome_of(together.get()).status();

@@ -133,13 +133,7 @@ exit_code set_for_a_time(client &host, const plan &made, const options &given, c
     }
     if (all.as_json) // the values themselves where they are compared with those of other hosts
         print_json_line(all.one_of_several ? accepted.get() : answer.get());
-    const cJSON *reason = nullptr;
-    cJSON_ArrayForEach(reason, member_of(answer.get(), "refused"))
-    {
-        print_failure({REFUSED, std::string(reason->string) + ": " + string_of(reason)});
-    }
-    if (const int omitted = omitted_in(answer.get()))
-        print_message("and " + std::to_string(omitted) + " more");
+    report_refusals(answer.get());
     const outcome result = outcome_of(answer.get());
     if (result.done == 0)
         throw failure((made.refused + result).status(), "nothing was set");

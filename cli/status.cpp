@@ -1,6 +1,7 @@
 #include <cstdio>
 
 #include "commands.h"
+#include "host_table.h"
 #include "output.h"
 #include "several.h"
 #include "time_text.h"

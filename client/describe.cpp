@@ -172,10 +172,15 @@ std::string member_description::limits() const
     return has_limits() ? kind + ", " + min + " to " + max : kind;
 }
 
+bool differs_from_default(const cJSON *described)
+{
+    const cJSON *const usual = member_of(described, "default");
+    return usual != nullptr && cJSON_Compare(usual, member_of(described, "current"), 1) == 0;
+}
+
 bool differs_from_default(const member_description &member)
 {
-    const cJSON *const usual = member_of(member.node, "default");
-    return usual != nullptr && cJSON_Compare(usual, member_of(member.node, "current"), 1) == 0;
+    return differs_from_default(member.node);
 }
 
 std::string member_description::number_of(const std::string &text) const

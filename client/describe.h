@@ -32,6 +32,7 @@ struct member_description {
 
 // Of a setting with a default.
 bool differs_from_default(const member_description &member);
+bool differs_from_default(const cJSON *described);
 
 struct module_description {
     std::string name;

@@ -40,6 +40,16 @@ void add_setting(cJSON *modules, const setting_name &name, json_ptr value)
                               value.release());
 }
 
+void remove_setting(cJSON *modules, const setting_name &name)
+{
+    const char *const module = name.module.c_str();
+    if (name.member.empty())
+        cJSON_DeleteItemFromObjectCaseSensitive(modules, module);
+    else
+        cJSON_DeleteItemFromObjectCaseSensitive(cJSON_GetObjectItemCaseSensitive(modules, module),
+                                                name.member.c_str());
+}
+
 std::vector<std::string> modules_of(const std::vector<setting_name> &names)
 {
     std::vector<std::string> modules;

@@ -18,8 +18,9 @@ struct setting_name {
 // module. Null when there is none.
 const cJSON *value_in(const cJSON *modules, const setting_name &name);
 
-// Adds a value to such an object.
+// Adds a value to such an object, or takes one out.
 void add_setting(cJSON *modules, const setting_name &name, json_ptr value);
+void remove_setting(cJSON *modules, const setting_name &name);
 
 // The modules of settings, each once, in their order.
 std::vector<std::string> modules_of(const std::vector<setting_name> &names);
