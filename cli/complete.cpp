@@ -182,7 +182,6 @@ struct kind_of_value {
 
 constexpr kind_of_value kinds[] = {
     {"GLOB", modules_and_settings},
-    {"MODULE[.MEMBER]", modules_and_settings},
     {"MODULE.MEMBER", settings},
     {"MODULE.MEMBER=VALUE", with_value},
     {"VALUE", values_of_setting},
